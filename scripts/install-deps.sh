@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Installs the Debian packages KOVO needs to build, run on the simulated host and test.
+# Runs apt-get as root, through sudo otherwise; does nothing when everything is present.
+set -euo pipefail
+
+packages=(
+  build-essential cmake ninja-build pkg-config git
+  libncurses-dev ncurses-term libpam0g-dev
+  libboost-filesystem-dev libboost-system-dev libboost-regex-dev nlohmann-json3-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+  libvterm-dev libfaketime faketime
+  clang libclang-rt-dev
+  util-linux iproute2 dnsmasq-base less openssl openssh-client procps locales
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+
+as_root() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }
+
+if [ ${#missing[@]} -gt 0 ]; then
+  echo "Installing: ${missing[*]}"
+  as_root apt-get update -qq
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
+fi
+
+# The console sets the en_US.UTF-8 locale; make sure it exists.
+if ! locale -a 2>/dev/null | grep -qi '^en_US\.utf-\?8$'; then
+  as_root sed -i 's/^# *en_US.UTF-8 UTF-8/en_US.UTF-8 UTF-8/' /etc/locale.gen
+  grep -q '^en_US.UTF-8 UTF-8' /etc/locale.gen || echo 'en_US.UTF-8 UTF-8' | as_root tee -a /etc/locale.gen >/dev/null
+  as_root locale-gen >/dev/null
+fi
