@@ -1,0 +1,13 @@
+#pragma once
+
+namespace HostCtl::Network {
+
+// A virtual switch's set of ports.
+class Portset {
+public:
+    // Ports of a standard switch created without an explicit size.
+    static constexpr int DEF_NUM_PORTS = 128;
+    static constexpr int MAX_NUM_PORTS = 4096;
+};
+
+}  // namespace HostCtl::Network
