@@ -1,0 +1,94 @@
+#include "ProcessTree.h"
+
+#include <dirent.h>
+
+#include <fstream>
+#include <map>
+#include <sstream>
+
+namespace KovoTerm {
+
+namespace {
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream in(path);
+    std::stringstream all;
+    all << in.rdbuf();
+    return all.str();
+}
+
+std::map<pid_t, pid_t> ParentMap() {
+    std::map<pid_t, pid_t> parents;
+    DIR* proc = opendir("/proc");
+    if (!proc) return parents;
+    while (dirent* entry = readdir(proc)) {
+        char* end = nullptr;
+        long pid = std::strtol(entry->d_name, &end, 10);
+        if (*end != '\0' || pid <= 0) continue;
+        if (auto parent = ProcessTree::ParentOf(pid_t(pid))) parents[pid_t(pid)] = *parent;
+    }
+    closedir(proc);
+    return parents;
+}
+
+}  // namespace
+
+std::optional<pid_t> ProcessTree::ParentOf(pid_t pid) {
+    // "pid (comm) state ppid ...": comm may hold spaces and parentheses, so parse after the last ')'.
+    std::string stat = ReadFile("/proc/" + std::to_string(pid) + "/stat");
+    auto close = stat.rfind(')');
+    if (close == std::string::npos) return std::nullopt;
+    std::istringstream rest(stat.substr(close + 1));
+    std::string state;
+    long parent = -1;
+    if (!(rest >> state >> parent)) return std::nullopt;
+    return pid_t(parent);
+}
+
+std::optional<std::string> ProcessTree::CommandName(pid_t pid) {
+    std::string comm = ReadFile("/proc/" + std::to_string(pid) + "/comm");
+    if (comm.empty()) return std::nullopt;
+    if (comm.back() == '\n') comm.pop_back();
+    return comm;
+}
+
+std::vector<pid_t> ProcessTree::Descendants(pid_t root) {
+    auto parents = ParentMap();
+    std::vector<pid_t> found;
+    std::vector<pid_t> frontier{root};
+    while (!frontier.empty()) {
+        pid_t current = frontier.back();
+        frontier.pop_back();
+        for (const auto& [pid, parent] : parents) {
+            if (parent == current) {
+                found.push_back(pid);
+                frontier.push_back(pid);
+            }
+        }
+    }
+    return found;
+}
+
+pid_t ProcessTree::FindDescendant(pid_t root, std::string_view name) {
+    for (pid_t pid : Descendants(root)) {
+        auto comm = CommandName(pid);
+        if (comm && *comm == name) return pid;
+    }
+    return 0;
+}
+
+std::optional<long> ProcessTree::StatusKb(pid_t pid, std::string_view field) {
+    std::istringstream status(ReadFile("/proc/" + std::to_string(pid) + "/status"));
+    std::string line;
+    std::string key = std::string(field) + ":";
+    while (std::getline(status, line)) {
+        if (line.compare(0, key.size(), key) != 0) continue;
+        std::istringstream value(line.substr(key.size()));
+        long kb = 0;
+        if (value >> kb) return kb;
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+}  // namespace KovoTerm

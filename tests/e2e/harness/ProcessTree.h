@@ -1,0 +1,25 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace KovoTerm {
+
+// Read-only views of /proc used to find and measure processes a spawned program started.
+class ProcessTree {
+public:
+    // Every process below `root` (children, grandchildren, ...), in no particular order.
+    static std::vector<pid_t> Descendants(pid_t root);
+    // The first process below `root` whose command name (comm) is `name`; 0 when none.
+    static pid_t FindDescendant(pid_t root, std::string_view name);
+    static std::optional<std::string> CommandName(pid_t pid);
+    static std::optional<pid_t> ParentOf(pid_t pid);
+    // A "Name:   value kB" line of /proc/<pid>/status, e.g. "VmHWM" (peak resident set); in kB.
+    static std::optional<long> StatusKb(pid_t pid, std::string_view field);
+};
+
+}  // namespace KovoTerm
