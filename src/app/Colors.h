@@ -21,7 +21,12 @@ extern bool bwColor;
 // backgrounds when colours cannot be redefined.
 attr_t ColorAttr(int background, int foreground);
 
-// Colour pair number used by start-up and ColorAttr alike.
-inline int ColorPairNumber(int background, int foreground) { return foreground + background * COLORS + 1; }
+// Colour pair number used by start-up and ColorAttr alike: foreground + background x COLORS + 1. A pair
+// must fit the 8 bits an attribute word holds, so on terminals with more than 8 colours the stride stays
+// at 8, which still covers every colour number the console uses (0 to 7).
+inline int ColorPairNumber(int background, int foreground) {
+    const int stride = COLORS > 8 ? 8 : COLORS;
+    return foreground + background * stride + 1;
+}
 
 }  // namespace Kovo

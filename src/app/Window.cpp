@@ -51,8 +51,9 @@ Window* Window::AddChild(int dx, int dy, int width, int height, int background, 
 
 void Window::ApplyBackground() {
     if (!_win) return;
-    wbkgdset(_win, ' ' | (_active ? ColorAttr(_background, _foreground) : ColorAttr(kBlack, kDarkGrey)));
-    wattrset(_win, _active ? ColorAttr(_background, _foreground) : ColorAttr(kBlack, kDarkGrey));
+    attr_t attr = _active ? ColorAttr(_background, _foreground) : ColorAttr(kBlack, kDarkGrey);
+    wbkgd(_win, ' ' | attr);
+    wattrset(_win, attr);
 }
 
 void Window::SetActive(bool active) {
@@ -63,12 +64,10 @@ void Window::SetActive(bool active) {
         _savedCursorY = _yCursor;
         SetCursor(false);
     }
-    if (_win) {
-        attr_t attr = active ? ColorAttr(_background, _foreground) : ColorAttr(kBlack, kDarkGrey);
-        wbkgd(_win, ' ' | attr);
-        wattrset(_win, attr);
-    }
+    // Children first: curses recolours only the cells that still carry a window's previous background,
+    // and a child's cells share memory with its parent's, so the parent must not reach them first.
     for (Window* child : std::vector<Window*>(_children)) child->SetActive(active);
+    ApplyBackground();
     Refresh();
     if (active && !_parent) {
         _xCursor = _savedCursorX;
@@ -86,12 +85,8 @@ void Window::SetColors(int background, int foreground) {
     _background = background == -1 ? (_parent ? _parent->_background : _background) : background;
     _foreground = foreground == -1 ? (_parent ? _parent->_foreground : _foreground) : foreground;
     if (!_active) return;
-    if (_win) {
-        attr_t attr = ColorAttr(_background, _foreground);
-        wbkgd(_win, ' ' | attr);
-        wattrset(_win, attr);
-    }
     for (Window* child : _children) child->SetColors(background, foreground);
+    ApplyBackground();
 }
 
 void Window::MoveCursor(int x, int y) {

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace Kovo {
+
+// Runs a host program as a child: pipes for its three standard streams, the environment
+// "PYTHONHOME=/" alone, no other descriptor of ours, optional input, captured output cut to the given
+// capacities (lengths are in/out: capacity in, bytes stored out; buffers may be null) and an optional
+// time-out in seconds (0 or less waits without limit). Returns the exit status, or -1 when the program
+// could not be started or did not end normally.
+int RunCommand(const char* program, const char* const argv[], char* output = nullptr, int* outputLength = nullptr,
+               char* error = nullptr, int* errorLength = nullptr, const char* input = nullptr, int inputLength = 0,
+               int timeout = 0);
+
+// A command line through "/bin/sh -c": no input, no capture, no time-out.
+int RunShell(const std::string& commandLine);
+
+// Runs "/bin/hcl-cmd" with argv = {"hcl-cmd", "-U", user, command path, ...}; when the tool cannot act
+// as that user (status 255) it runs once more as the console's own user.
+int RunHclCmd(std::vector<std::string> argv, char* output = nullptr, int* outputLength = nullptr,
+              char* error = nullptr, int* errorLength = nullptr, const char* input = nullptr, int inputLength = 0);
+
+// Asks the host tool a yes/no question as the console's own user: true when its answer starts "true".
+bool HclCmdQuery(const char* commandPath);
+
+// Makes the host agent re-read the host's state after a change.
+void RefreshHostAgent();
+
+// The host's auto-stop sequence, then the virtual-machine power-off helper (forced when not graceful).
+int PowerOffVms(bool graceful);
+
+// Initialises the host-event library; returns its non-zero error code on failure.
+int InitEvents();
+
+}  // namespace Kovo

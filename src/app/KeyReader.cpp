@@ -1,0 +1,235 @@
+#include "app/KeyReader.h"
+
+#include <curses.h>
+#include <poll.h>
+#include <pthread.h>
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+
+#include "app/Frame.h"
+#include "app/KovoTimeout.h"
+#include "app/Log.h"
+#include "app/Startup.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/zenkctl/AdvancedOptionImpl.h"
+
+namespace Kovo {
+
+namespace {
+
+constexpr uint32_t kDefaultIdleTimeout = 600;
+
+timeval AddSeconds(const timeval& t, long seconds) {
+    timeval r = t;
+    r.tv_sec += seconds;
+    return r;
+}
+
+timeval Now() {
+    timeval t{};
+    gettimeofday(&t, nullptr);
+    return t;
+}
+
+char SignalByte(int sig) {
+    switch (sig) {
+        case SIGUSR1: return 1;
+        case SIGUSR2: return 2;
+        case SIGWINCH: return 3;
+        case SIGINT:
+        case SIGQUIT:
+        case SIGTERM: return 4;
+        default: return 0;
+    }
+}
+
+}  // namespace
+
+void* Frame::SignalHandler(void*) {
+    for (;;) {
+        int sig = 0;
+        int rc = sigwait(&_signalSet, &sig);
+        if (rc != 0) {
+            errno = rc;
+            LogErrno("sigwait() failed");
+            continue;
+        }
+        char byte = SignalByte(sig);
+        if (byte == 0) continue;
+        for (;;) {
+            ssize_t n = write(_signalPipe[1], &byte, 1);
+            if (n == 1) break;
+            if (n < 0 && errno != EINTR) break;  // any other error drops the byte
+        }
+    }
+    return nullptr;
+}
+
+void StartSignalThread() {
+    if (pipe2(Frame::_signalPipe, O_CLOEXEC) != 0) {
+        LogErrno("pipe() failed");
+        exit(1);
+    }
+    sigemptyset(&Frame::_signalSet);
+    for (int sig : {SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGWINCH}) sigaddset(&Frame::_signalSet, sig);
+    int rc = pthread_sigmask(SIG_BLOCK, &Frame::_signalSet, nullptr);
+    if (rc != 0) {
+        errno = rc;
+        LogErrno("pthread_sigmask() failed");
+    }
+    pthread_t thread;
+    rc = pthread_create(&thread, nullptr, &Frame::SignalHandler, nullptr);
+    if (rc != 0) {
+        errno = rc;
+        LogErrno("pthread_create() failed");
+        exit(1);
+    }
+    pthread_detach(thread);
+}
+
+int WaitInput(std::optional<timeval> limit) {
+    pollfd fds[2] = {{0, POLLIN, 0}, {Frame::_signalPipe[0], POLLIN, 0}};
+    int ms = -1;
+    if (limit) ms = static_cast<int>(limit->tv_usec / 1000 + limit->tv_sec * 1000);
+    int rc = poll(fds, 2, ms);
+    if (rc < 0) {
+        LogErrno("poll() failed");
+        return kInputFailed;
+    }
+    if (rc == 0) return kInputTimedOut;
+    if (fds[0].revents & (POLLIN | POLLHUP | POLLERR)) {
+        wtimeout(stdscr, 0);
+        int key = wgetch(stdscr);
+        wtimeout(stdscr, -1);
+        return key;
+    }
+    if (fds[1].revents & POLLIN) {
+        char byte = 0;
+        ssize_t n;
+        do {
+            n = read(Frame::_signalPipe[0], &byte, 1);
+        } while (n < 0 && errno == EINTR);
+        if (n != 1) return kInputFailed;
+        switch (byte) {
+            case 1: return kHostNotification;
+            case 2: return kRestartRequest;
+            case 3: return kTerminalResized;
+            case 4: return kTerminate;
+            default: return kInputFailed;
+        }
+    }
+    return kInputFailed;
+}
+
+IdleDeadlines ComputeIdleDeadlines(const timeval& start, uint32_t idleTimeout, bool useIdleTimeout) {
+    IdleDeadlines d{};
+    d.logoutArmed = idleTimeout != 0 && useIdleTimeout;
+    d.dimAt = AddSeconds(start, kDimSeconds);
+    // A time-out below one minute is raised to one minute.
+    d.logoutAt = AddSeconds(start, std::max<long>(idleTimeout, kDimSeconds));
+    return d;
+}
+
+bool TimeReached(const timeval& now, const timeval& moment) {
+    if (now.tv_sec != moment.tv_sec) return now.tv_sec > moment.tv_sec;
+    return now.tv_usec >= moment.tv_usec;
+}
+
+std::optional<timeval> NextWaitLimit(const timeval& now, const IdleDeadlines& deadlines, bool dimmed) {
+    const timeval* until = nullptr;
+    if (!dimmed)
+        until = &deadlines.dimAt;
+    else if (deadlines.logoutArmed)
+        until = &deadlines.logoutAt;
+    if (!until) return std::nullopt;
+    timeval left{};
+    if (!TimeReached(now, *until)) timersub(until, &now, &left);
+    return left;
+}
+
+int GetKey(Frame* frame, bool useIdleTimeout) {
+    const IdleDeadlines deadlines = ComputeIdleDeadlines(Now(), Frame::_idleTimeout, useIdleTimeout);
+    bool dimmed = false;
+    for (;;) {
+        timeval now = Now();
+        if (deadlines.logoutArmed && TimeReached(now, deadlines.logoutAt)) {
+            Frame::fgFrame = nullptr;
+            throw KovoTimeout();
+        }
+        if (!dimmed && TimeReached(now, deadlines.dimAt)) {
+            frame->SetActive(false);
+            frame->Refresh();
+            dimmed = true;
+        }
+        int code = WaitInput(NextWaitLimit(Now(), deadlines, dimmed));
+        switch (code) {
+            case kInputTimedOut:
+            case kInputFailed: continue;
+            case kHostNotification:
+                if (Frame::fgFrame) Frame::fgFrame->Notification();
+                continue;
+            case kRestartRequest:
+                if (!Frame::_loggedIn) exit(0);
+                Frame::_markForRestart = true;
+                continue;
+            case KEY_RESIZE:
+            case kTerminalResized:
+                // The interface is not redrawn in place: it starts afresh at the new size.
+                ResizeTerminal();
+                exit(0);
+            case kTerminate: exit(0);
+            default: break;
+        }
+        if (code < 0) continue;
+        if (dimmed) {
+            clearok(curscr, TRUE);
+            frame->SetActive(true);
+            frame->Refresh();
+        }
+        return code;
+    }
+}
+
+void ResizeTerminal() {
+    winsize ws{};
+    if (ioctl(0, TIOCGWINSZ, &ws) != 0) return;
+    if (ws.ws_row == 0 || ws.ws_col == 0) return;
+    resizeterm(ws.ws_row, ws.ws_col);
+    syslog(LOG_INFO, "Resized window to %dx%d", ws.ws_col, ws.ws_row);
+    refresh();
+}
+
+uint32_t GetIdleTimeoutOption() {
+    try {
+        ZenkCtl::Adv::AdvancedOptionImpl options;
+        auto option = options.FindOption(KOVO_TIMEOUT_VAR);
+        if (!option || !option->IsInteger()) return kDefaultIdleTimeout;
+        int64_t value = option->GetIntValue();
+        if (value < 0) return kDefaultIdleTimeout;
+        return static_cast<uint32_t>(std::min<int64_t>(value, UINT32_MAX));
+    } catch (const HostCtl::Lib::HostCtlException&) {
+        return kDefaultIdleTimeout;
+    }
+}
+
+void SetIdleTimeoutOption(uint32_t seconds) {
+    ZenkCtl::Adv::AdvancedOptionImpl options;
+    auto option = options.FindOption(KOVO_TIMEOUT_VAR);
+    if (option && option->IsInteger()) option->SetIntValue(seconds);
+}
+
+void LoadIdleTimeout() { Frame::_idleTimeout = GetIdleTimeoutOption(); }
+
+void SetLoggedIn(bool loggedIn) {
+    Frame::_loggedIn = loggedIn;
+    if (loggedIn) LoadIdleTimeout();
+}
+
+}  // namespace Kovo

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <sys/time.h>
+
+#include <cstdint>
+#include <optional>
+
+namespace Kovo {
+
+class Frame;
+
+// Codes WaitInput returns besides keys.
+enum InputEvent : int {
+    kInputFailed = -1,
+    kInputTimedOut = -2,
+    kHostNotification = -3,
+    kRestartRequest = -4,
+    kTerminalResized = -5,
+    kTerminate = -6,
+};
+
+// Seconds without a key before the screen dims.
+constexpr int kDimSeconds = 60;
+
+// Creates the signal pipe, blocks the handled signals in this (and every later) thread and starts the
+// signal thread. Ends the process with status 1 if the pipe or the thread cannot be made.
+void StartSignalThread();
+
+// One wait for a key or a signal byte; no limit waits indefinitely.
+int WaitInput(std::optional<timeval> limit);
+
+// The key reader every frame loop calls: dims after a minute, raises KovoTimeout at the idle logout
+// when useIdleTimeout is set, and turns signals into their reactions.
+int GetKey(Frame* frame, bool useIdleTimeout);
+
+void ResizeTerminal();
+void LoadIdleTimeout();
+uint32_t GetIdleTimeoutOption();
+void SetIdleTimeoutOption(uint32_t seconds);
+void SetLoggedIn(bool loggedIn);
+
+// The deadlines of one GetKey call, counted from its start.
+struct IdleDeadlines {
+    timeval dimAt;
+    timeval logoutAt;
+    bool logoutArmed;
+};
+IdleDeadlines ComputeIdleDeadlines(const timeval& start, uint32_t idleTimeout, bool useIdleTimeout);
+// True once `now` has reached `moment` (seconds compared first, then microseconds).
+bool TimeReached(const timeval& now, const timeval& moment);
+// How long the next wait may last: until the dim moment while undimmed, until the logout once dimmed
+// and armed, without limit otherwise.
+std::optional<timeval> NextWaitLimit(const timeval& now, const IdleDeadlines& deadlines, bool dimmed);
+
+}  // namespace Kovo

@@ -1,0 +1,122 @@
+#include "app/CommandRunner.h"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <string>
+
+namespace Kovo {
+namespace {
+
+// Runs a shell snippet through RunCommand, capturing both streams.
+struct ShellRun {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+ShellRun Sh(const std::string& script, int outCapacity = 4096, int timeout = 0, const std::string& input = "") {
+    const char* argv[] = {"sh", "-c", script.c_str(), nullptr};
+    std::string out(static_cast<size_t>(outCapacity), '\0'), err(4096, '\0');
+    int outLen = outCapacity, errLen = static_cast<int>(err.size());
+    int status = RunCommand("/bin/sh", argv, out.data(), &outLen, err.data(), &errLen,
+                            input.empty() ? nullptr : input.data(), static_cast<int>(input.size()), timeout);
+    out.resize(static_cast<size_t>(outLen));
+    err.resize(static_cast<size_t>(errLen));
+    return {status, out, err};
+}
+
+TEST(CommandRunner, ReturnsExitStatusAndBothStreams) {
+    ShellRun r = Sh("echo hello; echo oops >&2; exit 7");
+    EXPECT_EQ(r.status, 7);
+    EXPECT_EQ(r.out, "hello\n");
+    EXPECT_EQ(r.err, "oops\n");
+}
+
+TEST(CommandRunner, CutsOutputToCapacity) {
+    ShellRun r = Sh("printf 0123456789", 4);
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.out, "0123");
+}
+
+TEST(CommandRunner, ChildSeesExactlyTheOneEntryEnvironment) {
+    setenv("KOVO_RUNNER_TEST_LEAK", "1", 1);
+    // /usr/bin/env prints the environment it was given; the shell itself would add PWD and friends.
+    const char* argv[] = {"env", nullptr};
+    char out[256] = {};
+    int outLen = sizeof out;
+    ASSERT_EQ(RunCommand("/usr/bin/env", argv, out, &outLen), 0);
+    EXPECT_EQ(std::string(out, static_cast<size_t>(outLen)), "PYTHONHOME=/\n");
+}
+
+TEST(CommandRunner, ChildHasOnlyStandardDescriptors) {
+    // A descriptor of ours that is not close-on-exec must still not reach the child.
+    int leaked = dup(1);
+    ASSERT_GE(leaked, 3);
+    const char* argv[] = {"ls", "/proc/self/fd", nullptr};
+    char out[256] = {};
+    int outLen = sizeof out;
+    ASSERT_EQ(RunCommand("/usr/bin/ls", argv, out, &outLen), 0);
+    close(leaked);
+    // ls itself opens one descriptor for the directory it lists.
+    std::string listing(out, static_cast<size_t>(outLen));
+    EXPECT_EQ(listing.substr(0, 6), "0\n1\n2\n") << listing;
+    EXPECT_LE(listing.size(), 8u) << listing;
+}
+
+TEST(CommandRunner, TimeoutKillsAndReturnsMinusOne) {
+    auto start = std::chrono::steady_clock::now();
+    ShellRun r = Sh("exec sleep 30", 16, 1);
+    EXPECT_EQ(r.status, -1);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+}
+
+TEST(CommandRunner, KilledBySignalIsMinusOne) {
+    EXPECT_EQ(Sh("kill -TERM $$").status, -1);
+}
+
+TEST(CommandRunner, MissingProgramIsNotAStatusZero) {
+    const char* argv[] = {"nothing-here", nullptr};
+    EXPECT_NE(RunCommand("/nonexistent/nothing-here", argv), 0);
+}
+
+TEST(CommandRunner, ChattyChildDoesNotHang) {
+    // 1 MB on each stream, far beyond a pipe's capacity, with only a small part kept.
+    ShellRun r = Sh("head -c 1048576 /dev/zero; head -c 1048576 /dev/zero >&2; exit 3", 100, 60);
+    EXPECT_EQ(r.status, 3);
+    EXPECT_EQ(r.out.size(), 100u);
+    EXPECT_EQ(r.err.size(), 4096u);
+}
+
+TEST(CommandRunner, InputReachesTheChild) {
+    ShellRun r = Sh("read line; echo \"got:$line\"", 64, 10, "secret\n");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.out, "got:secret\n");
+}
+
+TEST(CommandRunner, ChildThatIgnoresInputDoesNotKillTheCaller) {
+    std::string big(1 << 20, 'x');
+    ShellRun r = Sh("exit 0", 16, 10, big);
+    EXPECT_EQ(r.status, 0);
+}
+
+TEST(CommandRunner, ChildGetsDefaultSignalMask) {
+    sigset_t set, old;
+    sigemptyset(&set);
+    sigaddset(&set, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &set, &old);
+    ShellRun r = Sh("grep SigBlk /proc/self/status");
+    pthread_sigmask(SIG_SETMASK, &old, nullptr);
+    EXPECT_EQ(r.out, "SigBlk:\t0000000000000000\n");
+}
+
+TEST(CommandRunner, RunShellReturnsStatus) {
+    EXPECT_EQ(RunShell("exit 4"), 4);
+    EXPECT_EQ(RunShell("true"), 0);
+}
+
+}  // namespace
+}  // namespace Kovo

@@ -1,0 +1,156 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "app/Colors.h"
+#include "app/Dialog.h"
+#include "app/Frame.h"
+#include "text/TextArea.h"
+#include "../support/OffscreenCurses.h"
+
+namespace Kovo {
+namespace {
+
+// A full-screen frame in the colours a menu uses.
+class ScreenFrame : public Frame {
+public:
+    ScreenFrame() : Frame(nullptr, 0, 0, COLS, LINES, kYellow, kWhite) {}
+    int HandleKey() override { return 0; }
+};
+
+// A dialog whose loop runs a probe instead of reading keys.
+class ProbeDialog : public Dialog {
+public:
+    ProbeDialog(Frame* parent, int w, int h, int t, std::function<void()> probe)
+        : Dialog(parent, w, h, t), _probe(std::move(probe)) {}
+    int HandleKey() override {
+        if (_probe) _probe();
+        return 42;
+    }
+
+private:
+    std::function<void()> _probe;
+};
+
+using Frames = Testing::OffscreenCurses;
+
+TEST_F(Frames, DialogIsCentredWithHeaderBodyAndFooter) {
+    ScreenFrame root;
+    ProbeDialog d(&root, 60, 12, 6, nullptr);
+    EXPECT_EQ(d.X(), 10);
+    EXPECT_EQ(d.Y(), 6);
+    EXPECT_EQ(d.Header()->Height(), 6);
+    EXPECT_EQ(d.Body()->Y(), 12);
+    EXPECT_EQ(d.Body()->Height(), 6);
+    ASSERT_NE(d.Content(), nullptr);
+    EXPECT_EQ(d.Content()->X(), 12);
+    EXPECT_EQ(d.Content()->Y(), 13);
+    EXPECT_EQ(d.Content()->Width(), 56);
+    EXPECT_EQ(d.Content()->Height(), 2);
+    EXPECT_EQ(d.Footer()->Y(), 16);
+    EXPECT_EQ(d.Title()->X(), 13);
+    EXPECT_EQ(d.Title()->Width(), 54);
+    EXPECT_EQ(AttrAt(d.Header()->Handle(), 2, 2), ColorAttr(kDarkGrey, kWhite));
+    EXPECT_EQ(AttrAt(d.Body()->Handle(), 2, 1) & A_COLOR, ColorAttr(kYellow, kWhite) & A_COLOR);
+}
+
+TEST_F(Frames, BodyOfFourRowsOrLessHasNoContentWindow) {
+    ScreenFrame root;
+    ProbeDialog fourRows(&root, 70, 11, 7, nullptr);
+    EXPECT_EQ(fourRows.Content(), nullptr);
+    ProbeDialog fiveRows(&root, 70, 12, 7, nullptr);
+    EXPECT_NE(fiveRows.Content(), nullptr);
+}
+
+TEST_F(Frames, TooLargeDialogGetsNegativeOrigin) {
+    ScreenFrame root;
+    ProbeDialog d(&root, 100, 30, 7, nullptr);
+    EXPECT_EQ(d.X(), -10);
+    EXPECT_EQ(d.Y(), -2);
+}
+
+TEST_F(Frames, ModalDialogGreysTheWholeParentTreeAndRestoresIt) {
+    ScreenFrame root;
+    Window* pane = root.AddChild(1, 1, 20, 5, kDarkGrey, kWhite);
+    const attr_t grey = ColorAttr(kBlack, kDarkGrey);
+    attr_t rootDuring = 0, paneDuring = 0;
+    bool activeDuring = true;
+    ProbeDialog d(&root, 40, 10, 5, [&] {
+        rootDuring = AttrAt(root.Handle(), 20, 70);
+        paneDuring = AttrAt(pane->Handle(), 2, 2);
+        activeDuring = root.IsActive();
+    });
+    EXPECT_EQ(d.RunModal(), 42);
+    EXPECT_FALSE(activeDuring);
+    EXPECT_EQ(rootDuring, grey);
+    EXPECT_EQ(paneDuring, grey);
+    EXPECT_TRUE(root.IsActive());
+    EXPECT_EQ(AttrAt(root.Handle(), 20, 70), ColorAttr(kYellow, kWhite));
+    EXPECT_EQ(AttrAt(pane->Handle(), 2, 2), ColorAttr(kDarkGrey, kWhite));
+}
+
+TEST_F(Frames, ForegroundFrameFollowsTheModalChain) {
+    ScreenFrame root;
+    Frame::fgFrame = &root;
+    Frame* seen = nullptr;
+    ProbeDialog d(&root, 40, 10, 5, [&] { seen = Frame::fgFrame; });
+    d.RunModal();
+    EXPECT_EQ(seen, &d);
+    EXPECT_EQ(Frame::fgFrame, &root);
+}
+
+TEST_F(Frames, ParentCursorIsSavedAndRestored) {
+    ScreenFrame root;
+    Window::SetCursor(true);
+    root.MoveCursor(7, 3);
+    bool cursorDuring = true;
+    ProbeDialog d(&root, 40, 10, 5, [&] { cursorDuring = Window::_cursor; });
+    d.RunModal();
+    EXPECT_FALSE(cursorDuring);
+    EXPECT_TRUE(Window::_cursor);
+    EXPECT_EQ(Window::_xCursor, 7);
+    EXPECT_EQ(Window::_yCursor, 3);
+    Window::SetCursor(false);
+}
+
+TEST_F(Frames, BlackAndWhiteUsesStandoutForDarkBackgrounds) {
+    bwColor = true;
+    EXPECT_EQ(ColorAttr(kBlack, kWhite), A_STANDOUT);
+    EXPECT_EQ(ColorAttr(kDarkGrey, kWhite), A_STANDOUT);
+    EXPECT_EQ(ColorAttr(kYellow, kBlack), A_NORMAL);
+    EXPECT_EQ(ColorAttr(kLightGrey, kWhite), A_NORMAL);
+
+    ScreenFrame root;
+    ProbeDialog d(&root, 40, 10, 5, nullptr);
+    EXPECT_EQ(AttrAt(d.Header()->Handle(), 1, 1) & A_STANDOUT, A_STANDOUT);
+    EXPECT_EQ(AttrAt(d.Body()->Handle(), 1, 1) & A_STANDOUT, 0u);
+}
+
+TEST_F(Frames, ColoursArePairsOfTheRedefinedPalette) {
+    // Every pair the console uses is defined with the right colours and distinct from the others.
+    const int colors[] = {kWhite, kBlack, kYellow, kLightGrey, kDarkGrey, kRed};
+    for (int bg : colors)
+        for (int fg : colors) {
+            short f = -1, b = -1;
+            ASSERT_EQ(pair_content(static_cast<short>(ColorPairNumber(bg, fg)), &f, &b), OK);
+            EXPECT_EQ(f, fg);
+            EXPECT_EQ(b, bg);
+        }
+    short r, g, b;
+    color_content(COLOR_CYAN, &r, &g, &b);
+    EXPECT_EQ(r, 334);
+    color_content(COLOR_YELLOW, &r, &g, &b);
+    EXPECT_EQ(g, 800);
+}
+
+TEST_F(Frames, DestroyingAWindowDestroysItsChildren) {
+    ScreenFrame root;
+    Window* pane = root.AddChild(0, 0, 10, 5);
+    pane->AddChild(1, 1, 3, 3);
+    EXPECT_EQ(root.Children().size(), 1u);
+    delete pane;
+    EXPECT_TRUE(root.Children().empty());
+}
+
+}  // namespace
+}  // namespace Kovo
