@@ -1,0 +1,59 @@
+#include "text/TextArea.h"
+
+namespace Kovo {
+
+TextArea::TextArea(Window* parent, int dx, int dy, int width, int height, int background, int foreground)
+    : Window(parent, dx, dy, width, height, background, foreground) {
+    // Dark grey and light grey sit on the numbers of cyan and green, whose shades start-up redefines.
+    _colors = {
+        {"white", 7}, {"black", 0}, {"dark-grey", 6}, {"light-grey", 2}, {"yellow", 3}, {"red", 1},
+    };
+    _variables = {
+        {"ip", &GetIpValue},
+        {"ssl-thumbprint", &GetSSLThumbprintValue},
+        {"ssh-dsa-fingerprint", &GetSSHDsaKeyFingerprintValue},
+        {"ssh-rsa-fingerprint", &GetSSHRsaKeyFingerprintValue},
+        {"serial-number", &GetSerialNumberValue},
+        {"hostname", &GetHostnameValue},
+        {"qorproduct", &GetQORProduct},
+        {"qorversion", &GetQORVersion},
+        {"supportstart", &GetSupportStart},
+        {"supportperiod", &GetSupportPeriod},
+        {"memory", &GetSystemMemory},
+        {"servicetag", &GetServiceTag},
+        {"assettag", &GetAssetTag},
+        {"BIOSversion", &GetBIOSVersion},
+        {"BMCversion", &GetBMCVersion},
+        {"CPLDversion", &GetCPLDVersion},
+        {"PLSAversion", &GetPLSAVersion},
+    };
+}
+
+void TextArea::SetActive(bool active) {
+    _active = active;
+    Window::SetActive(active);
+    Render();
+}
+
+void TextArea::SetText(const char* text) { SetText(std::string(text ? text : "")); }
+
+void TextArea::SetText(const std::string& text) {
+    _text = text;
+    Render();
+}
+
+void TextArea::AppendText(const char* text) { AppendText(std::string(text ? text : "")); }
+
+void TextArea::AppendText(const std::string& text) {
+    _text += text;
+    Render();
+}
+
+void TextArea::Render() {
+    Erase();
+    std::string laidOut = LayoutMarkup(_text, Width(), _variables);
+    DrawMarkup({Handle(), Width(), Height(), Background(), Foreground(), _active}, laidOut, _colors);
+    Refresh();
+}
+
+}  // namespace Kovo

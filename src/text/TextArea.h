@@ -1,0 +1,59 @@
+#pragma once
+
+#include <string>
+
+#include "app/Window.h"
+#include "text/MarkupDraw.h"
+#include "text/MarkupLayout.h"
+
+namespace Kovo {
+
+// A rectangle that shows marked-up text: colour tags, align tags and host-value variables. The text is
+// kept and laid out afresh on every render, so variables always show current values.
+class TextArea : public Window {
+public:
+    TextArea(Window* parent, int dx, int dy, int width, int height, int background = -1,
+             int foreground = -1);
+    ~TextArea() override = default;
+
+    // Also repaints: an inactive area shows its text without colour tags.
+    void SetActive(bool active) override;
+
+    void SetText(const char* text);
+    void SetText(const std::string& text);
+    void AppendText(const char* text);
+    void AppendText(const std::string& text);
+
+    const std::string& Text() const { return _text; }
+    const MarkupColors& Colors() const { return _colors; }
+    const MarkupVariables& Variables() const { return _variables; }
+
+    // Host values that texts can name as variables; each call reads the host anew.
+    static std::string GetIpValue();
+    static std::string GetSSLThumbprintValue();
+    static std::string GetSSHDsaKeyFingerprintValue();
+    static std::string GetSSHRsaKeyFingerprintValue();
+    static std::string GetSerialNumberValue();
+    static std::string GetHostnameValue();
+    static std::string GetQORProduct();
+    static std::string GetQORVersion();
+    static std::string GetSupportStart();
+    static std::string GetSupportPeriod();
+    static std::string GetSystemMemory();
+    static std::string GetServiceTag();
+    static std::string GetAssetTag();
+    static std::string GetBIOSVersion();
+    static std::string GetBMCVersion();
+    static std::string GetCPLDVersion();
+    static std::string GetPLSAVersion();
+
+private:
+    void Render();
+
+    std::string _text;
+    bool _active = true;
+    MarkupColors _colors;
+    MarkupVariables _variables;
+};
+
+}  // namespace Kovo
