@@ -5,6 +5,8 @@
 #include "app/Colors.h"
 #include "app/Dialog.h"
 #include "app/Frame.h"
+#include "app/RootWindow.h"
+#include "text/ItemList.h"
 #include "text/TextArea.h"
 #include "../support/OffscreenCurses.h"
 
@@ -150,6 +152,37 @@ TEST_F(Frames, DestroyingAWindowDestroysItsChildren) {
     EXPECT_EQ(root.Children().size(), 1u);
     delete pane;
     EXPECT_TRUE(root.Children().empty());
+}
+
+class TestMenu : public RootWindow {
+public:
+    TestMenu() : RootWindow(nullptr) {}
+    int HandleKey() override { return 0; }
+    void UpdateDetails() override {}
+    using RootWindow::Details;
+    using RootWindow::LeftPane;
+    using RootWindow::List;
+    using RootWindow::RightPane;
+    using RootWindow::StatusLine;
+};
+
+TEST_F(Frames, MenuWindowSplitsTheScreenIntoPanes) {
+    TestMenu menu;
+    EXPECT_EQ(menu.Width(), 80);
+    EXPECT_EQ(menu.LeftPane()->Width(), 40);
+    EXPECT_EQ(menu.RightPane()->X(), 40);
+    EXPECT_EQ(menu.RightPane()->Height(), 24);
+    EXPECT_EQ(menu.StatusLine()->Y(), 24);
+    EXPECT_EQ(menu.List()->X(), 2);
+    EXPECT_EQ(menu.List()->Y(), 4);
+    EXPECT_EQ(menu.List()->Height(), 19);
+    EXPECT_EQ(menu.Details()->X(), 42);
+    EXPECT_EQ(menu.Details()->Width(), 36);
+    // Boxed panes with a rule under the title row.
+    EXPECT_EQ(mvwinch(menu.LeftPane()->Handle(), 0, 0) & A_CHARTEXT, ACS_ULCORNER & A_CHARTEXT);
+    EXPECT_EQ(mvwinch(menu.RightPane()->Handle(), 2, 5) & A_CHARTEXT, ACS_HLINE & A_CHARTEXT);
+    EXPECT_EQ(AttrAt(menu.RightPane()->Handle(), 3, 38), ColorAttr(kDarkGrey, kWhite));
+    EXPECT_EQ(AttrAt(menu.LeftPane()->Handle(), 10, 1) & A_COLOR, ColorAttr(kYellow, kWhite) & A_COLOR);
 }
 
 }  // namespace

@@ -1,0 +1,39 @@
+#include "app/RootWindow.h"
+
+#include <syslog.h>
+
+#include "app/Colors.h"
+#include "text/ItemList.h"
+#include "text/TextArea.h"
+
+namespace Kovo {
+
+namespace {
+
+// The pane's frame: a box and a rule under its title.
+void FramePane(Window* pane) {
+    if (!pane->Handle()) return;
+    box(pane->Handle(), 0, 0);
+    mvwhline(pane->Handle(), 2, 1, ACS_HLINE, pane->Width() - 2);
+}
+
+}  // namespace
+
+RootWindow::RootWindow(Frame* parent) : Frame(parent, 0, 0, COLS, LINES, kBlack, kWhite) {
+    syslog(LOG_INFO, "COLS=%d, LINES=%d", COLS, LINES);
+    const int half = COLS / 2;
+    _main = AddChild(0, 0, COLS, LINES - 1, kLightGrey, kWhite);
+    _status = new TextArea(this, 0, LINES - 1, COLS, 1, kBlack, kLightGrey);
+    _left = _main->AddChild(0, 0, half, LINES - 1, kYellow, kWhite);
+    _right = _main->AddChild(half, 0, half, LINES - 1, kDarkGrey, kWhite);
+    FramePane(_left);
+    FramePane(_right);
+    _leftTitle = new TextArea(_left, 3, 1, half - 6, 1, -1, kBlack);
+    _list = new ItemList(_left, 2, 4, half - 2, LINES - 6);
+    _leftFooter = new TextArea(_left, 2, LINES - 3, half - 3, 1, -1, kBlack);
+    _rightTitle = new TextArea(_right, 2, 1, half - 6, 1, -1, kWhite);
+    _details = new TextArea(_right, 2, 4, half - 4, LINES - 6, -1, kLightGrey);
+    _rightFooter = new TextArea(_right, 1, LINES - 3, half - 3, 1, -1, kWhite);
+}
+
+}  // namespace Kovo
