@@ -1,0 +1,281 @@
+#include "Launcher.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <system_error>
+
+#include <nlohmann/json.hpp>
+
+#include "HostNamespace.h"
+#include "RestartPolicy.h"
+#include "SyslogReceiver.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/store/HostStore.h"
+
+namespace KovoSim {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr int kUsageStatus = 2;
+
+// The host's disk is used by one booted host at a time; the lock lives as long as the launcher.
+class HostLock {
+public:
+    explicit HostLock(const HostLayout& layout) {
+        _fd = ::open(layout.State("lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+        if (_fd < 0) throw std::system_error(errno, std::generic_category(), "open " + layout.State("lock"));
+        _held = ::flock(_fd, LOCK_EX | LOCK_NB) == 0;
+    }
+    ~HostLock() { ::close(_fd); }
+    HostLock(const HostLock&) = delete;
+    HostLock& operator=(const HostLock&) = delete;
+    bool Held() const { return _held; }
+
+private:
+    int _fd = -1;
+    bool _held = false;
+};
+
+int ReadPid(const std::string& path) {
+    std::ifstream file(path);
+    long pid = 0;
+    if (!(file >> pid) || pid <= 0 || pid > 1 << 30) return -1;
+    return static_cast<int>(pid);
+}
+
+void WriteText(const std::string& path, const std::string& text) {
+    std::ofstream file(path, std::ios::trunc);
+    file << text;
+}
+
+sigset_t LauncherSignals() {
+    sigset_t set;
+    sigemptyset(&set);
+    for (int s : {SIGCHLD, SIGINT, SIGQUIT, SIGTERM, SIGHUP}) sigaddset(&set, s);
+    return set;
+}
+
+}  // namespace
+
+std::string Launcher::SelfPath() {
+    std::error_code error;
+    auto path = fs::read_symlink("/proc/self/exe", error);
+    return error ? std::string() : path.string();
+}
+
+std::string Launcher::DefaultConsole() {
+    const std::string self = SelfPath();
+    if (self.empty()) return "kovo";
+    return (fs::path(self).parent_path().parent_path() / "src" / "kovo").lexically_normal().string();
+}
+
+int Launcher::Main(int argc, char** argv) {
+    const std::string program = argc > 0 ? fs::path(argv[0]).filename().string() : "kovo-sim";
+    LauncherOptions options;
+    try {
+        options = LauncherOptions::Parse(std::vector<std::string>(argv + 1, argv + argc));
+    } catch (const LauncherOptions::Error& e) {
+        std::cerr << program << ": " << e.what() << "\n" << LauncherOptions::Usage(program);
+        return kUsageStatus;
+    }
+    try {
+        return Dispatch(options, program);
+    } catch (const std::invalid_argument& e) {
+        std::cerr << program << ": " << e.what() << "\n";
+        return kUsageStatus;
+    } catch (const std::exception& e) {
+        std::cerr << program << ": " << e.what() << "\n";
+        return 1;
+    }
+}
+
+int Launcher::Dispatch(const LauncherOptions& options, const std::string& program) {
+    using Command = LauncherOptions::Command;
+    switch (options.command) {
+        case Command::Help:
+            std::cout << LauncherOptions::Usage(program);
+            return 0;
+        case Command::Run:
+            return RunConsole(options);
+        case Command::InHostGet:
+            return InHostGet(options.pointer);
+        case Command::InHostSet:
+            return InHostSet(options.pointer, options.value);
+        default:
+            break;
+    }
+    const HostLayout layout(options.dir);
+    if (!layout.Prepared()) throw std::invalid_argument("there is no simulated host in " + layout.Dir());
+    switch (options.command) {
+        case Command::Paths:
+            return Paths(layout);
+        case Command::Exec:
+            return Exec(layout, options.args);
+        case Command::Get:
+            return Exec(layout, {SelfPath(), "in-host-get", options.pointer});
+        case Command::Set:
+            return Exec(layout, {SelfPath(), "in-host-set", options.pointer, options.value});
+        default:
+            return kUsageStatus;
+    }
+}
+
+int Launcher::RunConsole(const LauncherOptions& options) {
+    const HostLayout layout(options.dir);
+    const std::string console = options.kovo.empty() ? DefaultConsole() : fs::absolute(options.kovo).string();
+    if (::access(console.c_str(), X_OK) != 0)
+        throw std::invalid_argument("cannot run the console " + console + ": " + std::strerror(errno));
+    layout.Prepare();
+    HostLock lock(layout);
+    if (!lock.Held()) {
+        throw std::runtime_error("the simulated host in " + layout.Dir() + " is already running (pid " +
+                                 std::to_string(ReadPid(layout.State("init.pid"))) + ")");
+    }
+    Supervisor::Config config;
+    config.argv.push_back(console);
+    config.argv.insert(config.argv.end(), options.args.begin(), options.args.end());
+    config.once = options.once;
+    config.outerPidFile = layout.State("console.pid");
+    return Boot(layout, std::move(config));
+}
+
+int Launcher::Exec(const HostLayout& layout, const std::vector<std::string>& command) {
+    HostLock lock(layout);
+    if (!lock.Held()) {
+        const int init = ReadPid(layout.State("init.pid"));
+        if (init <= 0 || ::kill(init, 0) != 0)
+            throw std::runtime_error("the simulated host in " + layout.Dir() + " is starting or stopping; try again");
+        return Join(init, command);
+    }
+    // Nobody runs this host: boot it just for the command, keeping the lock meanwhile.
+    Supervisor::Config config;
+    config.argv = command;
+    config.commandMode = true;
+    return Boot(layout, std::move(config));
+}
+
+int Launcher::Paths(const HostLayout& layout) {
+    for (const auto& [name, hostPath] : HostLayout::Logs()) std::cout << name << "\t" << layout.OnDisk(hostPath) << "\n";
+    std::cout << "store\t" << layout.OnDisk(ZenkCtl::Store::HostStore::kHostPath) << "\n";
+    std::cout << "console-pid\t" << layout.State("console.pid") << "\n";
+    std::cout << "init-pid\t" << layout.State("init.pid") << "\n";
+    return 0;
+}
+
+int Launcher::Boot(const HostLayout& layout, Supervisor::Config config) {
+    const sigset_t signals = LauncherSignals();
+    sigset_t previous;
+    ::sigprocmask(SIG_BLOCK, &signals, &previous);
+    HostNamespace::Create();
+    std::cout.flush();
+    std::cerr.flush();
+    const pid_t init = ::fork();
+    if (init < 0) throw std::system_error(errno, std::generic_category(), "fork");
+    if (init == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        int status = 1;
+        try {
+            config.machineProc = HostNamespace::Mount(layout);
+            SyslogReceiver syslog("/dev/log", "/var/log/syslog.log");
+            Supervisor supervisor(std::move(config), syslog);
+            status = supervisor.Run();
+        } catch (const std::exception& e) {
+            std::cerr << "kovo-sim: cannot boot the simulated host: " << e.what() << "\n";
+        }
+        std::cout.flush();
+        _exit(status);
+    }
+
+    WriteText(layout.State("init.pid"), std::to_string(init));
+    int status = 0;
+    for (;;) {
+        siginfo_t info{};
+        if (::sigwaitinfo(&signals, &info) < 0) {
+            if (errno == EINTR) continue;
+            throw std::system_error(errno, std::generic_category(), "sigwaitinfo");
+        }
+        if (info.si_signo == SIGCHLD) {
+            if (::waitpid(init, &status, WNOHANG) == init) break;
+            continue;
+        }
+        // The terminal's Ctrl-C already reached the host's processes; a signal sent to the launcher
+        // itself stops the host.
+        if ((info.si_signo == SIGINT || info.si_signo == SIGQUIT) && info.si_code == SI_KERNEL) continue;
+        ::kill(init, SIGTERM);
+    }
+    ::unlink(layout.State("init.pid").c_str());
+    ::unlink(layout.State("console.pid").c_str());
+    ::sigprocmask(SIG_SETMASK, &previous, nullptr);
+    return RestartPolicy::ExitCode(status);
+}
+
+int Launcher::Join(int init, const std::vector<std::string>& command) {
+    HostNamespace::Join(init);
+    std::vector<std::string> args = command;
+    std::vector<char*> argv;
+    for (auto& arg : args) argv.push_back(arg.data());
+    argv.push_back(nullptr);
+
+    struct sigaction ignore {}, oldInt {}, oldQuit {};
+    ignore.sa_handler = SIG_IGN;
+    ::sigaction(SIGINT, &ignore, &oldInt);
+    ::sigaction(SIGQUIT, &ignore, &oldQuit);
+    const pid_t child = ::fork();
+    if (child < 0) throw std::system_error(errno, std::generic_category(), "fork");
+    if (child == 0) {
+        ::sigaction(SIGINT, &oldInt, nullptr);
+        ::sigaction(SIGQUIT, &oldQuit, nullptr);
+        if (::chdir("/") != 0) _exit(127);
+        ::execvp(argv[0], argv.data());
+        std::cerr << "kovo-sim: cannot run " << args[0] << ": " << std::strerror(errno) << "\n";
+        _exit(127);
+    }
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return RestartPolicy::ExitCode(status);
+}
+
+int Launcher::InHostGet(const std::string& pointer) {
+    try {
+        const auto value = ZenkCtl::Store::HostStore().Get(pointer);
+        std::cout << value.dump(2) << "\n";
+        return value.is_null() ? 1 : 0;
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        std::cerr << "kovo-sim: " << e.what() << "\n";
+        return 1;
+    }
+}
+
+int Launcher::InHostSet(const std::string& pointer, const std::string& value) {
+    nlohmann::json parsed;
+    try {
+        parsed = nlohmann::json::parse(value);
+    } catch (const nlohmann::json::exception&) {
+        std::cerr << "kovo-sim: not a JSON value: " << value << "\n";
+        return kUsageStatus;
+    }
+    try {
+        const nlohmann::json::json_pointer where(pointer);
+        ZenkCtl::Store::HostStore().Update([&](nlohmann::json& document) { document[where] = parsed; });
+        return 0;
+    } catch (const nlohmann::json::exception& e) {
+        std::cerr << "kovo-sim: cannot set " << pointer << ": " << e.what() << "\n";
+        return 1;
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        std::cerr << "kovo-sim: " << e.what() << "\n";
+        return 1;
+    }
+}
+
+}  // namespace KovoSim

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "HostLayout.h"
+#include "LauncherOptions.h"
+#include "Supervisor.h"
+
+namespace KovoSim {
+
+// The kovo-sim program: boots a simulated host around the console, or acts on a host from outside.
+class Launcher {
+public:
+    static int Main(int argc, char** argv);
+
+private:
+    static int Dispatch(const LauncherOptions& options, const std::string& program);
+    static int RunConsole(const LauncherOptions& options);
+    static int Exec(const HostLayout& layout, const std::vector<std::string>& command);
+    static int Paths(const HostLayout& layout);
+    static int InHostGet(const std::string& pointer);
+    static int InHostSet(const std::string& pointer, const std::string& value);
+
+    // Boots a host in new namespaces with a Supervisor as its PID 1 and waits for it.
+    static int Boot(const HostLayout& layout, Supervisor::Config config);
+    // Runs a command inside the running host whose PID 1 is init.
+    static int Join(int init, const std::vector<std::string>& command);
+
+    static std::string SelfPath();
+    static std::string DefaultConsole();
+};
+
+}  // namespace KovoSim
