@@ -42,21 +42,24 @@ protected:
         if (_in) std::fclose(_in);
     }
 
+    // The character of one cell, as UTF-8.
+    static std::string Cell(WINDOW* win, int y, int x) {
+        cchar_t cell;
+        wchar_t chars[CCHARW_MAX + 1] = {};
+        attr_t attrs;
+        short pair;
+        if (mvwin_wch(win, y, x, &cell) == ERR) return {};
+        getcchar(&cell, chars, &attrs, &pair, nullptr);
+        char bytes[MB_LEN_MAX];
+        std::mbstate_t state{};
+        std::size_t n = std::wcrtomb(bytes, chars[0], &state);
+        return n == static_cast<std::size_t>(-1) ? std::string() : std::string(bytes, n);
+    }
+
     // The text of one row of a window, as UTF-8.
     static std::string Row(WINDOW* win, int y) {
         std::string text;
-        for (int x = 0; x < getmaxx(win); ++x) {
-            cchar_t cell;
-            wchar_t chars[CCHARW_MAX + 1] = {};
-            attr_t attrs;
-            short pair;
-            if (mvwin_wch(win, y, x, &cell) == ERR) break;
-            getcchar(&cell, chars, &attrs, &pair, nullptr);
-            char bytes[MB_LEN_MAX];
-            std::mbstate_t state{};
-            std::size_t n = std::wcrtomb(bytes, chars[0], &state);
-            if (n != static_cast<std::size_t>(-1)) text.append(bytes, n);
-        }
+        for (int x = 0; x < getmaxx(win); ++x) text += Cell(win, y, x);
         return text;
     }
 

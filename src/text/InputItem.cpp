@@ -1,0 +1,126 @@
+#include "text/InputItem.h"
+
+#include <curses.h>
+
+#include <algorithm>
+#include <cctype>
+
+#include "text/TextArea.h"
+
+namespace Kovo {
+namespace {
+
+std::string PadRight(std::string text, int width) {
+    if (static_cast<int>(text.size()) < width) text.append(static_cast<std::size_t>(width) - text.size(), ' ');
+    return text;
+}
+
+}  // namespace
+
+InputItem::InputItem(std::string label, std::string text, int fieldWidth)
+    : Item(true),
+      _label(std::move(label)),
+      _text(std::move(text)),
+      _fieldWidth(fieldWidth),
+      _cursor(static_cast<int>(_text.size())) {}
+
+void InputItem::OnSelect() { _replace = true; }
+
+void InputItem::SetValue(std::string text) {
+    _text = std::move(text);
+    _cursor = static_cast<int>(_text.size());
+    _offset = 0;
+    _replace = true;
+}
+
+void InputItem::Clear() {
+    _text.clear();
+    _cursor = 0;
+    _offset = 0;
+    _replace = false;
+}
+
+void InputItem::EditKey(int key) {
+    const int length = static_cast<int>(_text.size());
+    switch (key) {
+        case KEY_HOME:
+            _cursor = 0;
+            _offset = 0;
+            _replace = false;
+            return;
+        case KEY_END:
+            _replace = false;
+            if (length > 0) _cursor = length;
+            return;
+        case KEY_LEFT:
+            _replace = false;
+            if (_cursor >= 1) {
+                if (_cursor == _offset) --_offset;
+                --_cursor;
+            }
+            return;
+        case KEY_RIGHT:
+            _replace = false;
+            if (_cursor < length) ++_cursor;
+            return;
+        case KEY_DC:
+            if (_replace) {
+                Clear();
+            } else if (_cursor < length) {
+                _text.erase(static_cast<std::size_t>(_cursor), 1);
+            }
+            return;
+        case KEY_BACKSPACE:
+        case 8:
+            if (_replace) {
+                Clear();
+            } else if (_cursor > 0) {
+                _text.erase(static_cast<std::size_t>(_cursor - 1), 1);
+                --_cursor;
+                // Backing over the left edge of a scrolled field shows it from the start again, with
+                // the cursor at the end of the text. Operators know this behaviour; it stays.
+                if (_cursor < _offset) {
+                    _offset = 0;
+                    _cursor = static_cast<int>(_text.size());
+                }
+            }
+            return;
+        default:
+            if (_replace) Clear();
+            if (key >= 0 && key <= 255 && std::isprint(key)) {
+                _text.insert(_text.begin() + _cursor, static_cast<char>(key));
+                ++_cursor;
+            }
+            return;
+    }
+}
+
+void InputItem::Draw(TextArea& area) {
+    const int lineWidth = area.Width();
+    const int width = _fieldWidth == -1 ? lineWidth / 2 - 1 : _fieldWidth;
+    const int length = static_cast<int>(_text.size());
+
+    // Keep the cursor inside the visible part of the field.
+    if (length < width) _offset = 0;
+    if (_cursor - _offset > width) _offset = _cursor - width;
+
+    std::string visible;
+    if (_offset < length && width > 0) visible = _text.substr(static_cast<std::size_t>(_offset), static_cast<std::size_t>(width));
+    if (_masked) visible.assign(visible.size(), '*');
+
+    std::string line = PadRight(_label, lineWidth - 5 - width) + " [ ";
+    if (IsSelected()) {
+        line += _replace ? "{bgcolor:white}{color:black}" : "{bgcolor:black}{color:white}";
+        line += visible + "{/color}{/bgcolor}";
+        line.append(static_cast<std::size_t>(std::max(0, width - static_cast<int>(visible.size()))), ' ');
+    } else {
+        line += PadRight(visible, width);
+    }
+    line += " ]";
+    area.SetText(line);
+
+    // After the text is drawn, so that the refresh of the area does not move the cursor away again.
+    if (IsSelected()) area.MoveCursor(_cursor - _offset + lineWidth - 2 - width, 0);
+}
+
+}  // namespace Kovo

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+
+#include "text/Item.h"
+
+namespace Kovo {
+
+// A labelled, editable text field. Moving onto it arms replace mode, so typing replaces the whole
+// value, while moving the cursor first edits in place.
+class InputItem : public Item {
+public:
+    // A field width of -1 takes half the line's width minus one.
+    InputItem(std::string label, std::string text, int fieldWidth);
+    ~InputItem() override = default;
+
+    void OnSelect() override;
+    void Draw(TextArea& area) override;
+
+    // Applies one curses key code to the value.
+    void EditKey(int key);
+
+    void SetValue(std::string text);
+    const std::string& GetValue() const { return _text; }
+    void SetMasked(bool masked) { _masked = masked; }
+    bool IsMasked() const { return _masked; }
+    const std::string& Label() const { return _label; }
+
+    int Cursor() const { return _cursor; }
+    int Offset() const { return _offset; }
+    bool ReplaceMode() const { return _replace; }
+
+private:
+    void Clear();
+
+    std::string _label;
+    std::string _text;
+    int _fieldWidth;
+    bool _masked = false;
+    int _cursor;
+    int _offset = 0;
+    bool _replace = true;
+};
+
+}  // namespace Kovo

@@ -1,0 +1,18 @@
+#include "text/Item.h"
+
+#include "app/Colors.h"
+
+namespace Kovo {
+
+void Item::SetSelected(bool selected) {
+    if (selected == _selected) return;
+    _selected = selected;
+    OnSelect();
+}
+
+void Item::SetEnabled(bool enabled) {
+    _enabled = enabled;
+    _foreground = enabled ? kBlack : kDarkGrey;
+}
+
+}  // namespace Kovo

@@ -1,0 +1,169 @@
+#include "text/ItemList.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include "CursesScreen.h"
+#include "text/CheckItem.h"
+#include "text/LabelItem.h"
+#include "text/RadioItem.h"
+
+namespace Kovo {
+namespace {
+
+using Testing::CursesScreen;
+
+// A list of 21x5 (20 columns of items and the scroll bar) inside a yellow window.
+class ItemListTest : public CursesScreen {
+protected:
+    void SetUp() override {
+        CursesScreen::SetUp();
+        _root = std::make_unique<Window>(0, 0, 80, 25, kYellow, kBlack);
+        _list = new ItemList(_root.get(), 1, 1, 21, 5);
+    }
+    void TearDown() override {
+        _root.reset();
+        CursesScreen::TearDown();
+    }
+
+    // Items named "0", "1", ...; the indices in `disabled` are disabled, those in `labels` unselectable.
+    void Make(int count, std::vector<int> disabled = {}, std::vector<int> labels = {}) {
+        _items.clear();
+        for (int i = 0; i < count; ++i) {
+            bool label = std::find(labels.begin(), labels.end(), i) != labels.end();
+            _items.push_back(std::make_unique<LabelItem>(std::to_string(i), !label));
+            if (std::find(disabled.begin(), disabled.end(), i) != disabled.end()) _items.back()->SetEnabled(false);
+        }
+        std::vector<Item*> raw;
+        for (auto& item : _items) raw.push_back(item.get());
+        _list->SetItems(raw);
+        _list->Draw();
+    }
+
+    // Absolute index of the selected item.
+    int Index() const { return _list->Top() + _list->Row(); }
+    WINDOW* Screen() const { return _root->Handle(); }
+    // The scroll bar cell of list row y (screen row y + 1).
+    std::string Bar(int y) const { return Cell(Screen(), y + 1, 21); }
+
+    std::unique_ptr<Window> _root;
+    ItemList* _list = nullptr;  // owned by _root
+    std::vector<std::unique_ptr<LabelItem>> _items;
+};
+
+TEST_F(ItemListTest, FirstSelectionSkipsDisabledAndCountsThem) {
+    Make(4, {1}, {0});
+    EXPECT_EQ(Index(), 2);
+    EXPECT_EQ(_list->GetSelected(), 1);  // the disabled selectable item before it counts
+    EXPECT_EQ(_list->GetSelectedItem(), _items[2].get());
+    _list->Down();
+    EXPECT_EQ(_list->GetSelected(), 2);
+    _list->Up();
+    EXPECT_EQ(Index(), 2);  // nothing enabled above: no move, no change of ordinal
+    EXPECT_EQ(_list->GetSelected(), 1);
+}
+
+TEST_F(ItemListTest, NeverWrapsAtEitherEnd) {
+    Make(3);
+    _list->Up();
+    EXPECT_EQ(_list->GetSelected(), 0);
+    _list->Down();
+    _list->Down();
+    _list->Down();
+    EXPECT_EQ(Index(), 2);
+    EXPECT_EQ(_list->GetSelected(), 2);
+}
+
+TEST_F(ItemListTest, AllDisabledKeepsTheSelectionWhereItWas) {
+    Make(4);
+    _list->Down();
+    Make(4, {0, 1, 2, 3});
+    EXPECT_EQ(Index(), 1);
+    EXPECT_EQ(_list->GetSelected(), 1);
+    _list->Down();
+    _list->Up();
+    EXPECT_EQ(Index(), 1);
+    EXPECT_EQ(_list->GetSelected(), 1);
+}
+
+TEST_F(ItemListTest, SkipsDisabledItemsBothWays) {
+    Make(5, {1, 3}, {2});
+    _list->Down();
+    EXPECT_EQ(Index(), 4);
+    EXPECT_EQ(_list->GetSelected(), 3);  // selectables 1 and 3 passed, the label not counted
+    _list->Up();
+    EXPECT_EQ(Index(), 0);
+    EXPECT_EQ(_list->GetSelected(), 0);
+}
+
+TEST_F(ItemListTest, SelectByOrdinalCountsDisabledItems) {
+    Make(5, {1}, {0});
+    _list->Select(2);
+    EXPECT_EQ(Index(), 3);
+    EXPECT_EQ(_list->GetSelected(), 2);
+    _list->Select(9);  // no such choice: unchanged
+    EXPECT_EQ(Index(), 3);
+}
+
+TEST_F(ItemListTest, ScrollsAndMovesTheThumb) {
+    Make(8);
+    EXPECT_EQ(Bar(0), "\u2588");
+    for (int y = 1; y < 5; ++y) EXPECT_EQ(Bar(y), "\u2593") << y;
+    for (int i = 0; i < 5; ++i) _list->Down();
+    EXPECT_EQ(_list->Top(), 1);
+    EXPECT_EQ(_list->Row(), 4);
+    EXPECT_EQ(Row(Screen(), 1).substr(1, 2), "1 ");
+    // Top 1 of 3 hidden rows is 33 percent: the thumb sits on row 33 * 4 / 100 = 1.
+    EXPECT_EQ(Bar(1), "\u2588");
+    _list->Down();
+    _list->Down();
+    EXPECT_EQ(_list->Top(), 3);
+    EXPECT_EQ(Bar(4), "\u2588");
+    EXPECT_EQ(Bar(0), "\u2593");
+    for (int i = 0; i < 5; ++i) _list->Up();
+    EXPECT_EQ(_list->Top(), 2);  // the item above the view becomes the top line
+    EXPECT_EQ(_list->Row(), 0);
+}
+
+TEST_F(ItemListTest, NoScrollBarWhenEverythingFits) {
+    Make(8);
+    Make(5);
+    for (int y = 0; y < 5; ++y) EXPECT_EQ(Bar(y), " ") << y;
+}
+
+TEST_F(ItemListTest, DrawsSelectedWhiteOnBlackAndDisabledDarkGrey) {
+    Make(3, {2});
+    EXPECT_EQ(Row(Screen(), 1).substr(1, 3), "0  ");
+    EXPECT_EQ(PairAt(Screen(), 1, 1), Pair(kBlack, kWhite));
+    EXPECT_EQ(PairAt(Screen(), 1, 15), Pair(kBlack, kWhite));  // the whole line
+    EXPECT_EQ(PairAt(Screen(), 2, 1), Pair(kYellow, kBlack));
+    EXPECT_EQ(PairAt(Screen(), 3, 1), Pair(kYellow, kDarkGrey));
+    EXPECT_TRUE(_items[0]->IsSelected());
+    _list->Down();
+    EXPECT_FALSE(_items[0]->IsSelected());
+    EXPECT_EQ(PairAt(Screen(), 1, 1), Pair(kYellow, kBlack));
+    EXPECT_EQ(PairAt(Screen(), 2, 1), Pair(kBlack, kWhite));
+}
+
+TEST(StateItems, RebuildTheirMarks) {
+    RadioItem radio("DHCP", true);
+    CheckItem check("vmnic0", false);
+    EXPECT_EQ(radio.Text(), "(o) DHCP");
+    EXPECT_EQ(check.Text(), "[ ] vmnic0");
+    radio.SetChecked(false);
+    check.SetChecked(true);
+    EXPECT_EQ(radio.Text(), "( ) DHCP");
+    EXPECT_EQ(check.Text(), "[X] vmnic0");
+    EXPECT_TRUE(radio.IsSelectable());
+    EXPECT_TRUE(check.IsSelectable());
+    radio.SetEnabled(false);
+    EXPECT_EQ(radio.Foreground(), kDarkGrey);
+    radio.SetEnabled(true);
+    EXPECT_EQ(radio.Foreground(), kBlack);
+}
+
+}  // namespace
+}  // namespace Kovo

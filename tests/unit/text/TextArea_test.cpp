@@ -1,0 +1,137 @@
+#include "text/TextArea.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "CursesScreen.h"
+#include "text/MarkupDraw.h"
+
+namespace Kovo {
+namespace {
+
+using Testing::CursesScreen;
+
+// An area of 20x3 in yellow with black text, inside a screen-sized window.
+class TextAreaTest : public CursesScreen {
+protected:
+    void SetUp() override {
+        CursesScreen::SetUp();
+        _root = std::make_unique<Window>(0, 0, 80, 25, kYellow, kBlack);
+        _area = new TextArea(_root.get(), 2, 1, 20, 3);
+    }
+    void TearDown() override {
+        _root.reset();
+        CursesScreen::TearDown();
+    }
+    WINDOW* Area() { return _area->Handle(); }
+
+    std::unique_ptr<Window> _root;
+    TextArea* _area = nullptr;  // owned by _root
+};
+
+TEST_F(TextAreaTest, PaintsColourRunsAndRestoresBothDefaults) {
+    _area->SetText("{color:red}ab{/color}cd{bgcolor:black}{color:white}ef{/color}gh");
+    EXPECT_EQ(Row(Area(), 0), "abcdefgh            ");
+    EXPECT_EQ(PairAt(Area(), 0, 0), Pair(kYellow, kRed));
+    EXPECT_EQ(PairAt(Area(), 0, 1), Pair(kYellow, kRed));
+    EXPECT_EQ(PairAt(Area(), 0, 2), Pair(kYellow, kBlack));
+    EXPECT_EQ(PairAt(Area(), 0, 4), Pair(kBlack, kWhite));
+    // "/color" puts back the background as well, although it only closes a foreground.
+    EXPECT_EQ(PairAt(Area(), 0, 6), Pair(kYellow, kBlack));
+    EXPECT_EQ(PairAt(Area(), 0, 8), Pair(kYellow, kBlack));
+}
+
+TEST_F(TextAreaTest, IgnoresUnknownColoursAndUnmatchedClosers) {
+    _area->SetText("{color:red}a{color:purple}b{/color}c\n{bgcolor:black}d{/color}e{/bgcolor}f");
+    EXPECT_EQ(PairAt(Area(), 0, 1), Pair(kYellow, kRed));  // unknown name: still red
+    EXPECT_EQ(PairAt(Area(), 0, 2), Pair(kYellow, kBlack));
+    // No "color" tag is open, so "/color" leaves the black background on.
+    EXPECT_EQ(PairAt(Area(), 1, 1), Pair(kBlack, kBlack));
+    EXPECT_EQ(PairAt(Area(), 1, 2), Pair(kYellow, kBlack));
+    EXPECT_EQ(Row(Area(), 1), "def                 ");
+}
+
+TEST_F(TextAreaTest, UnknownTagsAndVariablesShowNothing) {
+    _area->SetText("a{nosuch}b{hostnme}c{ip}");
+    EXPECT_EQ(Row(Area(), 0), "abc0.0.0.0          ");
+}
+
+TEST_F(TextAreaTest, StartsEveryRenderInTheDefaultColours) {
+    _area->SetText("{color:red}ab");
+    _area->SetText("cd");
+    EXPECT_EQ(PairAt(Area(), 0, 0), Pair(kYellow, kBlack));
+}
+
+TEST_F(TextAreaTest, InactiveAreaShowsTextWithoutColourTags) {
+    _area->SetText("{color:red}ab{/color}{bgcolor:white}cd");
+    _area->SetActive(false);
+    EXPECT_EQ(Row(Area(), 0), "abcd                ");
+    for (int x : {0, 2, 10}) EXPECT_EQ(PairAt(Area(), 0, x), Pair(kBlack, kDarkGrey)) << x;
+    _area->SetActive(true);
+    EXPECT_EQ(PairAt(Area(), 0, 0), Pair(kYellow, kRed));
+    EXPECT_EQ(PairAt(Area(), 0, 2), Pair(kWhite, kBlack));
+}
+
+TEST_F(TextAreaTest, ActivationRepaintsTheText) {
+    _area->SetText("{ip}");
+    _area->Erase();
+    _area->SetActive(true);
+    EXPECT_EQ(Row(Area(), 0), "0.0.0.0             ");
+}
+
+TEST_F(TextAreaTest, CutsRowsBeyondTheHeightAndClearsOnEmptyText) {
+    _root->Print(2, 4, "untouched");
+    _area->SetText("one\ntwo\nthree\nfour\nfive");
+    EXPECT_EQ(Row(Area(), 2), "three               ");
+    EXPECT_EQ(Row(_root->Handle(), 4).substr(2, 9), "untouched");
+    _area->SetText("");
+    for (int y = 0; y < 3; ++y) EXPECT_EQ(Row(Area(), y), std::string(20, ' ')) << y;
+}
+
+TEST_F(TextAreaTest, AppendBuildsOnTheKeptText) {
+    _area->SetText("{color:red}IP: ");
+    _area->AppendText(std::string("{ip}"));
+    _area->AppendText("\nnext");
+    EXPECT_EQ(_area->Text(), "{color:red}IP: {ip}\nnext");
+    EXPECT_EQ(Row(Area(), 0), "IP: 0.0.0.0         ");
+    EXPECT_EQ(PairAt(Area(), 0, 5), Pair(kYellow, kRed));
+    EXPECT_EQ(Row(Area(), 1), "next                ");
+    _area->SetText(static_cast<const char*>(nullptr));
+    EXPECT_EQ(_area->Text(), "");
+}
+
+TEST_F(TextAreaTest, KnowsEveryHostValueByName) {
+    const char* names[] = {"ip", "ssl-thumbprint", "ssh-dsa-fingerprint", "ssh-rsa-fingerprint",
+                           "serial-number", "hostname", "qorproduct", "qorversion", "supportstart",
+                           "supportperiod", "memory", "servicetag", "assettag", "BIOSversion",
+                           "BMCversion", "CPLDversion", "PLSAversion"};
+    EXPECT_EQ(_area->Variables().size(), std::size(names));
+    for (const char* name : names) EXPECT_EQ(_area->Variables().count(name), 1u) << name;
+    _area->SetText("{supportstart}|{supportperiod}|{CPLDversion}");
+    EXPECT_EQ(Row(Area(), 0), "N/A|N/A|N/A         ");
+    EXPECT_EQ(_area->Colors().at("dark-grey"), 6);
+    EXPECT_EQ(_area->Colors().at("light-grey"), 2);
+}
+
+TEST_F(TextAreaTest, BlackAndWhiteUsesStandoutOnDarkBackgrounds) {
+    bwColor = true;
+    _area->SetText("{bgcolor:black}ab{/bgcolor}cd{bgcolor:dark-grey}e{bgcolor:light-grey}f");
+    EXPECT_TRUE(AttrsAt(Area(), 0, 0) & A_STANDOUT);
+    EXPECT_FALSE(AttrsAt(Area(), 0, 2) & A_STANDOUT);
+    EXPECT_TRUE(AttrsAt(Area(), 0, 4) & A_STANDOUT);
+    EXPECT_FALSE(AttrsAt(Area(), 0, 5) & A_STANDOUT);
+}
+
+// The draw pass alone, on text no layout would produce: nothing may spill past the width or height.
+TEST_F(TextAreaTest, DrawNeverWritesOutsideTheCanvas) {
+    _root->Print(0, 3, "zzzzzzzzzzzzzzzzzzzzzzzz");
+    MarkupCanvas canvas{_area->Handle(), 20, 2, kYellow, kBlack, true};
+    DrawMarkup(canvas, "0123456789012345678901234{color:red}\n\tx{ab\nrow3\nrow4", _area->Colors());
+    EXPECT_EQ(Row(Area(), 0), "01234567890123456789");
+    EXPECT_EQ(Row(Area(), 1), " x                  ");
+    EXPECT_EQ(Row(_root->Handle(), 3).substr(0, 24), "zzzzzzzzzzzzzzzzzzzzzzzz");
+}
+
+}  // namespace
+}  // namespace Kovo
