@@ -151,6 +151,13 @@ json HostStore::Read() const {
     return LoadLocked();
 }
 
+std::string HostStore::Generation() const {
+    struct stat st {};
+    if (::stat(_path.c_str(), &st) != 0) return {};
+    return std::to_string(st.st_dev) + ":" + std::to_string(st.st_ino) + ":" + std::to_string(st.st_mtim.tv_sec) +
+           "." + std::to_string(st.st_mtim.tv_nsec) + ":" + std::to_string(st.st_size);
+}
+
 json HostStore::Get(const std::string& pointer) const {
     const json document = Read();
     try {

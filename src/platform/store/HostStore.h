@@ -43,6 +43,10 @@ public:
     // Replaces the whole document; creates the store when it does not exist yet.
     void Replace(const nlohmann::json& document);
 
+    // Identifies the document as it is now: every write replaces the file, so the token changes with
+    // every write. Empty when the store does not exist. Lets objects keep a cached view until it is stale.
+    std::string Generation() const;
+
     // Parses a document as the store does: the text must be one JSON object.
     static nlohmann::json Parse(const std::string& text, const std::string& origin);
 
