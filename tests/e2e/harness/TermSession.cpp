@@ -137,7 +137,7 @@ TermSession::~TermSession() {
 }
 
 void TermSession::WriteToPty(std::string_view bytes) {
-    while (!bytes.empty() && _master >= 0) {
+    while (!bytes.empty() && !_hungUp) {
         ssize_t n = write(_master, bytes.data(), bytes.size());
         if (n > 0) {
             bytes.remove_prefix(std::size_t(n));
@@ -175,6 +175,12 @@ void TermSession::Resize(int columns, int rows, pid_t alsoSignal) {
     if (alsoSignal > 0) kill(alsoSignal, SIGWINCH);
 }
 
+std::optional<termios> TermSession::TerminalAttributes() const {
+    termios attributes{};
+    if (_master < 0 || tcgetattr(_master, &attributes) != 0) return std::nullopt;
+    return attributes;
+}
+
 bool TermSession::ReapChild() {
     if (_exit) return true;
     int status = 0;
@@ -197,7 +203,7 @@ bool TermSession::ReapChild() {
 bool TermSession::Pump(Millis wait) {
     pollfd fds[2];
     nfds_t count = 0;
-    if (_master >= 0) fds[count++] = {_master, POLLIN, 0};
+    if (!_hungUp) fds[count++] = {_master, POLLIN, 0};
     int pidIndex = -1;
     if (_pidfd >= 0 && !_exit) {
         pidIndex = int(count);
@@ -211,7 +217,7 @@ bool TermSession::Pump(Millis wait) {
     if (ready < 0) return false;
 
     bool progressed = false;
-    if (_master >= 0 && fds[0].revents) {
+    if (!_hungUp && fds[0].revents) {
         char buffer[65536];
         ssize_t n = read(_master, buffer, sizeof buffer);
         if (n > 0) {
@@ -222,8 +228,8 @@ bool TermSession::Pump(Millis wait) {
             progressed = true;
         } else if (n == 0 || (n < 0 && errno != EAGAIN && errno != EINTR)) {
             // Every holder of the terminal's other side has closed it; nothing more will come.
-            close(_master);
-            _master = -1;
+            // The descriptor stays open so the terminal's settings can still be read.
+            _hungUp = true;
             progressed = true;
         }
     }
@@ -270,7 +276,7 @@ bool TermSession::WaitForQuiet(Millis quiet, Millis deadline) {
         auto untilQuiet = std::chrono::duration_cast<Millis>(_lastOutput + quiet - now) + Millis(1);
         auto left = std::chrono::duration_cast<Millis>(end - now) + Millis(1);
         Pump(std::min(untilQuiet, left));
-        if (_master < 0 && _exit) return true;  // nobody can write any more
+        if (_hungUp && _exit) return true;  // nobody can write any more
     }
 }
 
@@ -278,7 +284,7 @@ std::optional<ExitStatus> TermSession::WaitExit(Millis deadline) {
     WaitUntil([this] { return _exit.has_value(); }, deadline, Millis(200));
     if (!_exit) return std::nullopt;
     // Take what the program wrote just before it ended.
-    while (_master >= 0 && Pump(Millis(0))) {
+    while (!_hungUp && Pump(Millis(0))) {
     }
     return _exit;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <sys/types.h>
+#include <termios.h>
 
 #include <chrono>
 #include <functional>
@@ -70,6 +71,10 @@ public:
     // starts); 0 when none appeared in time.
     pid_t WaitForDescendant(std::string_view name, Millis deadline = kDefaultDeadline);
 
+    // The terminal's current line discipline settings (echo, canonical mode, special characters), as
+    // the program left them; nullopt once the terminal is gone.
+    std::optional<termios> TerminalAttributes() const;
+
     bool Running() const { return !_exit.has_value(); }
     const std::optional<ExitStatus>& Exit() const { return _exit; }
 
@@ -84,6 +89,7 @@ private:
 
     pid_t _pid = -1;
     int _master = -1;
+    bool _hungUp = false;  // no process holds the terminal any more
     int _pidfd = -1;
     std::unique_ptr<VirtualTerminal> _terminal;
     std::string _output;

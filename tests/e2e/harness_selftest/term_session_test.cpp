@@ -127,6 +127,9 @@ TEST(TermSession, ExitStatusAndLastBytesAreCollected) {
     TermSession probe(Probe());
     ASSERT_TRUE(probe.WaitForText("KEY 0: none")) << probe.Dump();
     EXPECT_TRUE(probe.Running());
+    auto during = probe.TerminalAttributes();
+    ASSERT_TRUE(during);
+    EXPECT_EQ(during->c_lflag & (ICANON | ECHO), 0u) << "curses runs without line editing and echo";
     probe.Type("q");
     auto status = probe.WaitExit();
     ASSERT_TRUE(status) << probe.Dump();
@@ -135,6 +138,10 @@ TEST(TermSession, ExitStatusAndLastBytesAreCollected) {
     ASSERT_GE(probe.Output().size(), 3u);
     EXPECT_EQ(probe.Output().substr(probe.Output().size() - 3), "\x1b]R");
     EXPECT_FALSE(probe.Running());
+    // The settings outlive the program: the test can see that it restored them.
+    auto after = probe.TerminalAttributes();
+    ASSERT_TRUE(after);
+    EXPECT_EQ(after->c_lflag & (ICANON | ECHO), tcflag_t(ICANON | ECHO));
 }
 
 TEST(TermSession, SignalsReachTheChild) {

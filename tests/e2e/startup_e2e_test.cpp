@@ -1,0 +1,238 @@
+// Start-up of the real console on a simulated host: its argument, terminal type and pid file.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <termios.h>
+
+#include <string>
+#include <vector>
+
+#include "HostConsole.h"
+
+using KovoE2e::ConsoleStart;
+using KovoE2e::FreshHostDir;
+using KovoE2e::HostConsole;
+
+namespace {
+
+constexpr const char* kStarting = "]: Starting KOVO";
+constexpr const char* kInvalidVt = "Invalid VT specified for KOVO: ";
+constexpr const char* kPidFile = "/var/run/kovo.pid";
+constexpr const char* kMultiple = "Attempt to run multiple KOVO instances, not updating /var/run/kovo.pid";
+constexpr cc_t kCtrlZ = 032;
+
+std::size_t IndexOf(const std::string& log, const std::string& line) { return log.find(line); }
+
+}  // namespace
+
+// --- the console number -------------------------------------------------------------------------------
+
+struct VtArgumentCase {
+    std::vector<std::string> arguments;
+    bool valid;
+};
+
+class ConsoleNumber : public ::testing::TestWithParam<VtArgumentCase> {};
+
+TEST_P(ConsoleNumber, IsCheckedLoggedAndDecidesWhetherCtrlZIsDisabled) {
+    const auto& param = GetParam();
+    ConsoleStart start;
+    start.arguments = param.arguments;
+    HostConsole host(FreshHostDir(), start);
+    ASSERT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
+    auto starting = host.WaitForSyslog({"user.info", "KOVO[", kStarting});
+    ASSERT_TRUE(starting) << host.Syslog();
+
+    auto invalid = host.SyslogLines({kInvalidVt});
+    auto attributes = host.Term().TerminalAttributes();
+    ASSERT_TRUE(attributes);
+    if (param.valid) {
+        EXPECT_TRUE(invalid.empty()) << host.Syslog();
+        // With a console number the suspend character is switched off for good.
+        EXPECT_EQ(attributes->c_cc[VSUSP], cc_t(0));
+    } else {
+        ASSERT_EQ(invalid.size(), 1u) << host.Syslog();
+        const std::string expected = kInvalidVt + param.arguments[0];
+        const std::string& line = invalid[0];
+        EXPECT_EQ(line.substr(line.size() - expected.size()), expected) << line;
+        EXPECT_NE(line.find(" user.err "), std::string::npos) << line;
+        // Checked before logging is set up for good, and start-up went on after it.
+        const std::string log = host.Syslog();
+        EXPECT_LT(IndexOf(log, line), IndexOf(log, *starting)) << log;
+        EXPECT_EQ(attributes->c_cc[VSUSP], kCtrlZ) << "an ignored number must not touch the terminal";
+    }
+    pid_t console = host.WaitForConsole();
+    ASSERT_GT(console, 0);
+    EXPECT_TRUE(host.Term().Signal(SIGTERM, console));
+    auto status = host.Term().WaitExit();
+    ASSERT_TRUE(status) << host.Term().Dump();
+    EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
+}
+
+INSTANTIATE_TEST_SUITE_P(Arguments, ConsoleNumber,
+                         ::testing::Values(VtArgumentCase{{"0"}, false}, VtArgumentCase{{"64"}, false},
+                                           VtArgumentCase{{"abc"}, false}, VtArgumentCase{{"-3"}, false},
+                                           VtArgumentCase{{"1"}, true}, VtArgumentCase{{"63"}, true},
+                                           VtArgumentCase{{"2", "abc", "99"}, true}));
+
+TEST(ConsoleStartup, WithoutArgumentLogsTheStartAndLeavesTheTerminalsSpecialKeys) {
+    HostConsole host(FreshHostDir(), ConsoleStart{});
+    ASSERT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
+    auto starting = host.WaitForSyslog({"user.info", kStarting});
+    ASSERT_TRUE(starting) << host.Syslog();
+    pid_t console = host.WaitForConsole();
+    ASSERT_GT(console, 0);
+    auto inner = HostConsole::PidInsideHost(console);
+    ASSERT_TRUE(inner);
+    // The log line carries the console's own process id.
+    EXPECT_NE(starting->find("KOVO[" + std::to_string(*inner) + "]"), std::string::npos) << *starting;
+    EXPECT_TRUE(host.SyslogLines({kInvalidVt}).empty());
+    auto attributes = host.Term().TerminalAttributes();
+    ASSERT_TRUE(attributes);
+    EXPECT_EQ(attributes->c_cc[VSUSP], kCtrlZ);
+}
+
+// --- the terminal type --------------------------------------------------------------------------------
+//
+// The type the console settles on shows in what it writes: "xterm" switches to the alternate screen,
+// "vt102" cannot; "linux" would load its palette with ESC ] P; only a terminal that can redefine colours
+// gets palette sets, and one that cannot is drawn in black and white (standout).
+
+namespace {
+
+constexpr const char* kXtermAlternateScreen = "\x1b[?1049h\x1b[22;0;0t";
+constexpr const char* kLinuxPaletteSet = "\x1b]P";
+constexpr const char* kPaletteSet = "\x1b]4;";
+
+// The product line of the welcome screen is drawn on the window's black background.
+bool ProductLineInStandout(const KovoTerm::VirtualTerminal& screen) {
+    int row, column;
+    return screen.Find("KOVO", row, column) && screen.CellAt(row, column).reverse;
+}
+
+}  // namespace
+
+TEST(ConsoleTerminalType, UnsetBecomesVt102InBlackAndWhite) {
+    ConsoleStart start;
+    start.term.reset();
+    HostConsole host(FreshHostDir(), start);
+    ASSERT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
+    const std::string& out = host.Term().Output();
+    EXPECT_EQ(out.find("\x1b[?1049h"), std::string::npos) << "a VT102 has no alternate screen";
+    EXPECT_EQ(out.find(kPaletteSet), std::string::npos);
+    EXPECT_TRUE(ProductLineInStandout(host.Term().Screen())) << host.Term().Dump();
+}
+
+TEST(ConsoleTerminalType, LinuxThatIsNotAConsoleIsDrivenAsVt102) {
+    ConsoleStart start;
+    start.term = "linux";
+    HostConsole host(FreshHostDir(), start);
+    ASSERT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
+    const std::string& out = host.Term().Output();
+    EXPECT_EQ(out.find(kLinuxPaletteSet), std::string::npos) << "the palette of a real console was loaded";
+    EXPECT_EQ(out.find("\x1b[?1049h"), std::string::npos);
+    EXPECT_TRUE(ProductLineInStandout(host.Term().Screen())) << host.Term().Dump();
+}
+
+class XtermType : public ::testing::TestWithParam<bool> {};
+
+TEST_P(XtermType, StaysXtermWithOrWithoutRemoteSession) {
+    ConsoleStart start;
+    start.term = "xterm";
+    if (GetParam()) start.environment["SSH_CLIENT"] = "192.0.2.7 50022 22";
+    HostConsole host(FreshHostDir(), start);
+    ASSERT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
+    const std::string& out = host.Term().Output();
+    EXPECT_NE(out.find(kXtermAlternateScreen), std::string::npos) << "not driven as xterm";
+    // xterm cannot redefine colours: black and white.
+    EXPECT_EQ(out.find(kPaletteSet), std::string::npos);
+    EXPECT_TRUE(ProductLineInStandout(host.Term().Screen())) << host.Term().Dump();
+}
+
+INSTANTIATE_TEST_SUITE_P(Ssh, XtermType, ::testing::Bool(),
+                         [](const auto& info) { return info.param ? "OverSsh" : "Local"; });
+
+TEST(ConsoleTerminalType, ColourTerminalGetsTheConsolesPaletteAndColourPairs) {
+    HostConsole host(FreshHostDir(), ConsoleStart{});
+    ASSERT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
+    const auto& screen = host.Term().Screen();
+    struct Shade {
+        int index;
+        std::uint8_t r, g, b;
+    } shades[] = {{3, 0xff, 0xcc, 0x00}, {6, 0x55, 0x55, 0x55}, {2, 0xaa, 0xaa, 0xaa},
+                  {7, 0xff, 0xff, 0xff}, {1, 0xff, 0x00, 0x00}};
+    for (const auto& s : shades)
+        EXPECT_TRUE(screen.PaletteColor(s.index).IsRgb(s.r, s.g, s.b))
+            << "colour " << s.index << " is " << screen.PaletteColor(s.index).Describe();
+    EXPECT_EQ(screen.PaletteSets(), 5);
+
+    int row, column;
+    ASSERT_TRUE(screen.Find("KOVO", row, column)) << host.Term().Dump();
+    auto cell = screen.CellAt(row, column);
+    EXPECT_TRUE(cell.fg.IsIndex(7)) << cell.Describe();
+    EXPECT_TRUE(cell.bg.IsIndex(0)) << cell.Describe();
+    EXPECT_FALSE(cell.reverse) << cell.Describe();
+}
+
+// --- the pid file -------------------------------------------------------------------------------------
+
+TEST(ConsolePidFile, FreshHostGetsTheConsolesOwnId) {
+    HostConsole host(FreshHostDir(), ConsoleStart{});
+    ASSERT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
+    pid_t console = host.WaitForConsole();
+    ASSERT_GT(console, 0);
+    auto inner = HostConsole::PidInsideHost(console);
+    ASSERT_TRUE(inner);
+    EXPECT_EQ(HostConsole::ReadHostFile(console, kPidFile), std::to_string(*inner));
+    EXPECT_TRUE(host.SyslogLines({kMultiple}).empty());
+}
+
+TEST(ConsolePidFile, SecondInstanceLeavesALiveOnesFileAloneAndStillRuns) {
+    HostConsole host(FreshHostDir(), ConsoleStart{});
+    ASSERT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
+    pid_t first = host.WaitForConsole();
+    ASSERT_GT(first, 0);
+    const std::string firstId = std::to_string(*HostConsole::PidInsideHost(first));
+    ASSERT_EQ(HostConsole::ReadHostFile(first, kPidFile), firstId);
+
+    auto second = host.ExecInHost({KOVO_E2E_CONSOLE}, ConsoleStart{});
+    ASSERT_TRUE(second->WaitForText("<F12> Shut Down/Restart")) << second->Dump();
+    auto line = host.WaitForSyslog({"user.err", "KOVO[", kMultiple});
+    ASSERT_TRUE(line) << host.Syslog();
+    EXPECT_EQ(line->find("KOVO[" + firstId + "]"), std::string::npos) << "logged by the wrong instance";
+    EXPECT_EQ(HostConsole::ReadHostFile(first, kPidFile), firstId);
+    EXPECT_TRUE(second->Running());
+    EXPECT_TRUE(host.Term().Running());
+}
+
+class StalePidFile : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(StalePidFile, IsTakenOverByTheNextConsole) {
+    ConsoleStart start;
+    start.once = false;  // the host starts the console again, as a real one does
+    HostConsole host(FreshHostDir(), start);
+    ASSERT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
+    pid_t first = host.WaitForConsole();
+    ASSERT_GT(first, 0);
+    // "-" leaves the ended console's own id behind: a pid file of a dead process.
+    if (GetParam() != "-") {
+        ASSERT_TRUE(HostConsole::WriteHostFile(first, kPidFile, GetParam()));
+    }
+    ASSERT_TRUE(host.Term().Signal(SIGTERM, first));
+
+    pid_t next = host.WaitForConsole(first);
+    ASSERT_GT(next, 0) << host.Syslog();
+    auto inner = HostConsole::PidInsideHost(next);
+    ASSERT_TRUE(inner);
+    const std::string expected = std::to_string(*inner);
+    EXPECT_TRUE(host.Term().WaitUntil([&] { return HostConsole::ReadHostFile(next, kPidFile) == expected; }))
+        << "pid file holds '" << HostConsole::ReadHostFile(next, kPidFile).value_or("(missing)") << "'";
+    EXPECT_TRUE(host.SyslogLines({kMultiple}).empty()) << host.Syslog();
+}
+
+std::string StaleCaseName(const ::testing::TestParamInfo<std::string>& info) {
+    static const char* const names[] = {"DeadConsole", "DeadProcess", "Zero", "Negative", "Garbage", "Empty"};
+    return names[info.index];
+}
+
+INSTANTIATE_TEST_SUITE_P(Contents, StalePidFile,
+                         ::testing::Values("-", "99999", "0", "-12", "not a number", ""), StaleCaseName);
