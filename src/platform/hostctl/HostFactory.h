@@ -1,0 +1,18 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/hostctl/Host.h"
+
+namespace HostCtl {
+
+class HostFactory {
+public:
+    // This host, over its store.
+    static std::unique_ptr<Host> GetHost(
+        std::shared_ptr<ZenkCtl::Store::HostStore> store = ZenkCtl::Store::HostStore::System()) {
+        return std::make_unique<Host>(std::move(store));
+    }
+};
+
+}  // namespace HostCtl
