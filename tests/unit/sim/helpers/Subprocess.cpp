@@ -1,0 +1,168 @@
+#include "helpers/Subprocess.h"
+
+#include <fcntl.h>
+#include <grp.h>
+#include <poll.h>
+#include <pty.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+extern char** environ;
+
+namespace KovoSim::Test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+int StatusOf(int status) {
+    if (WIFEXITED(status)) return WEXITSTATUS(status);
+    if (WIFSIGNALED(status)) return 128 + WTERMSIG(status);
+    return -1;
+}
+
+[[noreturn]] void ExecWith(const std::vector<std::string>& argv, const std::vector<std::string>& env) {
+    for (const auto& entry : env) ::putenv(const_cast<char*>(entry.c_str()));
+    std::vector<char*> args;
+    for (const auto& arg : argv) args.push_back(const_cast<char*>(arg.c_str()));
+    args.push_back(nullptr);
+    ::execv(args[0], args.data());
+    _exit(127);
+}
+
+}  // namespace
+
+RunResult RunProgram(const std::vector<std::string>& argv, const RunOptions& options) {
+    int out[2], err[2];
+    if (::pipe2(out, O_CLOEXEC) != 0 || ::pipe2(err, O_CLOEXEC) != 0) throw std::runtime_error("pipe");
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        ::dup2(out[1], 1);
+        ::dup2(err[1], 2);
+        // Keep the test runner's terminal out of it: a new session has no controlling terminal.
+        ::setsid();
+        if (options.uid != static_cast<uid_t>(-1)) {
+            if (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(options.uid) != 0) _exit(126);
+        }
+        ExecWith(argv, options.env);
+    }
+    ::close(out[1]);
+    ::close(err[1]);
+    RunResult result;
+    // Read both pipes alternately; children here print little, but never block on a full pipe.
+    struct pollfd fds[2] = {{out[0], POLLIN, 0}, {err[0], POLLIN, 0}};
+    int open = 2;
+    while (open > 0) {
+        if (::poll(fds, 2, -1) < 0 && errno != EINTR) break;
+        for (int i = 0; i < 2; ++i) {
+            if (fds[i].fd < 0 || !(fds[i].revents & (POLLIN | POLLHUP))) continue;
+            char buffer[4096];
+            const ssize_t n = ::read(fds[i].fd, buffer, sizeof buffer);
+            if (n > 0) {
+                (i == 0 ? result.out : result.err).append(buffer, static_cast<size_t>(n));
+            } else {
+                ::close(fds[i].fd);
+                fds[i].fd = -1;
+                --open;
+            }
+        }
+    }
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    result.status = StatusOf(status);
+    return result;
+}
+
+PtyProcess::PtyProcess(const std::vector<std::string>& argv, const std::vector<std::string>& env) {
+    struct winsize size {};
+    size.ws_row = 24;
+    size.ws_col = 80;
+    _pid = ::forkpty(&_master, nullptr, nullptr, &size);
+    if (_pid < 0) throw std::runtime_error("forkpty");
+    if (_pid == 0) ExecWith(argv, env);
+    ::fcntl(_master, F_SETFD, FD_CLOEXEC);
+}
+
+PtyProcess::~PtyProcess() {
+    if (_status < 0 && _pid > 0) {
+        ::kill(_pid, SIGKILL);
+        int status;
+        ::waitpid(_pid, &status, 0);
+    }
+    if (_master >= 0) ::close(_master);
+}
+
+void PtyProcess::Write(const std::string& bytes) {
+    if (::write(_master, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
+        throw std::runtime_error("write to the terminal");
+}
+
+bool PtyProcess::ReadUntil(const std::function<bool(const std::string&)>& done, std::chrono::milliseconds deadline) {
+    const auto end = Clock::now() + deadline;
+    while (!done(_output)) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
+        if (left <= 0) return false;
+        struct pollfd fd = {_master, POLLIN, 0};
+        if (::poll(&fd, 1, static_cast<int>(left)) <= 0) continue;
+        char buffer[4096];
+        const ssize_t n = ::read(_master, buffer, sizeof buffer);
+        if (n <= 0) return done(_output);  // the terminal closed: everything has been read
+        _output.append(buffer, static_cast<size_t>(n));
+    }
+    return true;
+}
+
+int PtyProcess::Wait(std::chrono::milliseconds deadline) {
+    int status = 0;
+    const bool ended = WaitFor(
+        [&] {
+            ReadUntil([](const std::string&) { return true; }, std::chrono::milliseconds(0));
+            return ::waitpid(_pid, &status, WNOHANG) == _pid;
+        },
+        deadline);
+    if (ended) _status = StatusOf(status);
+    return ended ? _status : -1;
+}
+
+bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds deadline) {
+    const auto end = Clock::now() + deadline;
+    auto pause = std::chrono::milliseconds(1);
+    while (!condition()) {
+        if (Clock::now() >= end) return false;
+        std::this_thread::sleep_for(pause);
+        pause = std::min(pause * 2, std::chrono::milliseconds(50));
+    }
+    return true;
+}
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream file(path);
+    std::stringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+bool Exists(const std::string& path) { return ::access(path.c_str(), F_OK) == 0; }
+
+TempDir::TempDir() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "kovo-sim-test.XXXXXX").string();
+    if (!::mkdtemp(pattern.data())) throw std::runtime_error("mkdtemp");
+    _path = pattern;
+    ::chmod(_path.c_str(), 0755);
+}
+
+TempDir::~TempDir() {
+    std::error_code error;
+    std::filesystem::remove_all(_path, error);
+}
+
+}  // namespace KovoSim::Test
