@@ -34,7 +34,8 @@ public:
     const Ipv4Address& GetIpv4Gateway() const { return _gateway; }
     void SetIpv4Gateway(const Ipv4Address& gateway) { _gateway = gateway; }
 
-    const std::vector<Ipv6Network>& GetIpv6Network() const { return _ipv6Networks; }
+    // By value: callers often ask a temporary configuration for it.
+    std::vector<Ipv6Network> GetIpv6Network() const { return _ipv6Networks; }
     // Adding a network that is already there (same address and prefix) replaces it.
     void AddIpv6Network(const Ipv6Network& network);
     // True when the network (same address and prefix) was there.

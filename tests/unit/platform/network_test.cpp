@@ -1,0 +1,283 @@
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "TempDir.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/Portset.h"
+#include "platform/store/HostStore.h"
+#include "platform/zenkctl/DVPortImpl.h"
+#include "platform/zenkctl/DnsConfigImpl.h"
+#include "platform/zenkctl/HostsFile.h"
+#include "platform/zenkctl/NetworkInfoImpl.h"
+#include "platform/zenkctl/PnicImpl.h"
+#include "platform/zenkctl/PortGroupImpl.h"
+#include "platform/zenkctl/PortsetImpl.h"
+#include "platform/zenkctl/RoutingInfoImpl.h"
+#include "platform/zenkctl/VirtualSwitchInfoImpl.h"
+#include "platform/zenkctl/ZenKernelNicInfoImpl.h"
+#include "platform/zenkctl/ZenkNicImpl.h"
+#include "platform/zenkctl/ZenkNicRuntime.h"
+
+using namespace HostCtl::Network;
+using namespace ZenkCtl::Network;
+using HostCtl::Lib::HostCtlException;
+using nlohmann::json;
+using ZenkCtl::Store::HostStore;
+
+namespace {
+
+class NetworkTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::ifstream in(std::string(KOVO_FIXTURES) + "/host.json");
+        store = std::make_shared<HostStore>(dir.File("host.json"));
+        store->Replace(json::parse(in));
+    }
+    std::vector<std::string> RunningAddresses(ZenkNic& nic) {
+        std::vector<std::string> out;
+        for (const auto& n : nic.GetIpConfig().GetIpv6Network()) out.push_back(n.GetStringNetwork());
+        return out;
+    }
+    TempDir dir;
+    std::shared_ptr<HostStore> store;
+};
+
+}  // namespace
+
+TEST_F(NetworkTest, ManagementInterfaceLookupAndStaticRunningState) {
+    NetworkInfoImpl info(store);
+    auto mgmt = info.GetManagementInterface();
+    ASSERT_NE(mgmt, nullptr);
+    EXPECT_EQ(mgmt->GetName(), "zk0");
+    mgmt->Enable();  // works the running state out from the configuration
+    IpConfig running = mgmt->GetIpConfig();
+    EXPECT_EQ(running.GetIpv4Address().GetStringAddress(), "192.168.10.20");
+    // Link-local from the MAC plus the router-advertised prefix; not the DHCPv6 one (DHCPv6 is off).
+    EXPECT_EQ(RunningAddresses(*mgmt), (std::vector<std::string>{"fe80::250:56ff:fea1:1/64", "2001:db8:10::20/64"}));
+    EXPECT_EQ(running.GetIpv6Network()[1].GetIpv6AddressType(), IPV6_ADDRESS_AUTOCONF);
+
+    // Without a "management" mark, the interface on "Management Network" is found.
+    store->Update([](json& d) { d["network"]["zenkNics"][0].erase("management"); std::swap(d["network"]["zenkNics"][0], d["network"]["zenkNics"][1]); });
+    info.UpdateManagementInterface();
+    EXPECT_EQ(info.GetManagementInterfaceName(), "zk0");
+    store->Update([](json& d) { d["network"]["zenkNics"] = json::array(); });
+    info.UpdateManagementInterface();
+    EXPECT_EQ(info.GetManagementInterface(), nullptr);
+    EXPECT_FALSE(mgmt->IsValid());
+    EXPECT_THROW(mgmt->GetIpConfig(), HostCtlException);
+}
+
+TEST_F(NetworkTest, DhcpTakesTheLeaseItsGatewayAndItsDnsAndDisableClearsAddresses) {
+    ZenkNicImpl nic("zk0", store);
+    IpConfig config = nic.GetConfiguredIpConfig();
+    config.SetUseDhcp(true);
+    config.SetDnsFromDhcp(true);
+    config.SetUseIpv6Dhcp(true);
+    nic.SetIpConfig(config);
+    EXPECT_EQ(nic.GetIpConfig().GetIpv4Address().GetStringAddress(), "192.168.10.77");
+    EXPECT_EQ(RoutingInfoImpl("defaultNetStack", store).GetZenKernelDefaultGateway().GetStringAddress(),
+              "192.168.10.254");
+    DnsConfigImpl dns("defaultNetStack", store);
+    EXPECT_EQ(dns.GetNameServers(), (std::vector<std::string>{"192.168.10.53"}));
+    EXPECT_EQ(dns.GetDomain(), "dhcp.example");
+    EXPECT_EQ(RunningAddresses(nic).size(), 3u);  // link-local, RA and DHCPv6
+
+    nic.Disable();
+    EXPECT_FALSE(nic.IsEnabled());
+    EXPECT_TRUE(nic.GetIpConfig().GetIpv4Address().IsUnspecified());
+    EXPECT_TRUE(nic.GetIpConfig().GetIpv6Network().empty());
+    nic.Commit();
+    nic.Enable();
+    EXPECT_EQ(nic.GetIpConfig().GetIpv4Address().GetStringAddress(), "192.168.10.77");
+
+    // An interface on DHCP without a lease waits at 0.0.0.0.
+    ZenkNicImpl noLease("zk1", store);
+    noLease.Enable();
+    EXPECT_TRUE(noLease.GetIpConfig().GetUseDhcp());
+    EXPECT_TRUE(noLease.GetIpConfig().GetIpv4Address().IsUnspecified());
+    EXPECT_NO_THROW(noLease.RenewIpv4Lease());
+    EXPECT_THROW(noLease.RenewIpv6Lease(), HostCtlException);  // DHCPv6 is off there
+}
+
+TEST_F(NetworkTest, ObjectsNoticeChangesMadeByOtherProcesses) {
+    ZenkNicImpl nic("zk0", store);
+    EXPECT_EQ(nic.GetMacAddress(), "00:50:56:a1:00:01");
+    EXPECT_FALSE(nic.IsStale());
+    // Another process (another store object) changes the interface.
+    HostStore other(store->Path());
+    other.Update([](json& d) { d["network"]["zenkNics"][0]["mac"] = "00:50:56:a1:00:02"; });
+    EXPECT_TRUE(nic.IsStale());
+    EXPECT_EQ(nic.GetMacAddress(), "00:50:56:a1:00:02");
+    nic.SetMacAddressFromPnic(std::make_unique<PnicImpl>("zennic2", store).get());
+    EXPECT_EQ(HostStore(store->Path()).Get("/network/zenkNics/0/mac"), "00:50:56:a1:00:03");
+    EXPECT_THROW(nic.SetMacAddress("00:50:56:a1:00"), HostCtlException);
+    EXPECT_THROW(PnicImpl("zennic9", store), HostCtlException);
+}
+
+TEST_F(NetworkTest, InvalidConfigurationIsRefusedAndStoreStaysWhole) {
+    ZenkNicImpl nic("zk0", store);
+    const json before = store->Read();
+    IpConfig bad = nic.GetConfiguredIpConfig();
+    bad.SetIpv4Netmask(Ipv4Address("255.0.255.0"));
+    EXPECT_THROW(nic.SetIpConfig(bad), HostCtlException);
+    EXPECT_EQ(store->Read(), before);
+    // A hand-edited store with a bad address is reported, not crashed on.
+    store->Update([](json& d) { d["network"]["zenkNics"][0]["ipConfig"]["ipv4"]["address"] = "300.1.1.1"; });
+    EXPECT_THROW(nic.GetConfiguredIpConfig(), HostCtlException);
+    store->Update([](json& d) { d["network"]["zenkNics"][0]["ipConfig"]["ipv4"] = 7; });
+    EXPECT_THROW(nic.GetConfiguredIpConfig(), HostCtlException);
+}
+
+TEST_F(NetworkTest, ConnectionPointsAndDistributedPorts) {
+    ZenKernelNicInfoImpl all(store);
+    auto nics = all.GetZenKernelNics();
+    ASSERT_EQ(nics.size(), 2u);
+    EXPECT_EQ(nics[0]->GetConnectionPoint().connecteeType, CONNECTEE_PORTGROUP);
+    ConnectionPoint dv = nics[1]->GetConnectionPoint();
+    EXPECT_EQ(dv.connecteeType, CONNECTEE_DVPORT);
+    DVPortImpl port(dv.dvsName, dv.portKey, store);
+    EXPECT_EQ(port.GetVlanId(), 5);
+    EXPECT_EQ(port.GetUplinks(), (std::vector<std::string>{"zennic1"}));
+    port.SetVlanId(4094);
+    EXPECT_EQ(port.GetVlanId(), 4094);
+    EXPECT_THROW(port.SetVlanId(4095), HostCtlException);
+    EXPECT_THROW(nics[0]->ConnectToPortGroup("No Such Group"), HostCtlException);
+    nics[0]->ConnectToDvPort("dvSwitch0", "10");
+    EXPECT_EQ(nics[0]->GetConnectionPoint().connecteeType, CONNECTEE_DVPORT);
+}
+
+TEST_F(NetworkTest, SwitchesUplinksPortGroupsAndVlans) {
+    VirtualSwitchInfoImpl switches(store);
+    PortsetImpl portsets(store);
+    PortGroupImpl portGroups(store);
+    EXPECT_TRUE(portsets.IsValidVirtualSwitch("xSwitch0"));
+    EXPECT_FALSE(portsets.IsValidVirtualSwitch("xSwitch1"));
+    EXPECT_TRUE(portGroups.IsValidPortGroup("Management Network"));
+    EXPECT_FALSE(portGroups.IsValidPortGroup("Management Network1"));
+
+    switches.AddVirtualSwitch("xSwitch1", HostCtl::Network::Portset::DEF_NUM_PORTS);
+    EXPECT_THROW(switches.AddVirtualSwitch("xSwitch1", 128), HostCtlException);
+    switches.AddPortGroup("xSwitch1", "Management Network1");
+    EXPECT_THROW(switches.AddPortGroup("xSwitch1", "VM Network"), HostCtlException);  // names are host-wide
+    EXPECT_EQ(switches.GetPortGroupSwitch("Management Network1"), "xSwitch1");
+
+    // A NIC belongs to one switch at a time.
+    EXPECT_EQ(switches.FindUplinkOwner("zennic1"), "dvSwitch0");
+    EXPECT_THROW(switches.AddUplink("xSwitch1", "zennic1"), HostCtlException);
+    switches.RemoveDvsUplink("dvSwitch0", "zennic1");
+    switches.AddUplink("xSwitch1", "zennic1");
+    EXPECT_EQ(switches.FindUplinkOwner("zennic1"), "xSwitch1");
+    EXPECT_THROW(switches.AddUplink("xSwitch1", "zennic7"), HostCtlException);
+    switches.SetTeamingPolicy("xSwitch1",
+                              NicTeamingPolicy::WithUplinkAdded(switches.GetTeamingPolicy("xSwitch1"), "zennic1"));
+    EXPECT_EQ(switches.GetTeamingPolicy("xSwitch1").GetUplinkOrder(), (std::vector<std::string>{"zennic1"}));
+    EXPECT_EQ(switches.GetTeamingPolicy("xSwitch0").GetFlags(), 16u);
+    switches.RemoveUplink("xSwitch0", "zennic0");
+    EXPECT_THROW(switches.RemoveUplink("xSwitch0", "zennic0"), HostCtlException);
+
+    EXPECT_EQ(switches.GetPortGroupVlan("Management Network"), 0);
+    switches.SetPortGroupVlan("Management Network", 4095);
+    EXPECT_EQ(switches.GetPortGroupVlan("Management Network"), 4095);
+    EXPECT_THROW(switches.SetPortGroupVlan("Management Network", 4096), HostCtlException);
+    EXPECT_THROW(switches.RemoveVirtualSwitch("xSwitch0"), HostCtlException);  // zk0 sits on it
+    switches.RemoveVirtualSwitch("xSwitch1");
+    EXPECT_FALSE(portsets.IsValidVirtualSwitch("xSwitch1"));
+}
+
+TEST_F(NetworkTest, DnsNamesServersAndSearchDomains) {
+    DnsConfigImpl dns("defaultNetStack", store);
+    EXPECT_THROW(DnsConfigImpl("otherStack", store), HostCtlException);
+    dns.SetFqdn("host7.lab.example.org", false, "");
+    EXPECT_EQ(dns.GetHostname(), "host7");
+    EXPECT_EQ(dns.GetDomain(), "lab.example.org");
+    dns.SetHostname("h2", false);
+    EXPECT_EQ(dns.GetDomain(), "lab.example.org");
+    EXPECT_THROW(dns.SetHostname("bad_name", false), HostCtlException);
+    EXPECT_THROW(dns.SetHostname("-lead", false), HostCtlException);
+    EXPECT_THROW(dns.SetFqdn("h.", false, ""), HostCtlException);
+
+    dns.RemoveNameServers();
+    dns.AddNameServer(Ipv4Address("10.0.0.2"));
+    dns.AddNameServer(Ipv6Address("2001:db8::53"));
+    dns.AddNameServer(Ipv4Address("10.0.0.2"));  // no duplicates
+    EXPECT_THROW(dns.AddNameServer(Ipv4Address()), HostCtlException);
+    EXPECT_EQ(dns.GetNameServers(), (std::vector<std::string>{"10.0.0.2"}));
+    EXPECT_EQ(dns.GetIpv6NameServers(), (std::vector<std::string>{"2001:db8::53"}));
+    EXPECT_EQ(dns.GetIpv6NameServers(true), (std::vector<std::string>{"2001:db8::53", "10.0.0.2"}));
+
+    dns.SetSearchDomainsString(dns.GetDomain());
+    for (const char* s : {"a.example", "b.example", "c.example"}) dns.AddSearchDomain(s);
+    EXPECT_EQ(dns.GetSearchDomains(),
+              (std::vector<std::string>{"lab.example.org", "a.example", "b.example", "c.example"}));
+    dns.SetSearchDomainsString("x.example, y.example  z.example");
+    EXPECT_EQ(dns.GetSearchDomains().size(), 3u);
+    dns.SetSearchDomainsString("");
+    EXPECT_TRUE(dns.GetSearchDomains().empty());
+    EXPECT_THROW(dns.AddSearchDomain("under_score.example"), HostCtlException);
+    dns.SaveConfig();
+    EXPECT_EQ(store->Get("/network/dns/saved"), 1);
+}
+
+TEST_F(NetworkTest, Ipv6SwitchWaitsForBootAndFactoryRestoreRebuildsManagement) {
+    NetworkInfoImpl info(store);
+    EXPECT_TRUE(info.IsZenkIpv6Enabled());
+    info.SetZenkIpv6Enabled(false);
+    EXPECT_TRUE(info.IsZenkIpv6Enabled());
+    EXPECT_FALSE(info.GetPendingZenkIpv6Enabled());
+
+    EXPECT_EQ(info.GetPnics().size(), 3u);
+    info.DisableNetDumper();
+    EXPECT_FALSE(info.IsNetDumperEnabled());
+    EXPECT_THROW(info.AutoConfigNetwork(), HostCtlException);  // xSwitch0 still exists
+    info.ClearNetworkConfig();
+    EXPECT_EQ(info.GetManagementInterface(), nullptr);
+    info.AutoConfigNetwork();
+    auto mgmt = info.GetManagementInterface();
+    ASSERT_NE(mgmt, nullptr);
+    EXPECT_EQ(mgmt->GetName(), "zk0");
+    EXPECT_TRUE(mgmt->GetConfiguredIpConfig().GetUseDhcp());
+    EXPECT_EQ(mgmt->GetIpConfig().GetIpv4Address().GetStringAddress(), "192.168.10.77");  // its lease
+    EXPECT_EQ(VirtualSwitchInfoImpl(store).GetVirtualSwitches()[0].uplinks, (std::vector<std::string>{"zennic0"}));
+}
+
+TEST_F(NetworkTest, RoutingGateways) {
+    RoutingInfoImpl routing("defaultNetStack", store);
+    routing.SetZenKernelDefaultGateway(Ipv4Address("10.1.1.1"), false);
+    EXPECT_EQ(routing.GetZenKernelDefaultGateway().GetStringAddress(), "10.1.1.1");
+    EXPECT_TRUE(routing.GetIpv6ZenKernelDefaultGateway().IsUnspecified());
+    routing.SetIpv6ZenKernelDefaultGateway(Ipv6Address("fe80::1%zk0"));
+    EXPECT_EQ(routing.GetIpv6ZenKernelDefaultGateway().GetScopedStringAddress(), "fe80::1%zk0");
+}
+
+TEST(ZenkNicRuntimeTest, LinkLocalFromMac) {
+    EXPECT_EQ(ZenkNicRuntime::LinkLocalFor("00:50:56:a1:00:01"), "fe80::250:56ff:fea1:1");
+    EXPECT_EQ(ZenkNicRuntime::LinkLocalFor("02:00:00:00:00:00"), "fe80::ff:fe00:0");
+    EXPECT_EQ(ZenkNicRuntime::LinkLocalFor("00:50:56:a1:00"), "");
+    EXPECT_EQ(ZenkNicRuntime::LinkLocalFor("00-50-56-a1-00-01"), "");
+    EXPECT_EQ(ZenkNicRuntime::LinkLocalFor("zz:50:56:a1:00:01"), "");
+}
+
+TEST(HostsFileTest, RemovesTheNameEverywhereAndKeepsTheRest) {
+    bool found = false;
+    const std::string text =
+        "# static table\n127.0.0.1\tlocalhost\n192.168.10.20\th1.example.com h1\n10.0.0.9 H1.EXAMPLE.COM other # x\n";
+    EXPECT_EQ(HostsFile::RemoveName(text, "h1.example.com", found),
+              "# static table\n127.0.0.1\tlocalhost\n192.168.10.20\th1\n10.0.0.9\tother # x\n");
+    EXPECT_TRUE(found);
+    EXPECT_EQ(HostsFile::RemoveName(text, "nothere", found), text);
+    EXPECT_FALSE(found);
+    // The address column is not a name.
+    EXPECT_EQ(HostsFile::RemoveName("127.0.0.1 localhost\n", "127.0.0.1", found), "127.0.0.1 localhost\n");
+
+    TempDir dir;
+    const std::string path = dir.File("hosts");
+    std::ofstream(path) << "127.0.0.1 localhost\n192.168.10.20 h1.example.com\n";
+    HostsFile hosts(path);
+    EXPECT_TRUE(hosts.RemoveEntryByHostName("h1.example.com"));
+    std::ifstream in(path);
+    std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(content, "127.0.0.1 localhost\n");
+    EXPECT_FALSE(hosts.RemoveEntryByHostName("h1.example.com"));
+    EXPECT_THROW(HostsFile(dir.File("missing")).RemoveEntryByHostName("x"), HostCtlException);
+}
