@@ -1,0 +1,115 @@
+// Signals and resize reaching the real console on a simulated host: how it ends, what it leaves behind.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <termios.h>
+
+#include <string>
+
+#include "HostConsole.h"
+
+using namespace std::chrono_literals;
+using KovoE2e::ConsoleStart;
+using KovoE2e::FreshHostDir;
+using KovoE2e::HostConsole;
+
+namespace {
+
+constexpr const char* kPaletteReset = "\x1b]R";
+constexpr const char* kLeaveAlternateScreen = "\x1b[?1049l";
+
+// Starts the console and returns its process id; the test fails when it does not come up.
+pid_t StartConsole(HostConsole& host) {
+    EXPECT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
+    pid_t console = host.WaitForConsole();
+    EXPECT_GT(console, 0);
+    return console;
+}
+
+}  // namespace
+
+class TerminationSignal : public ::testing::TestWithParam<int> {};
+
+TEST_P(TerminationSignal, EndsWithStatusZeroTerminalRestoredAndPaletteReset) {
+    HostConsole host(FreshHostDir(), ConsoleStart{});
+    pid_t console = StartConsole(host);
+    ASSERT_GT(console, 0);
+    auto during = host.Term().TerminalAttributes();
+    ASSERT_TRUE(during);
+    ASSERT_EQ(during->c_lflag & (ICANON | ECHO), 0u) << "the console reads keys one by one, unechoed";
+    const std::size_t before = host.Term().Output().size();
+
+    ASSERT_TRUE(host.Term().Signal(GetParam(), console));
+    auto status = host.Term().WaitExit();
+    ASSERT_TRUE(status) << host.Term().Dump();
+    EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
+
+    // Everything written after the signal: the screen handed back, then the palette reset.
+    const std::string tail = host.Term().Output().substr(before);
+    const auto leave = tail.find(kLeaveAlternateScreen);
+    const auto reset = tail.rfind(kPaletteReset);
+    EXPECT_NE(leave, std::string::npos) << host.Term().Dump();
+    ASSERT_NE(reset, std::string::npos) << host.Term().Dump();
+    EXPECT_LT(leave, reset) << "palette reset must follow the restored screen";
+    EXPECT_EQ(tail.find(kPaletteReset), reset) << "palette reset written more than once";
+
+    auto after = host.Term().TerminalAttributes();
+    ASSERT_TRUE(after);
+    EXPECT_EQ(after->c_lflag & (ICANON | ECHO), tcflag_t(ICANON | ECHO)) << "terminal left in raw mode";
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, TerminationSignal, ::testing::Values(SIGTERM, SIGINT, SIGQUIT),
+                         [](const auto& info) { return std::string(sigabbrev_np(info.param)); });
+
+TEST(ConsoleResize, SignalAt100x37LogsTheNewSizeAndEnds) {
+    HostConsole host(FreshHostDir(), ConsoleStart{});
+    pid_t console = StartConsole(host);
+    ASSERT_GT(console, 0);
+    host.Term().Resize(100, 37, console);
+    auto status = host.Term().WaitExit();
+    ASSERT_TRUE(status) << host.Term().Dump();
+    EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
+    auto line = host.WaitForSyslog({"user.info", "KOVO[", "]: Resized window to 100x37"});
+    EXPECT_TRUE(line) << host.Syslog();
+    EXPECT_EQ(host.SyslogLines({"Resized window to"}).size(), 1u) << host.Syslog();
+}
+
+TEST(ConsoleResize, KeyMapResizeSequenceActsLikeTheSignal) {
+    ConsoleStart start;
+    start.columns = 90;
+    start.rows = 30;
+    HostConsole host(FreshHostDir(), start);
+    ASSERT_GT(StartConsole(host), 0);
+    host.Term().SendRaw("\x1bR");
+    auto status = host.Term().WaitExit();
+    ASSERT_TRUE(status) << host.Term().Dump();
+    EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
+    EXPECT_TRUE(host.WaitForSyslog({"user.info", "]: Resized window to 90x30"})) << host.Syslog();
+}
+
+TEST(ConsoleRestartRequest, WithNobodyLoggedInEndsAtOnce) {
+    HostConsole host(FreshHostDir(), ConsoleStart{});
+    pid_t console = StartConsole(host);
+    ASSERT_GT(console, 0);
+    ASSERT_TRUE(host.Term().Signal(SIGUSR2, console));
+    auto status = host.Term().WaitExit();
+    ASSERT_TRUE(status) << host.Term().Dump();
+    EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
+    EXPECT_NE(host.Term().Output().rfind(kPaletteReset), std::string::npos);
+    EXPECT_TRUE(host.SyslogLines({"Resized window"}).empty());
+}
+
+TEST(ConsoleNotification, HostNotificationKeepsTheConsoleRunning) {
+    HostConsole host(FreshHostDir(), ConsoleStart{});
+    pid_t console = StartConsole(host);
+    ASSERT_GT(console, 0);
+    ASSERT_TRUE(host.Term().Signal(SIGUSR1, console));
+    ASSERT_TRUE(host.Term().Signal(SIGUSR1, console));
+    // Nothing ends: give it the time any of the ending signals above needs many times over.
+    EXPECT_FALSE(host.Term().WaitExit(1500ms)) << host.Term().Dump();
+    EXPECT_TRUE(host.Term().Screen().Contains("<F12> Shut Down/Restart")) << host.Term().Dump();
+    // And it still reacts to what comes after.
+    ASSERT_TRUE(host.Term().Signal(SIGTERM, console));
+    auto status = host.Term().WaitExit();
+    ASSERT_TRUE(status);
+    EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
+}
