@@ -13,7 +13,8 @@ FirewallRulesetImpl::FirewallRulesetImpl(std::string id, std::shared_ptr<Store::
     : _id(std::move(id)), _store(std::move(store)) {}
 
 bool FirewallRulesetImpl::IsEnabled() {
-    const json* r = Json::FindNamed(_store->Get(Store::Schema::kFirewallRulesets), _id, "id");
+    const json rulesets = _store->Get(Store::Schema::kFirewallRulesets);
+    const json* r = Json::FindNamed(rulesets, _id, "id");
     if (r == nullptr) throw HostCtl::Lib::HostCtlException("Firewall ruleset " + _id + " does not exist");
     return Json::Flag(*r, "enabled");
 }
