@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "app/Window.h"
@@ -55,5 +56,8 @@ private:
     MarkupColors _colors;
     MarkupVariables _variables;
 };
+
+// "8 GB", "8.2 GB": the memory size rounded up to a quarter GiB, with one truncated decimal when needed.
+std::string FormatMemory(uint64_t totalPages, uint64_t pageSize);
 
 }  // namespace Kovo
