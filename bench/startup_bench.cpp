@@ -1,0 +1,81 @@
+// Start-up cost of the console as an operator meets it: the real kovo, started by the simulated host's
+// launcher in an 80x25 pseudo-terminal, timed from the spawn to its first complete screen; and the
+// console's peak resident memory. Measurements only.
+#include <benchmark/benchmark.h>
+#include <signal.h>
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+
+#include "ProcessTree.h"
+#include "TermSession.h"
+
+namespace {
+
+constexpr const char* kLastOfFirstScreen = "<F12> Shut Down/Restart";
+
+KovoTerm::SpawnOptions ConsoleOnHost(const std::string& hostDir) {
+    KovoTerm::SpawnOptions options;
+    options.argv = {KOVO_BENCH_LAUNCHER, "run", "--dir", hostDir, "--kovo", KOVO_BENCH_CONSOLE, "--once"};
+    options.environment = {{"PATH", "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"}};
+    return options;
+}
+
+std::string FreshHost(const std::string& name) {
+    const std::string dir = std::string(KOVO_BENCH_SCRATCH) + "/" + name;
+    std::filesystem::remove_all(dir);
+    std::filesystem::create_directories(dir);
+    return dir;
+}
+
+// Ends the console politely and waits for the host to stop, outside the timed region.
+void Stop(KovoTerm::TermSession& session, pid_t console) {
+    if (console > 0) session.Signal(SIGTERM, console);
+    session.WaitExit();
+}
+
+void BM_StartToFirstPaint(benchmark::State& state) {
+    const std::string host = FreshHost("first-paint");
+    long peakKb = 0;
+    std::size_t bytes = 0;
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        KovoTerm::TermSession session(ConsoleOnHost(host));
+        if (!session.WaitForText(kLastOfFirstScreen)) {
+            state.SkipWithError("the console did not paint its first screen");
+            break;
+        }
+        const auto painted = std::chrono::steady_clock::now();
+        state.SetIterationTime(std::chrono::duration<double>(painted - start).count());
+        bytes = session.Output().size();
+
+        state.PauseTiming();
+        session.WaitForQuiet(std::chrono::milliseconds(200));
+        pid_t console = session.WaitForDescendant("kovo");
+        if (auto kb = KovoTerm::ProcessTree::StatusKb(console, "VmHWM")) peakKb = std::max(peakKb, *kb);
+        Stop(session, console);
+        state.ResumeTiming();
+    }
+    state.counters["kovo_peak_rss_kB"] = double(peakKb);
+    state.counters["first_screen_bytes"] = double(bytes);
+}
+BENCHMARK(BM_StartToFirstPaint)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(20);
+
+// The same cycle with the console's start-up and the host's boot together: spawn to the host stopped.
+void BM_FullCycle(benchmark::State& state) {
+    const std::string host = FreshHost("full-cycle");
+    for (auto _ : state) {
+        KovoTerm::TermSession session(ConsoleOnHost(host));
+        if (!session.WaitForText(kLastOfFirstScreen)) {
+            state.SkipWithError("the console did not paint its first screen");
+            break;
+        }
+        Stop(session, session.WaitForDescendant("kovo"));
+    }
+}
+BENCHMARK(BM_FullCycle)->Unit(benchmark::kMillisecond)->Iterations(10);
+
+}  // namespace
+
+BENCHMARK_MAIN();
