@@ -9,22 +9,16 @@ namespace Kovo {
 
 namespace {
 
-constexpr std::size_t kFieldSize = 32;
-constexpr std::size_t kProductOffset = 0;
-constexpr std::size_t kVersionOffset = 32;
-constexpr std::size_t kKernelReleaseOffset = 96;
-constexpr std::size_t kBuildOffset = 128;
-
-std::string Field(std::span<const char, kVersionRecordSize> record, std::size_t offset) {
-    const char* start = record.data() + offset;
-    return std::string(start, strnlen(start, kFieldSize));
+template <std::size_t N>
+std::string Field(const char (&field)[N]) {
+    return std::string(field, strnlen(field, N));
 }
 
 }  // namespace
 
-std::string FormatVersionLine(std::span<const char, kVersionRecordSize> record) {
-    return Field(record, kProductOffset) + " " + Field(record, kVersionOffset) + " (ZenKernel " +
-           Field(record, kKernelReleaseOffset) + " Build " + Field(record, kBuildOffset) + ")";
+std::string FormatVersionLine(const ZenkCtl::Util::SysinfoVersionRecord& record) {
+    return Field(record.productName) + " " + Field(record.productVersion) + " (ZenKernel " +
+           Field(record.kernelRelease) + " Build " + Field(record.buildNumberString) + ")";
 }
 
 VersionLine::VersionLine(Source source) : _source(std::move(source)) {}

@@ -1,19 +1,16 @@
 #pragma once
 
-#include <cstddef>
 #include <functional>
-#include <span>
 #include <string>
+
+#include "platform/zenkctl/SysinfoUtil.h"
 
 namespace Kovo {
 
-// Size of the host's system-version record and the fixed text fields the version line is made of.
-inline constexpr std::size_t kVersionRecordSize = 312;
-
-// "<product> <version> (ZenKernel <kernel release> Build <build>)" from the raw record. Each field is
-// read up to its first NUL but never past its own 32 bytes, so an unterminated field cannot run into
-// its neighbour.
-std::string FormatVersionLine(std::span<const char, kVersionRecordSize> record);
+// "<product> <version> (ZenKernel <kernel release> Build <build>)" from the host's version record.
+// Each field is read up to its first NUL but never past its own bytes, so an unterminated field cannot
+// run into its neighbour.
+std::string FormatVersionLine(const ZenkCtl::Util::SysinfoVersionRecord& record);
 
 // The host's version line, read on first need and then kept. While the host cannot report its version
 // (the source throws HostCtl::Lib::HostCtlException) the line is empty and the next Get() tries again.
@@ -23,7 +20,7 @@ public:
 
     explicit VersionLine(Source source);
 
-    // Valid until the next Get() that succeeds for the first time; once non-empty it never changes.
+    // Once non-empty, the returned text never changes and stays valid as long as this object.
     const char* Get();
 
 private:

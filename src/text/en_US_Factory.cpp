@@ -19,7 +19,7 @@ static_assert(std::size(kTexts) == en_US_Factory::kLastId + 1, "one text per id,
 
 const char* en_US_Factory::GetString(unsigned int id) const {
     if (id == kVersionLineId) {
-        static VersionLine versionLine(ReadHostVersionLine);
+        static VersionLine versionLine([] { return ReadHostVersionLine(); });
         return versionLine.Get();
     }
     if (id >= std::size(kTexts)) return "";

@@ -1,16 +1,19 @@
 #include <gtest/gtest.h>
 
-#include <array>
+#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/store/HostStore.h"
+#include "text/HostVersionSource.h"
 #include "text/StringFactory.h"
 #include "text/VersionLine.h"
 #include "text/en_US_Factory.h"
@@ -100,25 +103,33 @@ TEST(StringTable, FactoryIsCreatedOnlyForEnglishThenSharedByAll) {
     EXPECT_EXIT(CheckFactoryLifecycle(), ::testing::ExitedWithCode(0), "lifecycle ok");
 }
 
-std::array<char, kVersionRecordSize> Record(const std::map<std::size_t, std::string>& fields) {
-    std::array<char, kVersionRecordSize> record{};
-    for (const auto& [offset, text] : fields) std::memcpy(record.data() + offset, text.data(), text.size());
-    return record;
+template <std::size_t N>
+void Fill(char (&field)[N], const std::string& text) {
+    std::memcpy(field, text.data(), std::min(text.size(), N));
 }
 
 TEST(VersionLine, IsBuiltFromProductVersionKernelAndBuildFields) {
-    // Offset 64 holds a field the line does not show.
-    const auto record =
-        Record({{0, "KOVO Host"}, {32, "1.0.0"}, {64, "unused"}, {96, "6.1.0"}, {128, "4711"}});
+    ZenkCtl::Util::SysinfoVersionRecord record{};
+    Fill(record.productName, "KOVO Host");
+    Fill(record.productVersion, "1.0.0");
+    Fill(record.productLine, "embedded");  // not part of the line
+    Fill(record.kernelRelease, "6.1.0");
+    Fill(record.buildNumberString, "4711");
+    record.buildNumber = 99;  // the line shows the build's text field, not this number
     EXPECT_EQ(FormatVersionLine(record), "KOVO Host 1.0.0 (ZenKernel 6.1.0 Build 4711)");
 }
 
 TEST(VersionLine, FieldsFillingAllTheirBytesDoNotRunIntoTheirNeighbours) {
-    const std::string full(32, 'P');
-    const std::string version(32, 'V');
-    const auto record = Record({{0, full}, {32, version}, {64, "x"}, {96, std::string(32, 'K')}, {128, "7"}});
-    EXPECT_EQ(FormatVersionLine(record),
-              full + " " + version + " (ZenKernel " + std::string(32, 'K') + " Build 7)");
+    ZenkCtl::Util::SysinfoVersionRecord record{};
+    const std::string product(sizeof record.productName, 'P');
+    const std::string kernel(sizeof record.kernelRelease, 'K');
+    Fill(record.productName, product);
+    Fill(record.productVersion, "1.0.0");
+    Fill(record.kernelRelease, kernel);
+    Fill(record.buildNumberString, std::string(sizeof record.buildNumberString, '7'));
+    record.buildNumber = 0x41414141;  // would show as "AAAA" if the build field were over-read
+    EXPECT_EQ(FormatVersionLine(record), product + " 1.0.0 (ZenKernel " + kernel + " Build " +
+                                             std::string(sizeof record.buildNumberString, '7') + ")");
 }
 
 TEST(VersionLine, IsRetriedWhileTheHostFailsAndKeptOnceRead) {
@@ -140,6 +151,29 @@ TEST(VersionLine, IsRetriedWhileTheHostFailsAndKeptOnceRead) {
     hostReady = false;  // once read, the line no longer depends on the host
     EXPECT_STREQ(line.Get(), "KOVO Host 1.0.0 (ZenKernel 6.1.0 Build 4711)");
     EXPECT_EQ(calls, 3);
+}
+
+// The same recovery through the real record read: first no host store, then one, then a broken one.
+TEST(VersionLine, ComesFromTheHostRecordOnceTheHostCanBeRead) {
+    char dirTemplate[] = "/tmp/kovo-version-XXXXXX";
+    ASSERT_NE(mkdtemp(dirTemplate), nullptr);
+    const std::filesystem::path dir(dirTemplate);
+    ZenkCtl::Store::HostStore store((dir / "host.json").string());
+    VersionLine line([&] { return ReadHostVersionLine(store); });
+
+    EXPECT_STREQ(line.Get(), "");
+
+    store.Replace(nlohmann::json{{"system",
+                                  {{"version",
+                                    {{"productName", "KOVO Host"},
+                                     {"productVersion", "2.5.1"},
+                                     {"kernelRelease", "6.1.0"},
+                                     {"buildNumber", 123}}}}}});
+    EXPECT_STREQ(line.Get(), "KOVO Host 2.5.1 (ZenKernel 6.1.0 Build 123)");
+
+    std::ofstream(dir / "host.json") << "{ not json";
+    EXPECT_STREQ(line.Get(), "KOVO Host 2.5.1 (ZenKernel 6.1.0 Build 123)");
+    std::filesystem::remove_all(dir);
 }
 
 }  // namespace
