@@ -1,24 +1,194 @@
 #include "access/WelcomeWindow.h"
 
 #include <curses.h>
+#include <syslog.h>
 
-#include <string>
+#include <algorithm>
+#include <functional>
+#include <cstring>
+#include <sstream>
+#include <vector>
 
 #include "app/Colors.h"
 #include "app/KeyReader.h"
-#include "platform/zenkctl/ProductState.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/zenkctl/CpuInfoImpl.h"
+#include "platform/zenkctl/DnsConfigImpl.h"
+#include "platform/zenkctl/HardwareInfoImpl.h"
+#include "platform/zenkctl/MemoryInfoImpl.h"
+#include "platform/zenkctl/NetworkInfoImpl.h"
+#include "platform/zenkctl/SysinfoUtil.h"
+#include "platform/zenkctl/SystemInfoImpl.h"
+#include "text/StringFactory.h"
+#include "text/TextArea.h"
 
 namespace Kovo {
 
+namespace {
+
+// This build's edition, shown where the host's version line names the release.
+constexpr const char* kReleaseInVersionLine = "7.0.0";
+constexpr const char* kEditionLabel = "1.0 Tech Preview";
+constexpr const char* kTipsLine = "Tips for running this host: https://kovo.example.org/tips";
+constexpr const char* kNoAdapter =
+    "No compatible network adapter found. Please consult the product's Hardware Compatibility Guide (HCG) for "
+    "a list of supported adapters.";
+constexpr const char* kNoAdapterAlert = "No compatible network adapter found.";
+
+enum StringId : unsigned {
+    kCustomizeSystem = 0,
+    kShutDownRestart = 1,
+    kVersionLine = 2,
+    kManageHeading = 133,
+    kDhcpWarning = 134,
+    kAuditWarning = 135,
+    kDhcpLabel = 254,
+    kStaticLabel = 255,
+    kAutoconfLabel = 256,
+    kWaitingForDhcp = 257,
+};
+
+// IPv6 address types as the host reports them.
+enum Ipv6AddressType { kIpv6Static = 0, kIpv6Autoconf = 7, kIpv6Dhcp = 9 };
+
+std::string Trim(const std::string& text) {
+    const char* blanks = " \t\r\n\v\f";
+    size_t first = text.find_first_not_of(blanks);
+    if (first == std::string::npos) return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+}  // namespace
+
 WelcomeWindow::WelcomeWindow() : Frame(nullptr, 0, 0, COLS, LINES, kBlack, kWhite) { Build(); }
 
+std::string WelcomeWindow::MemoryLine(uint64_t totalBytes) {
+    uint64_t unit = 1048576;
+    int index = 0;
+    for (int i = 0; i < 4 && totalBytes >= unit * 1024; ++i) {
+        unit *= 1024;
+        ++index;
+    }
+    const float tenths = static_cast<float>(totalBytes) * 10.0f / static_cast<float>(unit);
+    std::ostringstream line;
+    line << static_cast<float>(static_cast<int64_t>(tenths)) / 10.0f << " " << "MGTP"[index] << "iB Memory";
+    return line.str();
+}
+
+std::string WelcomeWindow::ProductBlock() const {
+    std::string line = Strings()->GetString(kVersionLine);
+    // A host that cannot tell its version yet shows its line unchanged rather than failing the screen.
+    size_t at = line.find(kReleaseInVersionLine);
+    if (at != std::string::npos) line.replace(at, strlen(kReleaseInVersionLine), kEditionLabel);
+    return line + "\n" + kTipsLine + "\n" + "Note: THIS TECH PREVIEW IS NOT A PRODUCT\n";
+}
+
+std::string WelcomeWindow::HardwareLine() const {
+    ZenkCtl::Hardware::HardwareInfoImpl hardware;
+    const std::string vendor = Trim(hardware.GetVendorName());
+    const std::string product = Trim(hardware.GetProductName());
+    if (product.rfind(vendor, 0) == 0) return product;
+    return vendor + " " + product;
+}
+
+std::string WelcomeWindow::ProcessorLine() const {
+    ZenkCtl::Hardware::CpuInfoImpl cpu;
+    const std::string model = Trim(cpu.GetModelName());
+    const uint32_t packages = cpu.GetNumCpuPackages();
+    if (packages < 2) return model;
+    return std::to_string(packages) + " x " + model;
+}
+
+std::string WelcomeWindow::AddressText() {
+    _dhcpWaiting = false;
+    std::string text = Strings()->GetString(kManageHeading);
+    const std::string hostname = ZenkCtl::Network::DnsConfigImpl("defaultNetStack").GetHostname();
+    if (!hostname.empty() && hostname != "localhost") text += "\nhttps://" + hostname + "/ ";
+
+    ZenkCtl::Network::NetworkInfoImpl network;
+    auto nic = network.GetManagementInterface();
+    if (!nic) return text;
+    const HostCtl::Network::IpConfig config = nic->GetIpConfig();
+    if (!config.GetIpv4UseNone()) {
+        const std::string address = config.GetIpv4Address().GetStringAddress();
+        unsigned label = kStaticLabel;
+        if (config.GetUseDhcp()) {
+            _dhcpWaiting = address == "0.0.0.0";
+            label = _dhcpWaiting ? kWaitingForDhcp : kDhcpLabel;
+        }
+        text += "\nhttps://" + address + "/ (" + Strings()->GetString(label) + ")";
+    }
+    if (network.IsZenkIpv6Enabled()) {
+        std::vector<std::string> lines;
+        for (const auto& net : config.GetIpv6Network()) {
+            std::string line = "https://[" + net.GetAddress().GetStringAddress() + "]/ ";
+            switch (net.GetIpv6AddressType()) {
+                case kIpv6Static: line += std::string("(") + Strings()->GetString(kStaticLabel) + ")"; break;
+                case kIpv6Dhcp: line += std::string("(") + Strings()->GetString(kDhcpLabel) + ")"; break;
+                case kIpv6Autoconf: line += std::string("(") + Strings()->GetString(kAutoconfLabel) + ")"; break;
+                default: break;
+            }
+            lines.push_back(line + "\n");
+        }
+        std::sort(lines.begin(), lines.end());
+        if (!lines.empty()) text += "\n";
+        for (const std::string& line : lines) text += line;
+    }
+    return text;
+}
+
+std::string WelcomeWindow::WarningText() {
+    std::string text;
+    if (_dhcpWaiting) text = Strings()->GetString(kDhcpWarning);
+    ZenkCtl::Util::SysinfoBootOptions boot{};
+    if (SysNode_Get(SYSNODE_BOOT_OPTIONS, &boot, sizeof boot) == 0 && boot.auditMode == 1) {
+        if (!text.empty()) text += "\n";
+        text += Strings()->GetString(kAuditWarning);
+    }
+    return text;
+}
+
+void WelcomeWindow::FillIdentity() {
+    // Each area on its own: a host that cannot tell one thing still shows the rest; the reason is logged.
+    auto fill = [](TextArea* area, const std::function<std::string()>& text) {
+        try {
+            area->SetText(text());
+        } catch (const HostCtl::Lib::HostCtlException& e) {
+            syslog(LOG_ERR, "Unable to read the host identity: %s", e.what());
+        }
+    };
+    fill(_product, [this] { return ProductBlock(); });
+    fill(_oneRow, [this] { return HardwareLine(); });
+    fill(_twoRow, [this] {
+        ZenkCtl::Hardware::MemoryInfoImpl memory;
+        return ProcessorLine() + "\n" + MemoryLine(memory.GetTotalPages() * memory.GetPageSize());
+    });
+    fill(_sevenRow, [this] {
+        if (!ZenkCtl::Network::NetworkInfoImpl().GetPnics().empty()) return AddressText();
+        ZenkCtl::System::SystemInfoImpl().SetSystemAlert(kNoAdapterAlert);
+        return std::string(kNoAdapter);
+    });
+    fill(_warning, [this] { return WarningText(); });
+}
+
 void WelcomeWindow::Build() {
+    delete _upper;
+    delete _lower;
     Erase();
-    const std::string product = std::string(ProductState_GetName()) + " " + ProductState_GetVersion();
-    Print(8, 3, product);
-    Print(0, Height() - 1, "<F2> Customize System/View Logs");
-    const std::string f12 = "<F12> Shut Down/Restart";
-    Print(Width() - static_cast<int>(f12.size()), Height() - 1, f12);
+    const int half = LINES / 2;
+    const int areaWidth = COLS - 16;
+    _upper = AddChild(0, 0, COLS, half, kDarkGrey, kWhite);
+    _lower = AddChild(0, half, COLS, LINES - half, kYellow, kBlack);
+    _product = new TextArea(_upper, 8, 3, areaWidth, 3);
+    _oneRow = new TextArea(_upper, 8, 7, areaWidth, 1);
+    _twoRow = new TextArea(_upper, 8, 9, areaWidth, 2);
+    _sevenRow = new TextArea(_lower, 8, 1, areaWidth, 7);
+    _warning = new TextArea(_lower, 8, 9, areaWidth, 2, -1, kRed);
+    _keyLine = new TextArea(_lower, 0, _lower->Height() - 1, COLS, 1);
+    FillIdentity();
+    _keyLine->SetText(std::string("<F2> {color:dark-grey}") + Strings()->GetString(kCustomizeSystem) +
+                      "{/color}{align:right}<F12> {color:dark-grey}" + Strings()->GetString(kShutDownRestart) +
+                      "{/color}{/align}");
     Refresh();
 }
 
@@ -26,7 +196,13 @@ void WelcomeWindow::Notification() {}
 
 int WelcomeWindow::HandleKey() {
     for (;;) {
-        GetKey(this, false);
+        const int key = GetKey(this, false);
+        if (key == KEY_F(4) && can_change_color()) {
+            bwColor = !bwColor;
+            Build();
+            continue;
+        }
+        if (key == KEY_F(2) || key == KEY_F(12)) continue;  // the login round trip comes with the login dialog
         clearok(curscr, TRUE);
         Build();
     }

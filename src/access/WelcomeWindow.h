@@ -1,19 +1,46 @@
 #pragma once
 
+#include <cstdint>
+#include <string>
+
 #include "app/Frame.h"
 
 namespace Kovo {
 
-// The idle screen. For now it shows only the product line and the key line; the host identity,
-// management addresses and the login round trip are still to come.
+class TextArea;
+
+// The idle screen: who the host is, where to manage it from, warnings about its state, and the keys
+// that lead to a login.
 class WelcomeWindow : public Frame {
 public:
     WelcomeWindow();
     int HandleKey() override;
     void Notification() override;
 
-private:
+    // Builds the panels and areas anew and fills them from the host.
     void Build();
+
+    // "16", "7.7": the memory size in the largest unit, one truncated decimal, single precision.
+    static std::string MemoryLine(uint64_t totalBytes);
+    // The management addresses block, from the heading down to the sorted IPv6 lines.
+    std::string AddressText();
+
+private:
+    std::string ProductBlock() const;
+    std::string HardwareLine() const;
+    std::string ProcessorLine() const;
+    void FillIdentity();
+    std::string WarningText();
+
+    Window* _upper = nullptr;
+    Window* _lower = nullptr;
+    TextArea* _sevenRow = nullptr;
+    TextArea* _product = nullptr;
+    TextArea* _oneRow = nullptr;
+    TextArea* _twoRow = nullptr;
+    TextArea* _warning = nullptr;
+    TextArea* _keyLine = nullptr;
+    bool _dhcpWaiting = false;
 };
 
 }  // namespace Kovo
