@@ -53,6 +53,14 @@ std::string ZenkNicRuntime::LinkLocalFor(const std::string& mac) {
 }
 
 void ZenkNicRuntime::Apply(json& document, const std::string& nicName) {
+    try {
+        ApplyChecked(document, nicName);
+    } catch (const json::exception& e) {
+        throw HostCtl::Lib::HostCtlException("The host configuration of " + nicName + " is malformed: " + e.what());
+    }
+}
+
+void ZenkNicRuntime::ApplyChecked(json& document, const std::string& nicName) {
     json* nic = Json::FindNamed(Json::ArrayAt(document, Store::Schema::kZenkNics), nicName);
     if (nic == nullptr) throw HostCtl::Lib::HostCtlException("Kernel network interface " + nicName + " does not exist");
     const IpConfig configured = Json::ToIpConfig((*nic)["ipConfig"]);

@@ -23,6 +23,9 @@ public:
     // for text that is not a MAC address.
     static std::string LinkLocalFor(const std::string& mac);
     static bool IsValidMac(const std::string& mac);
+
+private:
+    static void ApplyChecked(nlohmann::json& document, const std::string& nicName);
 };
 
 }  // namespace ZenkCtl::Network
