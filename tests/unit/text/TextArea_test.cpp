@@ -53,8 +53,8 @@ TEST_F(TextAreaTest, IgnoresUnknownColoursAndUnmatchedClosers) {
 }
 
 TEST_F(TextAreaTest, UnknownTagsAndVariablesShowNothing) {
-    _area->SetText("a{nosuch}b{hostnme}c{ip}");
-    EXPECT_EQ(Row(Area(), 0), "abc0.0.0.0          ");
+    _area->SetText("a{nosuch}b{supportStart}c{supportstart}");
+    EXPECT_EQ(Row(Area(), 0), "abcN/A              ");
 }
 
 TEST_F(TextAreaTest, StartsEveryRenderInTheDefaultColours) {
@@ -74,10 +74,11 @@ TEST_F(TextAreaTest, InactiveAreaShowsTextWithoutColourTags) {
 }
 
 TEST_F(TextAreaTest, ActivationRepaintsTheText) {
-    _area->SetText("{ip}");
+    _area->SetText("{color:red}{supportperiod}");
     _area->Erase();
     _area->SetActive(true);
-    EXPECT_EQ(Row(Area(), 0), "0.0.0.0             ");
+    EXPECT_EQ(Row(Area(), 0), "N/A                 ");
+    EXPECT_EQ(PairAt(Area(), 0, 0), Pair(kYellow, kRed));
 }
 
 TEST_F(TextAreaTest, CutsRowsBeyondTheHeightAndClearsOnEmptyText) {
@@ -91,10 +92,10 @@ TEST_F(TextAreaTest, CutsRowsBeyondTheHeightAndClearsOnEmptyText) {
 
 TEST_F(TextAreaTest, AppendBuildsOnTheKeptText) {
     _area->SetText("{color:red}IP: ");
-    _area->AppendText(std::string("{ip}"));
+    _area->AppendText(std::string("{CPLDversion}"));
     _area->AppendText("\nnext");
-    EXPECT_EQ(_area->Text(), "{color:red}IP: {ip}\nnext");
-    EXPECT_EQ(Row(Area(), 0), "IP: 0.0.0.0         ");
+    EXPECT_EQ(_area->Text(), "{color:red}IP: {CPLDversion}\nnext");
+    EXPECT_EQ(Row(Area(), 0), "IP: N/A             ");
     EXPECT_EQ(PairAt(Area(), 0, 5), Pair(kYellow, kRed));
     EXPECT_EQ(Row(Area(), 1), "next                ");
     _area->SetText(static_cast<const char*>(nullptr));
