@@ -54,6 +54,12 @@ void HostLayout::Prepare() const {
             if (error) throw std::runtime_error("cannot create " + path + ": " + error.message());
         }
     }
+    // Directories the host writes into exist in its upper layers, so they are the host's own even for an
+    // unprivileged user, to whom the machine's directories below are read-only.
+    for (const char* dir : kOwnDirectories) {
+        fs::create_directories(Upper(dir), error);
+        if (error) throw std::runtime_error("cannot create " + Upper(dir) + ": " + error.message());
+    }
     fs::create_directories(_dir + "/state", error);
     if (error) throw std::runtime_error("cannot create " + _dir + "/state: " + error.message());
 }

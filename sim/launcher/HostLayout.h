@@ -21,6 +21,11 @@ public:
 
     // Makes DIR absolute and checks it can carry overlays; throws std::invalid_argument with a message
     // for the operator otherwise.
+    static constexpr std::array<const char*, 10> kOwnDirectories = {
+        "/etc/halvor/ssl", "/etc/init.d",    "/etc/pam.d",       "/etc/ssh",
+        "/usr/lib/kovo-sim", "/usr/lib/halvor/openssh/bin", "/var/log/kovo-sim", "/usr/bin",
+        "/usr/sbin",       "/var/log"};
+
     explicit HostLayout(const std::string& dir);
 
     const std::string& Dir() const { return _dir; }

@@ -11,7 +11,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <fstream>
 #include <system_error>
 #include <vector>
 
@@ -76,10 +75,6 @@ int HostNamespace::Mount(const HostLayout& layout) {
     if (oldProc < 0) Fail("open /proc");
 
     DoMount("tmpfs", "/run", "tmpfs", MS_NOSUID | MS_NODEV, "mode=0755");
-    for (const char* dir : {"/run/lock", "/run/halvor", "/run/kovo-sim"}) {
-        if (::mkdir(dir, 0755) != 0 && errno != EEXIST) Fail(std::string("mkdir ") + dir);
-    }
-    ::chmod("/run/lock", 01777);
 
     // A fresh /dev: the harmless nodes of the machine's, and /dev/console as /dev/null so a console
     // switch on it can never reach the machine's screen.
@@ -117,7 +112,6 @@ int HostNamespace::Mount(const HostLayout& layout) {
 
     DoMount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC);
     BringUpLoopback();
-    SetHostName(layout);
     return oldProc;
 }
 
@@ -137,15 +131,9 @@ void HostNamespace::BringUpLoopback() {
     if (result != 0) Fail("bring up lo");
 }
 
-void HostNamespace::SetHostName(const HostLayout& layout) {
-    std::string name = "localhost";
-    std::ifstream file(layout.Upper("/etc/hostname"));
-    std::string line;
-    if (file && std::getline(file, line)) {
-        while (!line.empty() && (line.back() == ' ' || line.back() == '\r' || line.back() == '\t')) line.pop_back();
-        if (!line.empty() && line.size() < 64) name = line;
-    }
-    if (::sethostname(name.data(), name.size()) != 0) Fail("sethostname");
+void HostNamespace::RemountRun() {
+    if (::umount2("/run", MNT_DETACH) != 0) Fail("umount /run");
+    DoMount("tmpfs", "/run", "tmpfs", MS_NOSUID | MS_NODEV, "mode=0755");
 }
 
 void HostNamespace::Join(pid_t init) {

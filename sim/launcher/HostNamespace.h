@@ -26,9 +26,8 @@ public:
     // child of the caller lives inside it.
     static void Join(pid_t init);
 
-    // Host name for the UTS namespace: the host's own "/etc/hostname" (the one it wrote, not the
-    // machine's) when present, else "localhost".
-    static void SetHostName(const HostLayout& layout);
+    // A fresh, empty /run for the next boot of the host.
+    static void RemountRun();
 
 private:
     static void BringUpLoopback();

@@ -16,6 +16,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "HostBoot.h"
 #include "HostNamespace.h"
 #include "RestartPolicy.h"
 #include "SyslogReceiver.h"
@@ -130,6 +131,45 @@ int Launcher::Dispatch(const LauncherOptions& options, const std::string& progra
     }
 }
 
+nlohmann::json Launcher::LoadScenario(const std::string& nameOrFile) {
+    const bool isFile = nameOrFile.find('/') != std::string::npos || nameOrFile.ends_with(".json");
+    if (!isFile && nameOrFile.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-_") != std::string::npos)
+        throw std::invalid_argument("no scenario named \"" + nameOrFile + "\"");
+    const std::string path = isFile ? nameOrFile : std::string(KOVO_SIM_SCENARIOS) + "/" + nameOrFile + ".json";
+    std::ifstream file(path);
+    if (!file) {
+        throw std::invalid_argument(isFile ? "cannot read the scenario " + path
+                                           : "no scenario named \"" + nameOrFile + "\" (no " + path + ")");
+    }
+    nlohmann::json scenario;
+    try {
+        scenario = nlohmann::json::parse(file);
+    } catch (const nlohmann::json::exception& e) {
+        throw std::invalid_argument("the scenario " + path + " is not valid JSON: " + e.what());
+    }
+    if (!scenario.is_object()) throw std::invalid_argument("the scenario " + path + " is not a JSON object");
+    return scenario;
+}
+
+nlohmann::json Launcher::HostScenario(const HostLayout& layout, const LauncherOptions& options) {
+    const std::string recorded = layout.State("scenario.json");
+    const std::string recordedName = layout.State("scenario-name");
+    if (fs::exists(recorded)) {
+        std::ifstream name(recordedName);
+        std::string made;
+        std::getline(name, made);
+        if (options.scenarioGiven && options.scenario != made) {
+            throw std::invalid_argument("the host in " + layout.Dir() + " was made from the scenario \"" + made +
+                                        "\"; use another --dir for \"" + options.scenario + "\"");
+        }
+        return LoadScenario(recorded);
+    }
+    nlohmann::json scenario = LoadScenario(options.scenario);
+    WriteText(recorded, scenario.dump(2) + "\n");
+    WriteText(recordedName, options.scenario + "\n");
+    return scenario;
+}
+
 int Launcher::RunConsole(const LauncherOptions& options) {
     const HostLayout layout(options.dir);
     const std::string console = options.kovo.empty() ? DefaultConsole() : fs::absolute(options.kovo).string();
@@ -141,6 +181,7 @@ int Launcher::RunConsole(const LauncherOptions& options) {
         throw std::runtime_error("the simulated host in " + layout.Dir() + " is already running (pid " +
                                  std::to_string(ReadPid(layout.State("init.pid"))) + ")");
     }
+    HostScenario(layout, options);
     Supervisor::Config config;
     config.argv.push_back(console);
     config.argv.insert(config.argv.end(), options.args.begin(), options.args.end());
@@ -158,6 +199,7 @@ int Launcher::Exec(const HostLayout& layout, const std::vector<std::string>& com
         return Join(init, command);
     }
     // Nobody runs this host: boot it just for the command, keeping the lock meanwhile.
+    HostScenario(layout, LauncherOptions{});
     Supervisor::Config config;
     config.argv = command;
     config.commandMode = true;
@@ -185,7 +227,18 @@ int Launcher::Boot(const HostLayout& layout, Supervisor::Config config) {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         int status = 1;
         try {
+            const nlohmann::json scenario = LoadScenario(layout.State("scenario.json"));
+            const std::string beside = fs::path(SelfPath()).parent_path().string();
+            const HostBoot::Products products{beside + "/kovo-sim-host", beside + "/pam_kovo_sim.so"};
             config.machineProc = HostNamespace::Mount(layout);
+            const bool made = !fs::exists(ZenkCtl::Store::HostStore::kHostPath);
+            if (made) HostBoot::Provision(scenario);
+            config.boot = [scenario, products, first = made]() mutable {
+                auto daemons = HostBoot::Start(scenario, products, first);
+                first = false;
+                return daemons;
+            };
+            config.clearRun = [] { HostNamespace::RemountRun(); };
             SyslogReceiver syslog("/dev/log", "/var/log/syslog.log");
             Supervisor supervisor(std::move(config), syslog);
             status = supervisor.Run();

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "HostLayout.h"
 #include "LauncherOptions.h"
 #include "Supervisor.h"
@@ -24,6 +26,10 @@ private:
 
     // Boots a host in new namespaces with a Supervisor as its PID 1 and waits for it.
     static int Boot(const HostLayout& layout, Supervisor::Config config);
+    // The scenario of the host in DIR: the one it was made from, or the named one for a new host
+    // (recorded in DIR/state/scenario.json). Throws std::invalid_argument for an unusable scenario.
+    static nlohmann::json HostScenario(const HostLayout& layout, const LauncherOptions& options);
+    static nlohmann::json LoadScenario(const std::string& nameOrFile);
     // Runs a command inside the running host whose PID 1 is init.
     static int Join(int init, const std::vector<std::string>& command);
 

@@ -10,6 +10,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fstream>
 #include <system_error>
 
 #include "OuterPid.h"
@@ -19,7 +20,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kHandled[] = {SIGCHLD, SIGINT, SIGQUIT, SIGTERM, SIGHUP};
+constexpr int kHandled[] = {SIGCHLD, SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGUSR1};
 
 sigset_t HandledSet() {
     sigset_t set;
@@ -48,7 +49,8 @@ std::string Describe(int status) {
 Supervisor::Supervisor(Config config, SyslogReceiver& syslog)
     : _config(std::move(config)), _syslog(syslog), _policy(_config.once || _config.commandMode) {
     const sigset_t set = HandledSet();
-    if (::sigprocmask(SIG_BLOCK, &set, nullptr) != 0) throw std::system_error(errno, std::generic_category(), "sigprocmask");
+    if (::sigprocmask(SIG_BLOCK, &set, nullptr) != 0)
+        throw std::system_error(errno, std::generic_category(), "sigprocmask");
     _signals = ::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
     if (_signals < 0) throw std::system_error(errno, std::generic_category(), "signalfd");
 }
@@ -57,13 +59,20 @@ Supervisor::~Supervisor() {
     if (_signals >= 0) ::close(_signals);
 }
 
-void Supervisor::Log(int severity, const std::string& message) { _syslog.WriteLocal(LOG_DAEMON | severity, "init: " + message); }
+void Supervisor::Log(int severity, const std::string& message) {
+    _syslog.WriteLocal(LOG_DAEMON | severity, "init: " + message);
+}
 
 void Supervisor::Publish(pid_t inner) {
     WriteFileAtomically("/run/kovo-sim/console.pid", std::to_string(inner));
     if (_config.outerPidFile.empty()) return;
     const pid_t outer = _config.machineProc >= 0 ? OuterPid::OfChild(_config.machineProc, inner) : -1;
     if (outer > 0) WriteFileAtomically(_config.outerPidFile, std::to_string(outer));
+}
+
+void Supervisor::DrainAll() {
+    _syslog.Drain();
+    for (auto& daemon : _daemons) daemon->Drain();
 }
 
 void Supervisor::Start() {
@@ -95,17 +104,54 @@ void Supervisor::Start() {
     }
 }
 
-void Supervisor::Terminate() {
-    _policy.Stop();
+void Supervisor::Terminate(std::chrono::milliseconds grace) {
     if (_console > 0) {
         ::kill(_console, SIGTERM);
-        if (_killAt == Clock::time_point::max()) _killAt = Clock::now() + kKillGrace;
+        const auto deadline = Clock::now() + grace;
+        if (deadline < _killAt) _killAt = deadline;
     } else {
-        _restartAt = Clock::now();  // waiting out a pause: stop now
+        _restartAt = Clock::now();  // waiting out a pause: act now
     }
 }
 
+void Supervisor::PowerRequest() {
+    std::ifstream file(kPowerRequest);
+    std::string request;
+    file >> request;
+    ::unlink(kPowerRequest);
+    if (_config.commandMode) {
+        Log(LOG_INFO, "ignoring " + request + ": the host runs only a command");
+        return;
+    }
+    if (request == "reboot") {
+        Log(LOG_INFO, "rebooting");
+        _rebooting = true;
+        Terminate(kPowerGrace);
+    } else if (request == "poweroff") {
+        Log(LOG_INFO, "powering off");
+        _policy.Stop();
+        Terminate(kPowerGrace);
+    } else {
+        Log(LOG_WARNING, "unknown power request \"" + request + "\"");
+    }
+}
+
+void Supervisor::Reboot() {
+    // Every process of the host ends, as on a real reboot; PID 1 survives to boot it again.
+    ::kill(-1, SIGKILL);
+    int status;
+    while (::waitpid(-1, &status, 0) > 0 || errno == EINTR) {
+    }
+    DrainAll();
+    _daemons.clear();
+    if (_config.clearRun) _config.clearRun();
+    if (_config.boot) _daemons = _config.boot();
+    _rebooting = false;
+    Log(LOG_INFO, "host booted again");
+}
+
 int Supervisor::Run() {
+    if (_config.boot) _daemons = _config.boot();
     Start();
     for (;;) {
         const auto now = Clock::now();
@@ -114,10 +160,11 @@ int Supervisor::Run() {
         if (next != Clock::time_point::max())
             timeout = static_cast<int>(
                 std::max<long>(0, std::chrono::duration_cast<std::chrono::milliseconds>(next - now).count() + 1));
-        struct pollfd fds[2] = {{_signals, POLLIN, 0}, {_syslog.Fd(), POLLIN, 0}};
-        const int ready = ::poll(fds, 2, timeout);
-        if (ready < 0 && errno != EINTR) throw std::system_error(errno, std::generic_category(), "poll");
-        if (fds[1].revents & POLLIN) _syslog.Drain();
+        std::vector<struct pollfd> fds = {{_signals, POLLIN, 0}, {_syslog.Fd(), POLLIN, 0}};
+        for (auto& daemon : _daemons) fds.push_back({daemon->Fd(), POLLIN, 0});
+        if (::poll(fds.data(), fds.size(), timeout) < 0 && errno != EINTR)
+            throw std::system_error(errno, std::generic_category(), "poll");
+        DrainAll();
 
         bool childEnded = false;
         struct signalfd_siginfo info;
@@ -126,19 +173,24 @@ int Supervisor::Run() {
                 case SIGCHLD:
                     childEnded = true;
                     break;
+                case SIGUSR1:
+                    PowerRequest();
+                    break;
                 case SIGINT:
                 case SIGQUIT:
                     // The terminal's Ctrl-C reaches the whole foreground group: the operator ends the demo.
                     // A command run by exec owns the terminal and gets it itself.
                     if (!_config.commandMode) {
                         Log(LOG_INFO, "interrupted at the terminal; stopping the host");
-                        Terminate();
+                        _policy.Stop();
+                        Terminate(kKillGrace);
                     }
                     break;
                 default:  // SIGTERM, SIGHUP
                     Log(LOG_INFO, std::string("received ") + strsignal(static_cast<int>(info.ssi_signo)) +
                                       "; stopping the host");
-                    Terminate();
+                    _policy.Stop();
+                    Terminate(kKillGrace);
                     break;
             }
         }
@@ -146,14 +198,20 @@ int Supervisor::Run() {
             int status = 0;
             pid_t pid;
             while ((pid = ::waitpid(-1, &status, WNOHANG)) > 0) {
-                if (pid != _console) continue;  // an orphan adopted by PID 1
+                if (pid != _console) continue;  // a daemon, or an orphan adopted by PID 1
                 _console = -1;
                 _killAt = Clock::time_point::max();
-                const auto lifetime = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - _startedAt);
-                // Whatever the console logged before it ended is already queued on the socket.
-                _syslog.Drain();
-                const auto decision = _policy.ConsoleEnded(status, lifetime);
+                const auto lifetime =
+                    std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - _startedAt);
+                // Whatever the console logged before it ended is already queued on the sockets.
+                DrainAll();
                 if (!_config.commandMode) Log(LOG_INFO, _config.argv[0] + " " + Describe(status));
+                if (_rebooting && !_policy.Stopping()) {
+                    Reboot();
+                    _restartAt = Clock::now();
+                    continue;
+                }
+                const auto decision = _policy.ConsoleEnded(status, lifetime);
                 if (decision.action == RestartPolicy::Action::Stop) {
                     if (!_config.commandMode) Log(LOG_INFO, "host stopped");
                     return decision.exitCode;
@@ -171,6 +229,7 @@ int Supervisor::Run() {
         if (_console < 0 && after >= _restartAt) {
             _restartAt = Clock::time_point::max();
             if (_policy.Stopping()) return 0;
+            if (_rebooting) Reboot();
             Start();
         }
     }

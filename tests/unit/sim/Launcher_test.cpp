@@ -38,8 +38,9 @@ protected:
     std::string Upper(const std::string& hostPath) const { return Host() + "/upper" + hostPath; }
     std::string Syslog() const { return Upper("/var/log/syslog.log"); }
 
-    RunResult Once(const std::vector<std::string>& consoleArgs, const RunOptions& options = {}) {
-        std::vector<std::string> argv = {kSim, "--dir", Host(), "--once", "--kovo", kFake, "--"};
+    RunResult Once(const std::vector<std::string>& consoleArgs, const RunOptions& options = {},
+                   const std::string& scenario = "default") {
+        std::vector<std::string> argv = {kSim, "--dir", Host(), "--scenario", scenario, "--once", "--kovo", kFake, "--"};
         argv.insert(argv.end(), consoleArgs.begin(), consoleArgs.end());
         return RunProgram(argv, options);
     }
@@ -79,7 +80,7 @@ TEST_F(LauncherTest, OnceRunsTheConsoleOnTheHostWithArgumentsEnvironmentAndStatu
     EXPECT_EQ(facts["fs:/dev"], "tmpfs");
     EXPECT_EQ(facts["console"], "1:3") << "the host's /dev/console must be the null device";
     EXPECT_EQ(facts["devlog"], "socket");
-    EXPECT_EQ(facts["hostname"], "localhost");
+    EXPECT_EQ(facts["hostname"], "kovo-host-01") << "named as the default scenario says";
     // The stand-in ran as a child of the host's PID 1, not as PID 1.
     EXPECT_NE(facts["pid"], "1");
 }
@@ -108,11 +109,11 @@ TEST_F(LauncherTest, WritesOfTheHostLandInItsDirectoryOnly) {
 }
 
 TEST_F(LauncherTest, SyslogOfTheHostHasTimeHostFacilitySeverityTagAndMessage) {
-    // The host names itself from its own /etc/hostname.
-    std::filesystem::create_directories(Upper("/etc"));
-    std::ofstream(Upper("/etc/hostname")) << "lab-host-07\n";
+    // The host takes its name from its configuration; a scenario may be a file, and sparse.
+    std::ofstream(_tmp / "named.json") << R"({"network": {"dns": {"hostname": "lab-host-07"}}})";
     const std::string report = _tmp / "report";
-    ASSERT_EQ(Once({"syslog", "3", "Invalid VT specified for KOVO: abc", "syslog", "6", "Starting KOVO", "report", report})
+    ASSERT_EQ(Once({"syslog", "3", "Invalid VT specified for KOVO: abc", "syslog", "6", "Starting KOVO", "report", report},
+                   {}, _tmp / "named.json")
                   .status,
               0);
     const std::string pid = ReadReport(report)["pid"];

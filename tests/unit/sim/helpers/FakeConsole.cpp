@@ -4,16 +4,20 @@
 //   append PATH TEXT          append TEXT and a newline to PATH
 //   pidfile                   write the own pid to /var/run/kovo.pid
 //   report FILE               write facts about the environment it runs in, one "key=value" a line
+//   send SOCKET TEXT          send TEXT as one datagram to a Unix datagram socket
 //   wait                      exit 0 on SIGINT or SIGTERM, as the real console does; wait for them
 //   exit N                    exit with status N
 #include <signal.h>
 #include <sys/stat.h>
+#include <sys/socket.h>
 #include <sys/statfs.h>
+#include <sys/un.h>
 #include <sys/sysmacros.h>
 #include <syslog.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -79,6 +83,19 @@ int main(int argc, char** argv) {
         } else if (action == "append") {
             const std::string path = next();
             std::ofstream(path, std::ios::app) << next() << "\n";
+        } else if (action == "send") {
+            const std::string path = next();
+            const std::string text = next();
+            struct sockaddr_un address {};
+            address.sun_family = AF_UNIX;
+            std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+            const int fd = ::socket(AF_UNIX, SOCK_DGRAM, 0);
+            if (fd < 0 || ::sendto(fd, text.data(), text.size(), 0, reinterpret_cast<sockaddr*>(&address),
+                                   sizeof address) != static_cast<ssize_t>(text.size())) {
+                std::perror("send");
+                return 101;
+            }
+            ::close(fd);
         } else if (action == "pidfile") {
             std::ofstream("/var/run/kovo.pid", std::ios::trunc) << ::getpid();
         } else if (action == "report") {

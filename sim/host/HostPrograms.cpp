@@ -1,0 +1,112 @@
+#include "HostPrograms.h"
+
+#include <functional>
+#include <iostream>
+#include <map>
+
+#include "AdvancedOptionTool.h"
+#include "AgentTool.h"
+#include "CommandLog.h"
+#include "HclCmd.h"
+#include "InitScript.h"
+#include "MaintenanceTool.h"
+#include "PowerCommand.h"
+#include "ZenkPing.h"
+#include "platform/hostctl/HostCtlException.h"
+
+namespace KovoSim::Host {
+namespace {
+
+using Program = std::function<int(HostContext&)>;
+
+const std::map<std::string, Program>& Programs() {
+    static const std::map<std::string, Program> programs = {
+        {"hcl-cmd", HclCmd::Run},
+        {"powerOffVms", MaintenanceTool::RunPowerOffVms},
+        {"backup.sh", MaintenanceTool::RunBackup},
+        {"firmwareConfig.py", MaintenanceTool::RunFirmwareConfig},
+        {"zenkping", ZenkPing::Run},
+        {"QorShell", [](HostContext& c) { return InitScript::Run(c, "QorShell"); }},
+        {"SSH", [](HostContext& c) { return InitScript::Run(c, "SSH"); }},
+        {"qorcfg-advcfg", AdvancedOptionTool::RunAdvCfg},
+        {"qorcli", [](HostContext& c) { return AdvancedOptionTool::RunCli(c, false); }},
+        {"qorlocalcli", [](HostContext& c) { return AdvancedOptionTool::RunCli(c, true); }},
+        {"services.sh", AgentTool::RunServices},
+        {"zenkbacktrace", AgentTool::RunBacktrace},
+        {"poweroff", [](HostContext& c) { return PowerCommand::Run(c, "poweroff"); }},
+        {"halt", [](HostContext& c) { return PowerCommand::Run(c, "halt"); }},
+        {"shutdown", [](HostContext& c) { return PowerCommand::Run(c, "shutdown"); }},
+        {"reboot", [](HostContext& c) { return PowerCommand::Run(c, "reboot"); }},
+    };
+    return programs;
+}
+
+std::string BaseName(const std::string& path) {
+    const auto slash = path.rfind('/');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+}  // namespace
+
+const std::vector<HostPrograms::Install>& HostPrograms::Installs() {
+    static const std::vector<Install> installs = {
+        {"/usr/bin/hcl-cmd", "hcl-cmd", false},
+        {"/usr/bin/powerOffVms", "powerOffVms", false},
+        {"/usr/sbin/powerOffVms", "powerOffVms", false},
+        {"/usr/bin/zenkping", "zenkping", false},
+        {"/usr/sbin/backup.sh", "backup.sh", true},
+        {"/etc/init.d/QorShell", "QorShell", true},
+        {"/etc/init.d/SSH", "SSH", true},
+        {"/usr/sbin/qorcfg-advcfg", "qorcfg-advcfg", false},
+        {"/usr/sbin/qorcli", "qorcli", false},
+        {"/usr/sbin/qorlocalcli", "qorlocalcli", false},
+        {"/usr/sbin/services.sh", "services.sh", true},
+        {"/usr/sbin/zenkbacktrace", "zenkbacktrace", false},
+        {"/usr/sbin/firmwareConfig.py", "firmwareConfig.py", false},
+        {"/usr/sbin/poweroff", "poweroff", false},
+        {"/usr/sbin/halt", "halt", false},
+        {"/usr/sbin/shutdown", "shutdown", false},
+        {"/usr/sbin/reboot", "reboot", false},
+    };
+    return installs;
+}
+
+bool HostPrograms::Known(const std::string& name) { return Programs().count(name) != 0; }
+
+int HostPrograms::Run(const std::string& name, HostContext& context) {
+    const auto program = Programs().find(name);
+    if (program == Programs().end()) {
+        context.err << "kovo-sim-host: no program " << name << "\n";
+        return 127;
+    }
+    CommandLog::Record(name, context.argv, context.commandLog);
+    try {
+        return program->second(context);
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        context.err << name << ": " << e.what() << "\n";
+        return 1;
+    } catch (const std::exception& e) {
+        context.err << name << ": " << e.what() << "\n";
+        return 1;
+    }
+}
+
+int HostPrograms::Main(int argc, char** argv) {
+    std::vector<std::string> args(argv, argv + argc);
+    std::string name = args.empty() ? std::string() : BaseName(args[0]);
+    if (name == "kovo-sim-host") {
+        if (args.size() < 2) {
+            std::cerr << "Usage: kovo-sim-host PROGRAM [ARGUMENTS...]\n";
+            return 2;
+        }
+        name = args[1];
+        args.erase(args.begin(), args.begin() + 2);
+        if (args.empty()) args.push_back(name);
+    }
+    HostContext context{args, std::cout, std::cerr, ZenkCtl::Store::HostStore::System()};
+    const int status = Run(name, context);
+    std::cout.flush();
+    return status;
+}
+
+}  // namespace KovoSim::Host

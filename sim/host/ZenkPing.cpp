@@ -1,0 +1,94 @@
+#include "ZenkPing.h"
+
+#include <arpa/inet.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <cstring>
+
+namespace KovoSim::Host {
+namespace {
+
+// Binding to an address succeeds only when it is assigned in this network namespace.
+bool IsLocal(const sockaddr* address, socklen_t length) {
+    const int fd = ::socket(address->sa_family, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (fd < 0) return false;
+    const bool local = ::bind(fd, address, length) == 0;
+    ::close(fd);
+    return local;
+}
+
+}  // namespace
+
+bool ZenkPing::Answers(const std::string& target) {
+    const std::string address = target.substr(0, target.find('%'));
+    sockaddr_in v4{};
+    v4.sin_family = AF_INET;
+    if (::inet_pton(AF_INET, address.c_str(), &v4.sin_addr) == 1)
+        return IsLocal(reinterpret_cast<sockaddr*>(&v4), sizeof v4);
+    sockaddr_in6 v6{};
+    v6.sin6_family = AF_INET6;
+    if (::inet_pton(AF_INET6, address.c_str(), &v6.sin6_addr) == 1)
+        return IsLocal(reinterpret_cast<sockaddr*>(&v6), sizeof v6);
+    return false;
+}
+
+int ZenkPing::Run(HostContext& context) {
+    const auto& argv = context.argv;
+    int count = 3;
+    std::string target;
+    for (size_t i = 1; i < argv.size(); ++i) {
+        const std::string& arg = argv[i];
+        if (arg == "-c" && i + 1 < argv.size()) {
+            const std::string& text = argv[++i];
+            const auto result = std::from_chars(text.data(), text.data() + text.size(), count);
+            if (result.ec != std::errc() || result.ptr != text.data() + text.size() || count < 1 || count > 1000) {
+                context.err << "zenkping: bad count " << text << "\n";
+                return 2;
+            }
+        } else if ((arg == "-I" || arg == "-W" || arg == "-i" || arg == "-s") && i + 1 < argv.size()) {
+            ++i;
+        } else if (!arg.empty() && arg[0] == '-') {
+            context.err << "zenkping: unknown option " << arg << "\n";
+            return 2;
+        } else {
+            target = arg;
+        }
+    }
+    if (target.empty()) {
+        context.err << "Usage: zenkping -c COUNT [-I INTERFACE] ADDRESS\n";
+        return 2;
+    }
+    // A name is resolved the way every program of the host resolves names.
+    std::string address = target;
+    addrinfo hints{};
+    hints.ai_flags = AI_NUMERICHOST;
+    addrinfo* found = nullptr;
+    const std::string bare = target.substr(0, target.find('%'));
+    if (::getaddrinfo(bare.c_str(), nullptr, &hints, &found) != 0) {
+        hints.ai_flags = 0;
+        hints.ai_socktype = SOCK_DGRAM;
+        if (::getaddrinfo(target.c_str(), nullptr, &hints, &found) != 0) {
+            context.err << "zenkping: unknown host " << target << "\n";
+            return 2;
+        }
+        char text[INET6_ADDRSTRLEN] = {};
+        ::getnameinfo(found->ai_addr, found->ai_addrlen, text, sizeof text, nullptr, 0, NI_NUMERICHOST);
+        address = text;
+    }
+    if (found) ::freeaddrinfo(found);
+
+    const bool answers = Answers(address);
+    context.out << "PING " << target << " (" << address << "): 56 data bytes\n";
+    for (int i = 0; answers && i < count; ++i)
+        context.out << "64 bytes from " << address << ": icmp_seq=" << i << " ttl=64 time=0.041 ms\n";
+    context.out << "\n--- " << target << " ping statistics ---\n"
+                << count << " packets transmitted, " << (answers ? count : 0) << " packets received, "
+                << (answers ? "0" : "100") << "% packet loss\n";
+    return answers ? 0 : 1;
+}
+
+}  // namespace KovoSim::Host
