@@ -9,7 +9,9 @@
 
 namespace ZenkCtl::Events {
 
-DatagramChannel::~DatagramChannel() { Close(); }
+DatagramChannel::~DatagramChannel() {
+    Close();
+}
 
 int DatagramChannel::Connect(const std::string& socketPath) {
     Close();

@@ -6,7 +6,7 @@ namespace ZenkCtl::Events {
 
 // A connected Unix datagram socket to one of the host's daemons; one record per datagram.
 class DatagramChannel {
-public:
+  public:
     DatagramChannel() = default;
     ~DatagramChannel();
     DatagramChannel(const DatagramChannel&) = delete;
@@ -21,7 +21,7 @@ public:
     // The longest record a daemon accepts; longer records are cut to this length.
     static constexpr size_t kMaxRecord = 4096;
 
-private:
+  private:
     int _fd = -1;
 };
 

@@ -19,11 +19,15 @@ int ObsUserLib_InitAt(const char* socketPath) {
     return Channel().Connect(socketPath);
 }
 
-int ObsUserLib_Init() { return ObsUserLib_InitAt(ZenkCtl::Events::kEventSocket); }
+int ObsUserLib_Init() {
+    return ObsUserLib_InitAt(ZenkCtl::Events::kEventSocket);
+}
 
 int ObsUserLib_AddEvent(const char* eventText) {
     if (eventText == nullptr) return EINVAL;
     return Channel().Send(eventText);
 }
 
-void ObsUserLib_Close() { Channel().Close(); }
+void ObsUserLib_Close() {
+    Channel().Close();
+}

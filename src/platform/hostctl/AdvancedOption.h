@@ -8,7 +8,7 @@ namespace HostCtl::Adv {
 // One advanced option of the host. Integer options can be read and written; every write reaches the host
 // before SetIntValue returns.
 class Option {
-public:
+  public:
     virtual ~Option() = default;
     virtual std::string GetPath() const = 0;
     virtual bool IsInteger() const = 0;

@@ -11,7 +11,7 @@ namespace HostCtl {
 
 // The host as a whole: the entry to its hardware, storage and system information.
 class Host {
-public:
+  public:
     explicit Host(std::shared_ptr<ZenkCtl::Store::HostStore> store) : _store(std::move(store)) {}
 
     std::unique_ptr<ZenkCtl::Hardware::HardwareInfoImpl> GetHardwareInfo() const {
@@ -24,7 +24,7 @@ public:
         return std::make_unique<ZenkCtl::System::SystemInfoImpl>(_store);
     }
 
-private:
+  private:
     std::shared_ptr<ZenkCtl::Store::HostStore> _store;
 };
 

@@ -7,7 +7,7 @@
 namespace HostCtl {
 
 class HostFactory {
-public:
+  public:
     // This host, over its store.
     static std::unique_ptr<Host> GetHost(
         std::shared_ptr<ZenkCtl::Store::HostStore> store = ZenkCtl::Store::HostStore::System()) {

@@ -7,7 +7,7 @@ namespace HostCtl::Network {
 
 // An IPv4 or IPv6 address, used where either may stand (name servers, ping targets).
 class IpAddress {
-public:
+  public:
     virtual ~IpAddress() = default;
     virtual bool IsIpv6() const = 0;
     virtual bool IsUnspecified() const = 0;  // 0.0.0.0 or ::

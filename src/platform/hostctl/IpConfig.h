@@ -12,7 +12,7 @@ namespace HostCtl::Network {
 // all) with its static values, whether DNS comes from DHCP, and the IPv6 networks, gateway and
 // dynamic modes.
 class IpConfig {
-public:
+  public:
     bool GetUseDhcp() const { return _useDhcp; }
     // useNone only counts without DHCP: IPv4 is then switched off on the interface.
     void SetUseDhcp(bool useDhcp, bool useNone = false) {
@@ -50,7 +50,7 @@ public:
 
     bool operator==(const IpConfig& other) const = default;
 
-private:
+  private:
     bool _useDhcp = false;
     bool _ipv4UseNone = false;
     bool _dnsFromDhcp = false;

@@ -43,7 +43,9 @@ int Ipv4Address::GetPrefixLength() const {
     return length;
 }
 
-bool Ipv4Address::IsValidNetmask() const { return GetPrefixLength() > 0; }
+bool Ipv4Address::IsValidNetmask() const {
+    return GetPrefixLength() > 0;
+}
 
 Ipv4Address Ipv4Address::FromPrefixLength(int prefixLength) {
     if (prefixLength <= 0) return Ipv4Address();

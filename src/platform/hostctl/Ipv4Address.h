@@ -10,7 +10,7 @@ namespace HostCtl::Network {
 // An IPv4 address or netmask. Text is accepted only in the strict dotted-quad form inet_pton takes
 // ("a.b.c.d", each part 0-255, no leading zeros, no shorthand forms).
 class Ipv4Address : public IpAddress {
-public:
+  public:
     Ipv4Address() = default;  // 0.0.0.0
     // Throws HostCtl::Lib::HostCtlException for text that is not a valid address.
     explicit Ipv4Address(const std::string& text);
@@ -33,7 +33,7 @@ public:
     bool operator==(const Ipv4Address& other) const { return _value == other._value; }
     bool operator!=(const Ipv4Address& other) const { return _value != other._value; }
 
-private:
+  private:
     uint32_t _value = 0;  // host byte order
 };
 

@@ -20,7 +20,8 @@ bool ValidZone(const std::string& zone) {
 }
 
 bool ParseText(const std::string& text, std::array<uint8_t, 16>& bytes, std::string& zone) {
-    if (text.empty() || text.size() > INET6_ADDRSTRLEN + IF_NAMESIZE || text.find('\0') != std::string::npos) {
+    if (text.empty() || text.size() > INET6_ADDRSTRLEN + IF_NAMESIZE ||
+        text.find('\0') != std::string::npos) {
         return false;
     }
     const auto percent = text.find('%');
@@ -54,7 +55,9 @@ bool Ipv6Address::IsValidAddress(const std::string& text) {
     return ParseText(text, bytes, zone);
 }
 
-bool Ipv6Address::IsLinkLocalUnicast() const { return _bytes[0] == 0xfe && (_bytes[1] & 0xc0) == 0x80; }
+bool Ipv6Address::IsLinkLocalUnicast() const {
+    return _bytes[0] == 0xfe && (_bytes[1] & 0xc0) == 0x80;
+}
 
 bool Ipv6Address::IsUnspecified() const {
     for (uint8_t b : _bytes) {

@@ -11,7 +11,7 @@ namespace HostCtl::Network {
 // An IPv6 address with an optional zone ("fe80::1%zk0"). The address part follows inet_pton; a zone is
 // an interface name: 1 to 15 letters, digits, '.', '-' or '_'.
 class Ipv6Address : public IpAddress {
-public:
+  public:
     Ipv6Address() = default;  // ::
     // Throws HostCtl::Lib::HostCtlException for text that is not a valid address.
     explicit Ipv6Address(const std::string& text);
@@ -35,7 +35,7 @@ public:
     bool operator==(const Ipv6Address& other) const { return _bytes == other._bytes && _zone == other._zone; }
     bool operator!=(const Ipv6Address& other) const { return !(*this == other); }
 
-private:
+  private:
     std::array<uint8_t, 16> _bytes{};
     std::string _zone;
 };

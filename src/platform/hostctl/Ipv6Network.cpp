@@ -51,10 +51,14 @@ Ipv6Scope Ipv6Network::ScopeOf(const Ipv6Address& address) {
     if (b[0] == 0xfe && (b[1] & 0xc0) == 0xc0) return IPV6_SCOPE_SITE;
     if (b[0] == 0xff) {
         switch (b[1] & 0x0f) {
-            case 0x2: return IPV6_SCOPE_LINK;
-            case 0x5: return IPV6_SCOPE_SITE;
-            case 0xe: return IPV6_SCOPE_GLOBAL;
-            default: return IPV6_SCOPE_UNKNOWN;
+            case 0x2:
+                return IPV6_SCOPE_LINK;
+            case 0x5:
+                return IPV6_SCOPE_SITE;
+            case 0xe:
+                return IPV6_SCOPE_GLOBAL;
+            default:
+                return IPV6_SCOPE_UNKNOWN;
         }
     }
     if (address.IsUnspecified()) return IPV6_SCOPE_UNKNOWN;

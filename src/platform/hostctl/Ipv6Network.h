@@ -9,7 +9,7 @@ namespace HostCtl::Network {
 // How an IPv6 address came to the interface.
 enum Ipv6AddressType : int {
     IPV6_ADDRESS_STATIC = 0,
-    IPV6_ADDRESS_OTHER = 1,  // made by the kernel, e.g. the link-local address
+    IPV6_ADDRESS_OTHER = 1,     // made by the kernel, e.g. the link-local address
     IPV6_ADDRESS_AUTOCONF = 7,  // router advertisement (SLAAC)
     IPV6_ADDRESS_DHCP = 9,
 };
@@ -24,7 +24,7 @@ enum Ipv6Scope : int {
 
 // An IPv6 address with its prefix length, address type and scope.
 class Ipv6Network {
-public:
+  public:
     Ipv6Network() = default;
     // Text "address/prefix"; throws HostCtl::Lib::HostCtlException when IsValidAddressAndNetmask fails.
     explicit Ipv6Network(const std::string& text);
@@ -55,7 +55,7 @@ public:
         return _address == other._address && _prefixLength == other._prefixLength;
     }
 
-private:
+  private:
     Ipv6Address _address;
     int _prefixLength = 64;
     int _type = IPV6_ADDRESS_STATIC;

@@ -14,7 +14,8 @@ void NicTeamingPolicy::SetMaxActiveUplinks(uint32_t maximum) {
     _flags |= FLAG_EXPLICIT_MAX_ACTIVE;
 }
 
-NicTeamingPolicy NicTeamingPolicy::WithUplinkAdded(const NicTeamingPolicy& current, const std::string& uplink) {
+NicTeamingPolicy NicTeamingPolicy::WithUplinkAdded(const NicTeamingPolicy& current,
+                                                   const std::string& uplink) {
     NicTeamingPolicy next = current;
     if (!current.HasExplicitUplinkOrder()) next._uplinkOrder.clear();
     if (current.HasExplicitMaxActiveUplinks()) next.SetMaxActiveUplinks(current._maxActiveUplinks + 1);
@@ -26,7 +27,8 @@ NicTeamingPolicy NicTeamingPolicy::WithUplinkAdded(const NicTeamingPolicy& curre
     return next;
 }
 
-NicTeamingPolicy NicTeamingPolicy::WithUplinkRemoved(const NicTeamingPolicy& current, const std::string& uplink) {
+NicTeamingPolicy NicTeamingPolicy::WithUplinkRemoved(const NicTeamingPolicy& current,
+                                                     const std::string& uplink) {
     NicTeamingPolicy next = current;
     if (!current.HasExplicitUplinkOrder()) return next;
     auto order = current._uplinkOrder;

@@ -9,9 +9,10 @@ namespace HostCtl::Network {
 // The NIC teaming policy of a standard switch or port group. The flag word records which settings the
 // policy states explicitly; a setting whose flag is clear is inherited and its value is meaningless.
 class NicTeamingPolicy {
-public:
-    static constexpr uint32_t FLAG_EXPLICIT_ORDER = 1u << 4;       // the uplink order is explicit
-    static constexpr uint32_t FLAG_EXPLICIT_MAX_ACTIVE = 1u << 6;  // the maximum of active uplinks is explicit
+  public:
+    static constexpr uint32_t FLAG_EXPLICIT_ORDER = 1u << 4;  // the uplink order is explicit
+    static constexpr uint32_t FLAG_EXPLICIT_MAX_ACTIVE = 1u
+                                                         << 6;  // the maximum of active uplinks is explicit
 
     uint32_t GetFlags() const { return _flags; }
     void SetFlags(uint32_t flags) { _flags = flags; }
@@ -38,7 +39,7 @@ public:
 
     bool operator==(const NicTeamingPolicy& other) const = default;
 
-private:
+  private:
     uint32_t _flags = 0;
     std::vector<std::string> _uplinkOrder;
     uint32_t _maxActiveUplinks = 0;

@@ -6,7 +6,7 @@ namespace HostCtl::Network {
 
 // A physical network adapter of the host.
 class Pnic {
-public:
+  public:
     virtual ~Pnic() = default;
     virtual std::string GetName() const = 0;
     virtual std::string GetLabel() const = 0;  // hardware label, e.g. the adapter's model

@@ -10,7 +10,7 @@ namespace HostCtl::Network {
 // A kernel network interface of the host (the management interface is one). Every operation throws
 // HostCtl::Lib::HostCtlException on failure; changes are on the host when the call returns.
 class ZenkNic {
-public:
+  public:
     virtual ~ZenkNic() = default;
 
     virtual std::string GetName() const = 0;

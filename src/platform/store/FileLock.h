@@ -7,7 +7,7 @@ namespace ZenkCtl::Store {
 // An flock() on a lock file, held for the lifetime of the object. Shared for readers, exclusive for
 // writers. The lock file is created when missing.
 class FileLock {
-public:
+  public:
     enum class Mode { Shared, Exclusive };
 
     FileLock(const std::string& path, Mode mode);
@@ -15,7 +15,7 @@ public:
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
 
-private:
+  private:
     int _fd = -1;
 };
 

@@ -18,7 +18,9 @@ using nlohmann::json;
 namespace ZenkCtl::Store {
 namespace {
 
-std::string Errno() { return std::strerror(errno); }
+std::string Errno() {
+    return std::strerror(errno);
+}
 
 std::string DirName(const std::string& path) {
     const auto slash = path.rfind('/');
@@ -34,7 +36,7 @@ std::string BaseName(const std::string& path) {
 
 // Owns a descriptor so every early throw closes it.
 class Fd {
-public:
+  public:
     explicit Fd(int fd) : _fd(fd) {}
     ~Fd() {
         if (_fd >= 0) ::close(_fd);
@@ -48,7 +50,7 @@ public:
         return fd;
     }
 
-private:
+  private:
     int _fd;
 };
 
@@ -154,8 +156,9 @@ json HostStore::Read() const {
 std::string HostStore::Generation() const {
     struct stat st {};
     if (::stat(_path.c_str(), &st) != 0) return {};
-    return std::to_string(st.st_dev) + ":" + std::to_string(st.st_ino) + ":" + std::to_string(st.st_mtim.tv_sec) +
-           "." + std::to_string(st.st_mtim.tv_nsec) + ":" + std::to_string(st.st_size);
+    return std::to_string(st.st_dev) + ":" + std::to_string(st.st_ino) + ":" +
+           std::to_string(st.st_mtim.tv_sec) + "." + std::to_string(st.st_mtim.tv_nsec) + ":" +
+           std::to_string(st.st_size);
 }
 
 json HostStore::Get(const std::string& pointer) const {
@@ -178,12 +181,14 @@ void HostStore::Update(const std::function<void(json&)>& mutate) {
         // A document of an unexpected shape is a host fault, not a program fault.
         throw HostCtlException(std::string("The host configuration cannot be changed: ") + e.what());
     }
-    if (!after.is_object()) throw HostCtlException("Refusing to store a host configuration that is not an object");
+    if (!after.is_object())
+        throw HostCtlException("Refusing to store a host configuration that is not an object");
     if (after != before) WriteLocked(after);
 }
 
 void HostStore::Replace(const json& document) {
-    if (!document.is_object()) throw HostCtlException("Refusing to store a host configuration that is not an object");
+    if (!document.is_object())
+        throw HostCtlException("Refusing to store a host configuration that is not an object");
     FileLock lock(LockPath(), FileLock::Mode::Exclusive);
     WriteLocked(document);
 }

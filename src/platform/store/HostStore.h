@@ -17,7 +17,7 @@ namespace ZenkCtl::Store {
 //
 // Every failure (missing, unreadable, malformed or unwritable store) is a HostCtl::Lib::HostCtlException.
 class HostStore {
-public:
+  public:
     static constexpr const char* kHostPath = "/etc/halvor/host.json";
 
     // The path is fixed on a host; another one is only for tests and tools that act on a host's disk
@@ -50,7 +50,7 @@ public:
     // Parses a document as the store does: the text must be one JSON object.
     static nlohmann::json Parse(const std::string& text, const std::string& origin);
 
-private:
+  private:
     nlohmann::json LoadLocked() const;
     void WriteLocked(const nlohmann::json& document);
     void RemoveStaleTempFiles() const;

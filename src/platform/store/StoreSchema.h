@@ -6,11 +6,11 @@ namespace ZenkCtl::Store::Schema {
 
 // System identity and state.
 inline constexpr const char* kSystem = "/system";
-inline constexpr const char* kVersion = "/system/version";  // productName, productVersion, ...
+inline constexpr const char* kVersion = "/system/version";          // productName, productVersion, ...
 inline constexpr const char* kBootOptions = "/system/bootOptions";  // auditMode, pxeBoot
 inline constexpr const char* kPreferences = "/system/preferences";
 inline constexpr const char* kKeyboard = "/system/keyboard";  // layout, layouts, mappingsLoaded
-inline constexpr const char* kAlerts = "/system/alerts";     // [{message, time}]
+inline constexpr const char* kAlerts = "/system/alerts";      // [{message, time}]
 
 // Hardware.
 inline constexpr const char* kHardware = "/hardware";

@@ -46,11 +46,14 @@ std::string AdvancedOptionValue::PointerOf(const std::string& path) {
     return pointer;
 }
 
-bool AdvancedOptionValue::IsInteger() const { return IsIntegerNode(LoadNode(*_store, _path)); }
+bool AdvancedOptionValue::IsInteger() const {
+    return IsIntegerNode(LoadNode(*_store, _path));
+}
 
 int64_t AdvancedOptionValue::GetIntValue() const {
     const json node = LoadNode(*_store, _path);
-    if (!IsIntegerNode(node)) throw HostCtlException("Advanced option " + _path + " is not an integer option");
+    if (!IsIntegerNode(node))
+        throw HostCtlException("Advanced option " + _path + " is not an integer option");
     return node["value"].get<int64_t>();
 }
 
@@ -68,7 +71,8 @@ void AdvancedOptionValue::SetIntValue(int64_t value) {
             throw HostCtlException("Advanced option " + _path + " does not exist");
         }
         json& node = document[ptr];
-        if (!IsIntegerNode(node)) throw HostCtlException("Advanced option " + _path + " is not an integer option");
+        if (!IsIntegerNode(node))
+            throw HostCtlException("Advanced option " + _path + " is not an integer option");
         const int64_t min = node.value("min", INT64_MIN);
         const int64_t max = node.value("max", INT64_MAX);
         if (value < min || value > max) {

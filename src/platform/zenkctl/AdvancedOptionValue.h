@@ -12,7 +12,7 @@ namespace ZenkCtl::Adv {
 // "/UserVars/KovoTimeOut" lives at the JSON pointer "/advancedOptions/UserVars/KovoTimeOut" as
 // {"type": "integer", "value": 600, "default": 600, "min": 0, "max": 86400}.
 class AdvancedOptionValue : public HostCtl::Adv::Option {
-public:
+  public:
     AdvancedOptionValue(std::string path, std::shared_ptr<Store::HostStore> store);
 
     std::string GetPath() const override { return _path; }
@@ -24,7 +24,7 @@ public:
     // The JSON pointer of an option path ("/UserVars/X" -> "/advancedOptions/UserVars/X").
     static std::string PointerOf(const std::string& path);
 
-private:
+  private:
     std::string _path;
     std::shared_ptr<Store::HostStore> _store;
 };

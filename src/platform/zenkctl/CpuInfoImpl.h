@@ -10,14 +10,14 @@ namespace ZenkCtl::Hardware {
 
 // The processors ("/hardware/cpu").
 class CpuInfoImpl {
-public:
+  public:
     explicit CpuInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
     uint32_t GetNumCpuPackages();
     uint32_t GetNumCpuCores();
     uint32_t GetNumCpuThreads();
     std::string GetModelName();
 
-private:
+  private:
     std::shared_ptr<Store::HostStore> _store;
 };
 

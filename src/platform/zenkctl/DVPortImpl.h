@@ -10,7 +10,7 @@ namespace ZenkCtl::Network {
 
 // One port of a distributed switch ("/network/dvs/<i>/ports/<j>", by switch name and port key).
 class DVPortImpl {
-public:
+  public:
     DVPortImpl(std::string dvsName, std::string portKey,
                std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
 
@@ -22,7 +22,7 @@ public:
     // The uplinks of the port's switch.
     std::vector<std::string> GetUplinks();
 
-private:
+  private:
     std::string _dvsName, _portKey;
     std::shared_ptr<Store::HostStore> _store;
 };

@@ -48,7 +48,8 @@ bool DnsConfigImpl::IsValidDomain(const std::string& domain) {
     size_t start = 0;
     for (;;) {
         const size_t dot = domain.find('.', start);
-        if (!IsValidHostname(domain.substr(start, dot == std::string::npos ? std::string::npos : dot - start))) {
+        if (!IsValidHostname(
+                domain.substr(start, dot == std::string::npos ? std::string::npos : dot - start))) {
             return false;
         }
         if (dot == std::string::npos) return true;
@@ -56,9 +57,13 @@ bool DnsConfigImpl::IsValidDomain(const std::string& domain) {
     }
 }
 
-std::string DnsConfigImpl::GetHostname() { return Json::Text(_store->Get(Store::Schema::kDns), "hostname"); }
+std::string DnsConfigImpl::GetHostname() {
+    return Json::Text(_store->Get(Store::Schema::kDns), "hostname");
+}
 
-std::string DnsConfigImpl::GetDomain() { return Json::Text(_store->Get(Store::Schema::kDns), "domain"); }
+std::string DnsConfigImpl::GetDomain() {
+    return Json::Text(_store->Get(Store::Schema::kDns), "domain");
+}
 
 void DnsConfigImpl::SetHostname(const std::string& name, bool) {
     if (!IsValidHostname(name)) throw HostCtlException("Invalid host name: " + name);

@@ -13,7 +13,7 @@ namespace ZenkCtl::Network {
 // domains. Every setter writes the store at once; SaveConfig marks the configuration saved, which the
 // host takes as the signal to rewrite its resolver files.
 class DnsConfigImpl {
-public:
+  public:
     explicit DnsConfigImpl(const std::string& netstack = "defaultNetStack",
                            std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
 
@@ -43,7 +43,7 @@ public:
     static bool IsValidHostname(const std::string& name);
     static bool IsValidDomain(const std::string& domain);  // dot-separated labels, may be empty
 
-private:
+  private:
     std::shared_ptr<Store::HostStore> _store;
 };
 

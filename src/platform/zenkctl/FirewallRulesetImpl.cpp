@@ -19,8 +19,12 @@ bool FirewallRulesetImpl::IsEnabled() {
     return Json::Flag(*r, "enabled");
 }
 
-void FirewallRulesetImpl::Enable() { Set(true); }
-void FirewallRulesetImpl::Disable() { Set(false); }
+void FirewallRulesetImpl::Enable() {
+    Set(true);
+}
+void FirewallRulesetImpl::Disable() {
+    Set(false);
+}
 
 void FirewallRulesetImpl::Set(bool enabled) {
     _store->Update([&](json& d) {

@@ -9,14 +9,28 @@ namespace ZenkCtl::Hardware {
 
 HardwareInfoImpl::HardwareInfoImpl(std::shared_ptr<Store::HostStore> store) : _store(std::move(store)) {}
 
-std::string HardwareInfoImpl::Field(const char* key) { return Json::Text(_store->Get(Store::Schema::kHardware), key); }
+std::string HardwareInfoImpl::Field(const char* key) {
+    return Json::Text(_store->Get(Store::Schema::kHardware), key);
+}
 
-std::string HardwareInfoImpl::GetVendorName() { return Field("vendor"); }
-std::string HardwareInfoImpl::GetProductName() { return Field("product"); }
-std::string HardwareInfoImpl::GetSerialNumber() { return Field("serialNumber"); }
-std::string HardwareInfoImpl::GetServiceTag() { return Field("serviceTag"); }
-std::string HardwareInfoImpl::GetAssetTag() { return Field("assetTag"); }
-std::string HardwareInfoImpl::GetBmcVersion() { return Field("bmcVersion"); }
+std::string HardwareInfoImpl::GetVendorName() {
+    return Field("vendor");
+}
+std::string HardwareInfoImpl::GetProductName() {
+    return Field("product");
+}
+std::string HardwareInfoImpl::GetSerialNumber() {
+    return Field("serialNumber");
+}
+std::string HardwareInfoImpl::GetServiceTag() {
+    return Field("serviceTag");
+}
+std::string HardwareInfoImpl::GetAssetTag() {
+    return Field("assetTag");
+}
+std::string HardwareInfoImpl::GetBmcVersion() {
+    return Field("bmcVersion");
+}
 
 BiosInfo HardwareInfoImpl::GetBiosInfo() {
     const nlohmann::json bios = _store->Get("/hardware/bios");

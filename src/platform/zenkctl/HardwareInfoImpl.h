@@ -18,7 +18,7 @@ struct BiosInfo {
 
 // The machine's identity and firmware ("/hardware"). Missing fields read as empty text.
 class HardwareInfoImpl {
-public:
+  public:
     explicit HardwareInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
 
     std::string GetVendorName();
@@ -30,7 +30,7 @@ public:
     BiosInfo GetBiosInfo();
     std::vector<std::string> GetIdentificationStrings();
 
-private:
+  private:
     std::string Field(const char* key);
     std::shared_ptr<Store::HostStore> _store;
 };

@@ -4,11 +4,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <strings.h>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
 #include <sstream>
-#include <strings.h>
 #include <vector>
 
 #include "platform/hostctl/HostCtlException.h"

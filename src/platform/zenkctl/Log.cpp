@@ -10,7 +10,9 @@ void VLog(int priority, const char* fmt, va_list ap) {
     if (fmt != nullptr) vsyslog(priority | LOG_USER, fmt, ap);
 }
 
-const char* OrEmpty(const char* text) { return text != nullptr ? text : ""; }
+const char* OrEmpty(const char* text) {
+    return text != nullptr ? text : "";
+}
 
 }  // namespace
 

@@ -18,7 +18,11 @@ uint64_t Count(const nlohmann::json& memory, const char* key, uint64_t fallback)
 
 MemoryInfoImpl::MemoryInfoImpl(std::shared_ptr<Store::HostStore> store) : _store(std::move(store)) {}
 
-uint64_t MemoryInfoImpl::GetTotalPages() { return Count(_store->Get(Store::Schema::kMemory), "totalPages", 0); }
-uint64_t MemoryInfoImpl::GetPageSize() { return Count(_store->Get(Store::Schema::kMemory), "pageSize", 4096); }
+uint64_t MemoryInfoImpl::GetTotalPages() {
+    return Count(_store->Get(Store::Schema::kMemory), "totalPages", 0);
+}
+uint64_t MemoryInfoImpl::GetPageSize() {
+    return Count(_store->Get(Store::Schema::kMemory), "pageSize", 4096);
+}
 
 }  // namespace ZenkCtl::Hardware

@@ -9,12 +9,12 @@ namespace ZenkCtl::Hardware {
 
 // Physical memory ("/hardware/memory": totalPages, pageSize).
 class MemoryInfoImpl {
-public:
+  public:
     explicit MemoryInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
     uint64_t GetTotalPages();
     uint64_t GetPageSize();
 
-private:
+  private:
     std::shared_ptr<Store::HostStore> _store;
 };
 

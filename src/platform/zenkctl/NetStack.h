@@ -10,7 +10,8 @@ namespace ZenkCtl::Network {
 inline constexpr const char* kDefaultNetStack = "defaultNetStack";
 
 inline void RequireDefaultNetStack(const std::string& netstack) {
-    if (netstack != kDefaultNetStack) throw HostCtl::Lib::HostCtlException("Unknown network stack " + netstack);
+    if (netstack != kDefaultNetStack)
+        throw HostCtl::Lib::HostCtlException("Unknown network stack " + netstack);
 }
 
 }  // namespace ZenkCtl::Network

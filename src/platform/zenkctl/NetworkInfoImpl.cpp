@@ -20,7 +20,8 @@ std::vector<std::unique_ptr<HostCtl::Network::Pnic>> NetworkInfoImpl::GetPnics()
     std::vector<std::unique_ptr<HostCtl::Network::Pnic>> pnics;
     const json document = _store->Read();
     const json& list = Json::At(document, Schema::kPnics);
-    if (!list.is_null() && !list.is_array()) throw HostCtlException("Host configuration /network/pnics is not a list");
+    if (!list.is_null() && !list.is_array())
+        throw HostCtlException("Host configuration /network/pnics is not a list");
     for (const auto& node : list) pnics.push_back(std::make_unique<PnicImpl>(node));
     return pnics;
 }
@@ -69,14 +70,17 @@ bool NetworkInfoImpl::GetPendingZenkIpv6Enabled() {
 }
 
 void NetworkInfoImpl::SetZenkIpv6Enabled(bool enabled) {
-    _store->Update([&](json& document) { Json::ObjectAt(document, Schema::kPendingBoot)["ipv6Enabled"] = enabled; });
+    _store->Update(
+        [&](json& document) { Json::ObjectAt(document, Schema::kPendingBoot)["ipv6Enabled"] = enabled; });
 }
 
 void NetworkInfoImpl::DisableNetDumper() {
     _store->Update([](json& document) { Json::ObjectAt(document, Schema::kNetDumper)["enabled"] = false; });
 }
 
-bool NetworkInfoImpl::IsNetDumperEnabled() { return Json::Flag(_store->Get(Schema::kNetDumper), "enabled"); }
+bool NetworkInfoImpl::IsNetDumperEnabled() {
+    return Json::Flag(_store->Get(Schema::kNetDumper), "enabled");
+}
 
 void NetworkInfoImpl::ClearNetworkConfig() {
     _store->Update([](json& document) {
@@ -84,7 +88,8 @@ void NetworkInfoImpl::ClearNetworkConfig() {
         document[json::json_pointer(Schema::kZenkNics)] = json::array();
         json& dvs = Json::ArrayAt(document, Schema::kDvs);
         for (auto& d : dvs) d["uplinks"] = json::array();
-        document[json::json_pointer(Schema::kRouting)] = {{"ipv4DefaultGateway", ""}, {"ipv6DefaultGateway", ""}};
+        document[json::json_pointer(Schema::kRouting)] = {{"ipv4DefaultGateway", ""},
+                                                          {"ipv6DefaultGateway", ""}};
         json& dns = Json::ObjectAt(document, Schema::kDns);
         dns["nameServers"] = json::array();
         dns["ipv6NameServers"] = json::array();

@@ -13,7 +13,7 @@ namespace ZenkCtl::Network {
 // The host's network service: physical NICs, the management interface, the IPv6 switch and the
 // whole-network operations of the factory restore.
 class NetworkInfoImpl {
-public:
+  public:
     explicit NetworkInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
 
     std::vector<std::unique_ptr<HostCtl::Network::Pnic>> GetPnics();
@@ -40,7 +40,7 @@ public:
     // first), the port group "Management Network" and the management interface "zk0" on DHCP.
     void AutoConfigNetwork();
 
-private:
+  private:
     std::shared_ptr<Store::HostStore> _store;
     bool _looked = false;
     std::string _management;

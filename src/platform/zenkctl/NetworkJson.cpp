@@ -68,7 +68,8 @@ std::vector<std::string> TextList(const json& node, const char* key) {
 json* FindNamed(json& array, const std::string& name, const char* key) {
     if (!array.is_array()) return nullptr;
     for (auto& item : array) {
-        if (item.is_object() && item.contains(key) && item[key].is_string() && item[key] == name) return &item;
+        if (item.is_object() && item.contains(key) && item[key].is_string() && item[key] == name)
+            return &item;
     }
     return nullptr;
 }
@@ -80,14 +81,16 @@ const json* FindNamed(const json& array, const std::string& name, const char* ke
 json& ArrayAt(json& document, const char* pointer) {
     json& node = document[json::json_pointer(pointer)];
     if (node.is_null()) node = json::array();
-    if (!node.is_array()) throw HostCtlException(std::string("Host configuration ") + pointer + " is not a list");
+    if (!node.is_array())
+        throw HostCtlException(std::string("Host configuration ") + pointer + " is not a list");
     return node;
 }
 
 json& ObjectAt(json& document, const char* pointer) {
     json& node = document[json::json_pointer(pointer)];
     if (node.is_null()) node = json::object();
-    if (!node.is_object()) throw HostCtlException(std::string("Host configuration ") + pointer + " is not an object");
+    if (!node.is_object())
+        throw HostCtlException(std::string("Host configuration ") + pointer + " is not an object");
     return node;
 }
 

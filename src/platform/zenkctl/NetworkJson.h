@@ -25,7 +25,8 @@ std::vector<std::string> TextList(const nlohmann::json& node, const char* key);
 
 // The element of an array of objects whose "name" is name, or nullptr.
 nlohmann::json* FindNamed(nlohmann::json& array, const std::string& name, const char* key = "name");
-const nlohmann::json* FindNamed(const nlohmann::json& array, const std::string& name, const char* key = "name");
+const nlohmann::json* FindNamed(const nlohmann::json& array, const std::string& name,
+                                const char* key = "name");
 
 // The array or object at pointer inside document, created empty when absent.
 nlohmann::json& ArrayAt(nlohmann::json& document, const char* pointer);

@@ -13,7 +13,9 @@ PnicImpl::PnicImpl(const std::string& name, std::shared_ptr<Store::HostStore> st
     Load(*node);
 }
 
-PnicImpl::PnicImpl(const nlohmann::json& node) { Load(node); }
+PnicImpl::PnicImpl(const nlohmann::json& node) {
+    Load(node);
+}
 
 void PnicImpl::Load(const nlohmann::json& node) {
     _name = Json::Text(node, "name");

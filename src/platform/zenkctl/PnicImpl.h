@@ -13,8 +13,9 @@ namespace ZenkCtl::Network {
 // A physical NIC of the host ("/network/pnics", found by name). Built from a name, it reads the store
 // once; HostCtlException when the host has no such NIC.
 class PnicImpl : public HostCtl::Network::Pnic {
-public:
-    explicit PnicImpl(const std::string& name, std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
+  public:
+    explicit PnicImpl(const std::string& name,
+                      std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
     // From a node already read (used while listing).
     explicit PnicImpl(const nlohmann::json& node);
 
@@ -25,7 +26,7 @@ public:
     int GetSpeedMbps() const override { return _speed; }
     std::string GetDriver() const override { return _driver; }
 
-private:
+  private:
     void Load(const nlohmann::json& node);
 
     std::string _name, _label, _mac, _driver;

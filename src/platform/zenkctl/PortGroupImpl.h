@@ -9,12 +9,12 @@ namespace ZenkCtl::Network {
 
 // Existence checks on port groups of standard switches.
 class PortGroupImpl {
-public:
+  public:
     explicit PortGroupImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
     // True when any standard switch of the host has a port group of that name.
     bool IsValidPortGroup(const std::string& name);
 
-private:
+  private:
     std::shared_ptr<Store::HostStore> _store;
 };
 

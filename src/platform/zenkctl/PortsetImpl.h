@@ -9,12 +9,12 @@ namespace ZenkCtl::Network {
 
 // Existence checks on standard switches.
 class PortsetImpl {
-public:
+  public:
     explicit PortsetImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
     // True when the host has a standard switch of that name.
     bool IsValidVirtualSwitch(const std::string& name);
 
-private:
+  private:
     std::shared_ptr<Store::HostStore> _store;
 };
 

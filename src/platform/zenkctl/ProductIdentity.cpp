@@ -31,16 +31,17 @@ ProductIdentity ProductIdentity::FromJson(const nlohmann::json& node) {
             throw HostCtl::Lib::HostCtlException("Version record field buildNumber is not a build number");
         }
         const auto value = build.get<uint64_t>();
-        if (value > UINT32_MAX) throw HostCtl::Lib::HostCtlException("Version record build number is too large");
+        if (value > UINT32_MAX)
+            throw HostCtl::Lib::HostCtlException("Version record build number is too large");
         id.buildNumber = static_cast<uint32_t>(value);
     }
     return id;
 }
 
 nlohmann::json ProductIdentity::ToJson() const {
-    return {{"productName", productName},       {"productVersion", productVersion},
-            {"productLine", productLine},       {"kernelRelease", kernelRelease},
-            {"buildNumber", buildNumber},       {"compilationOption", compilationOption},
+    return {{"productName", productName}, {"productVersion", productVersion},
+            {"productLine", productLine}, {"kernelRelease", kernelRelease},
+            {"buildNumber", buildNumber}, {"compilationOption", compilationOption},
             {"releaseDate", releaseDate}};
 }
 

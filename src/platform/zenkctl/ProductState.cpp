@@ -29,7 +29,15 @@ const ProductTexts& Texts() {
 
 }  // namespace
 
-const char* ProductState_GetName() { return Texts().name.c_str(); }
-const char* ProductState_GetVersion() { return Texts().version.c_str(); }
-const char* ProductState_GetBuildNumberString() { return Texts().build.c_str(); }
-const char* ProductState_GetCompilationOption() { return Texts().option.c_str(); }
+const char* ProductState_GetName() {
+    return Texts().name.c_str();
+}
+const char* ProductState_GetVersion() {
+    return Texts().version.c_str();
+}
+const char* ProductState_GetBuildNumberString() {
+    return Texts().build.c_str();
+}
+const char* ProductState_GetCompilationOption() {
+    return Texts().option.c_str();
+}

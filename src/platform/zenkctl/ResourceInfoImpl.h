@@ -8,12 +8,12 @@ namespace ZenkCtl::Resource {
 
 // The host's virtual machines ("/vms": [{name, powerState}]).
 class ResourceInfoImpl {
-public:
+  public:
     explicit ResourceInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
     // True when any machine's powerState is "poweredOn".
     bool HasRunningVirtualMachines();
 
-private:
+  private:
     std::shared_ptr<Store::HostStore> _store;
 };
 

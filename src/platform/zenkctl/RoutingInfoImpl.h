@@ -11,7 +11,7 @@ namespace ZenkCtl::Network {
 
 // Default gateways of a network stack ("/network/routing").
 class RoutingInfoImpl {
-public:
+  public:
     explicit RoutingInfoImpl(const std::string& netstack = "defaultNetStack",
                              std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
 
@@ -22,7 +22,7 @@ public:
     HostCtl::Network::Ipv6Address GetIpv6ZenKernelDefaultGateway();
     void SetIpv6ZenKernelDefaultGateway(const HostCtl::Network::Ipv6Address& gateway);
 
-private:
+  private:
     std::shared_ptr<Store::HostStore> _store;
 };
 

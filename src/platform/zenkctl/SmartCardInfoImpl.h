@@ -12,13 +12,13 @@ namespace ZenkCtl::Hardware {
 // Smart-card readers ("/hardware/smartCards/slots": [{id, description, token: null or
 // {label, serialNumber, userIds}}]).
 class SmartCardInfoImpl {
-public:
+  public:
     explicit SmartCardInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
     std::vector<HostCtl::Hardware::SmartCardSlot> GetAllSlots();
     // True when the slot holds a card, which fills token; HostCtlException for an unknown slot.
     bool GetToken(const HostCtl::Hardware::SmartCardSlot& slot, HostCtl::Hardware::SmartCardToken& token);
 
-private:
+  private:
     std::shared_ptr<Store::HostStore> _store;
 };
 

@@ -12,7 +12,8 @@ namespace {
 nlohmann::json Adapter(const Store::HostStore& store, const std::string& name) {
     const nlohmann::json list = store.Get(Store::Schema::kStorageAdapters);
     const nlohmann::json* adapter = Json::FindNamed(list, name);
-    if (adapter == nullptr) throw HostCtl::Lib::HostCtlException("Storage adapter " + name + " does not exist");
+    if (adapter == nullptr)
+        throw HostCtl::Lib::HostCtlException("Storage adapter " + name + " does not exist");
     return *adapter;
 }
 

@@ -9,13 +9,13 @@ namespace ZenkCtl::Hardware {
 
 // Storage adapters ("/hardware/storage/adapters": [{name, driver, version}]).
 class StorageInfoImpl {
-public:
+  public:
     explicit StorageInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
     // HostCtlException for an adapter the host does not have.
     std::string GetAdapterVersion(const std::string& adapter);
     std::string GetAdapterDriver(const std::string& adapter);
 
-private:
+  private:
     std::shared_ptr<Store::HostStore> _store;
 };
 

@@ -29,7 +29,8 @@ void SysinfoUtil::SysinfoGet(int node, void* buffer, size_t size, const void*) {
 void SysinfoUtil::SysinfoGet(const Store::HostStore& store, int node, void* buffer, size_t size) {
     if (buffer == nullptr) throw HostCtlException("No buffer for system information");
     if (node == SYSNODE_system_version) {
-        if (size < sizeof(SysinfoVersionRecord)) throw HostCtlException("Buffer too small for the version record");
+        if (size < sizeof(SysinfoVersionRecord))
+            throw HostCtlException("Buffer too small for the version record");
         const ProductIdentity id = ProductIdentity::FromJson(store.Get(Store::Schema::kVersion));
         SysinfoVersionRecord record{};
         Put(record.productName, id.productName);
@@ -45,7 +46,8 @@ void SysinfoUtil::SysinfoGet(const Store::HostStore& store, int node, void* buff
         return;
     }
     if (node == SYSNODE_boot_options) {
-        if (size < sizeof(SysinfoBootOptions)) throw HostCtlException("Buffer too small for the boot options");
+        if (size < sizeof(SysinfoBootOptions))
+            throw HostCtlException("Buffer too small for the boot options");
         const nlohmann::json options = store.Get(Store::Schema::kBootOptions);
         SysinfoBootOptions record{};
         record.auditMode = Json::Flag(options, "auditMode") ? 1 : 0;

@@ -38,7 +38,7 @@ struct SysinfoBootOptions {
 static_assert(sizeof(SysinfoBootOptions) == 8, "the boot options record is 8 bytes");
 
 class SysinfoUtil {
-public:
+  public:
     // Fills buffer with the node's record. size must hold the record; parameters select nothing for
     // these nodes and may be null. HostCtlException for an unknown node, a short buffer or a store
     // that cannot be read.

@@ -15,7 +15,9 @@ namespace ZenkCtl::System {
 
 SystemInfoImpl::SystemInfoImpl(std::shared_ptr<Store::HostStore> store) : _store(std::move(store)) {}
 
-std::string SystemInfoImpl::GetKeyboardLayout() { return Json::Text(_store->Get(Store::Schema::kKeyboard), "layout"); }
+std::string SystemInfoImpl::GetKeyboardLayout() {
+    return Json::Text(_store->Get(Store::Schema::kKeyboard), "layout");
+}
 
 std::vector<std::string> SystemInfoImpl::GetKeyboardLayouts() {
     return Json::TextList(_store->Get(Store::Schema::kKeyboard), "layouts");
@@ -40,7 +42,9 @@ void SystemInfoImpl::SetKeyboardLayout(const std::string& layout) {
 
 void SystemInfoImpl::SetSystemAlert(const std::string& message) {
     const auto now = static_cast<int64_t>(std::time(nullptr));
-    _store->Update([&](json& d) { Json::ArrayAt(d, Store::Schema::kAlerts).push_back({{"message", message}, {"time", now}}); });
+    _store->Update([&](json& d) {
+        Json::ArrayAt(d, Store::Schema::kAlerts).push_back({{"message", message}, {"time", now}});
+    });
 }
 
 std::vector<std::string> SystemInfoImpl::GetSystemAlerts() {

@@ -12,7 +12,7 @@ namespace ZenkCtl::System {
 // System settings: keyboard layouts ("/system/keyboard"), host alerts ("/system/alerts") and firewall
 // rulesets.
 class SystemInfoImpl {
-public:
+  public:
     explicit SystemInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
 
     std::string GetKeyboardLayout();
@@ -27,7 +27,7 @@ public:
     // HostCtlException when the host has no such ruleset.
     std::unique_ptr<FirewallRulesetImpl> GetFirewallRulesetById(const std::string& id);
 
-private:
+  private:
     void RequireLayout(const std::string& layout);
     std::shared_ptr<Store::HostStore> _store;
 };

@@ -7,10 +7,10 @@ namespace ZenkCtl::Adv {
 // The user-defined options under "/UserVars". A bare name ("PXEBootEnabled") means "/UserVars/<name>";
 // a full "/UserVars/..." path is accepted as it stands.
 class UserAdvancedOptionImpl : public AdvancedOptionImpl {
-public:
+  public:
     using AdvancedOptionImpl::AdvancedOptionImpl;
 
-protected:
+  protected:
     std::string Normalize(const std::string& path) const override;
 };
 

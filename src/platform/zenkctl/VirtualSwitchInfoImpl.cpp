@@ -45,7 +45,8 @@ std::string Owner(const json& document, const std::string& pnic) {
         const json& list = Json::At(document, where);
         if (!list.is_array()) continue;
         for (const auto& s : list) {
-            if (s.is_object() && s.contains("uplinks") && Holds(s["uplinks"], pnic)) return Json::Text(s, "name");
+            if (s.is_object() && s.contains("uplinks") && Holds(s["uplinks"], pnic))
+                return Json::Text(s, "name");
         }
     }
     return {};
@@ -53,15 +54,18 @@ std::string Owner(const json& document, const std::string& pnic) {
 
 }  // namespace
 
-VirtualSwitchInfoImpl::VirtualSwitchInfoImpl(std::shared_ptr<Store::HostStore> store) : _store(std::move(store)) {}
+VirtualSwitchInfoImpl::VirtualSwitchInfoImpl(std::shared_ptr<Store::HostStore> store)
+    : _store(std::move(store)) {}
 
 std::vector<VirtualSwitch> VirtualSwitchInfoImpl::GetVirtualSwitches() {
     std::vector<VirtualSwitch> result;
     const json list = _store->Get(Schema::kSwitches);
     if (!list.is_array()) return result;
     for (const auto& s : list) {
-        VirtualSwitch v{Json::Text(s, "name"), static_cast<int>(Json::Integer(s, "numPorts")),
-                        Json::TextList(s, "uplinks"), {}};
+        VirtualSwitch v{Json::Text(s, "name"),
+                        static_cast<int>(Json::Integer(s, "numPorts")),
+                        Json::TextList(s, "uplinks"),
+                        {}};
         if (s.contains("portGroups") && s["portGroups"].is_array()) {
             for (const auto& pg : s["portGroups"]) v.portGroups.push_back(Json::Text(pg, "name"));
         }
@@ -91,7 +95,8 @@ void VirtualSwitchInfoImpl::AddVirtualSwitch(const std::string& name, int numPor
     }
     _store->Update([&](json& d) {
         json& switches = Json::ArrayAt(d, Schema::kSwitches);
-        if (Json::FindNamed(switches, name) != nullptr) throw HostCtlException("Virtual switch " + name + " exists already");
+        if (Json::FindNamed(switches, name) != nullptr)
+            throw HostCtlException("Virtual switch " + name + " exists already");
         switches.push_back({{"name", name},
                             {"numPorts", numPorts},
                             {"mtu", 1500},
@@ -151,7 +156,9 @@ void VirtualSwitchInfoImpl::RemoveDvsUplink(const std::string& dvsName, const st
     });
 }
 
-std::string VirtualSwitchInfoImpl::FindUplinkOwner(const std::string& pnic) { return Owner(_store->Read(), pnic); }
+std::string VirtualSwitchInfoImpl::FindUplinkOwner(const std::string& pnic) {
+    return Owner(_store->Read(), pnic);
+}
 
 HostCtl::Network::NicTeamingPolicy VirtualSwitchInfoImpl::GetTeamingPolicy(const std::string& switchName) {
     json document = _store->Read();
@@ -163,11 +170,14 @@ void VirtualSwitchInfoImpl::SetTeamingPolicy(const std::string& switchName,
     _store->Update([&](json& d) { Switch(d, switchName)["teaming"] = Json::FromTeaming(policy); });
 }
 
-void VirtualSwitchInfoImpl::AddPortGroup(const std::string& switchName, const std::string& portGroup, int vlanId) {
-    if (portGroup.empty() || portGroup.size() > 59) throw HostCtlException("Invalid port group name: " + portGroup);
+void VirtualSwitchInfoImpl::AddPortGroup(const std::string& switchName, const std::string& portGroup,
+                                         int vlanId) {
+    if (portGroup.empty() || portGroup.size() > 59)
+        throw HostCtlException("Invalid port group name: " + portGroup);
     if (vlanId < 0 || vlanId > 4095) throw HostCtlException("Invalid VLAN id " + std::to_string(vlanId));
     _store->Update([&](json& d) {
-        if (PortGroup(d, portGroup) != nullptr) throw HostCtlException("Port group " + portGroup + " exists already");
+        if (PortGroup(d, portGroup) != nullptr)
+            throw HostCtlException("Port group " + portGroup + " exists already");
         List(Switch(d, switchName), "portGroups").push_back({{"name", portGroup}, {"vlanId", vlanId}});
     });
 }

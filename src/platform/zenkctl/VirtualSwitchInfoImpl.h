@@ -25,7 +25,7 @@ struct DvSwitch {
 // Standard switches ("/network/switches") with their uplinks, teaming policies and port groups, and the
 // distributed switches ("/network/dvs") the host is a member of.
 class VirtualSwitchInfoImpl {
-public:
+  public:
     explicit VirtualSwitchInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
 
     std::vector<VirtualSwitch> GetVirtualSwitches();
@@ -52,7 +52,7 @@ public:
     // 0 (none) to 4095 (all VLANs).
     void SetPortGroupVlan(const std::string& portGroup, int vlanId);
 
-private:
+  private:
     std::shared_ptr<Store::HostStore> _store;
 };
 

@@ -10,11 +10,11 @@ namespace ZenkCtl::Network {
 
 // All kernel network interfaces of the host, in store order.
 class ZenKernelNicInfoImpl {
-public:
+  public:
     explicit ZenKernelNicInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
     std::vector<std::unique_ptr<HostCtl::Network::ZenkNic>> GetZenKernelNics();
 
-private:
+  private:
     std::shared_ptr<Store::HostStore> _store;
 };
 

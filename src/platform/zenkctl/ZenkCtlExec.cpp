@@ -7,8 +7,8 @@
 
 #include <cerrno>
 #include <cstring>
-#include <thread>
 #include <string>
+#include <thread>
 
 #include "platform/zenkctl/Log.h"
 

@@ -14,7 +14,9 @@ namespace ZenkCtl::Network {
 ZenkNicImpl::ZenkNicImpl(std::string name, std::shared_ptr<Store::HostStore> store)
     : _name(std::move(name)), _store(std::move(store)) {}
 
-bool ZenkNicImpl::IsStale() const { return _stale || _generation != _store->Generation(); }
+bool ZenkNicImpl::IsStale() const {
+    return _stale || _generation != _store->Generation();
+}
 
 void ZenkNicImpl::Refresh() {
     const std::string generation = _store->Generation();
@@ -46,19 +48,26 @@ void ZenkNicImpl::Change(const std::function<void(json&, json&)>& change, bool r
     _stale = true;
 }
 
-IpConfig ZenkNicImpl::GetIpConfig() { return Json::ToIpConfig(Node().value("running", json::object())); }
+IpConfig ZenkNicImpl::GetIpConfig() {
+    return Json::ToIpConfig(Node().value("running", json::object()));
+}
 
-IpConfig ZenkNicImpl::GetConfiguredIpConfig() { return Json::ToIpConfig(Node().value("ipConfig", json::object())); }
+IpConfig ZenkNicImpl::GetConfiguredIpConfig() {
+    return Json::ToIpConfig(Node().value("ipConfig", json::object()));
+}
 
 void ZenkNicImpl::SetIpConfig(const IpConfig& config) {
     if (!config.GetUseDhcp() && !config.GetIpv4UseNone() && !config.GetIpv4Address().IsUnspecified() &&
         !config.GetIpv4Netmask().IsValidNetmask()) {
-        throw HostCtlException("Invalid netmask " + config.GetIpv4Netmask().GetStringAddress() + " for " + _name);
+        throw HostCtlException("Invalid netmask " + config.GetIpv4Netmask().GetStringAddress() + " for " +
+                               _name);
     }
     Change([&](json& nic, json&) { nic["ipConfig"] = Json::FromIpConfig(config); }, true);
 }
 
-std::string ZenkNicImpl::GetMacAddress() { return Json::Text(Node(), "mac"); }
+std::string ZenkNicImpl::GetMacAddress() {
+    return Json::Text(Node(), "mac");
+}
 
 void ZenkNicImpl::SetMacAddress(const std::string& mac) {
     if (!ZenkNicRuntime::IsValidMac(mac)) throw HostCtlException("Invalid MAC address: " + mac);
@@ -70,7 +79,9 @@ void ZenkNicImpl::SetMacAddressFromPnic(Pnic* pnic) {
     SetMacAddress(pnic->GetMacAddress());
 }
 
-bool ZenkNicImpl::GetDhcpBound() { return Json::Flag(Node(), "dhcpBound"); }
+bool ZenkNicImpl::GetDhcpBound() {
+    return Json::Flag(Node(), "dhcpBound");
+}
 
 void ZenkNicImpl::SetDhcpBound(bool bound) {
     Change([&](json& nic, json&) { nic["dhcpBound"] = bound; }, false);
@@ -82,7 +93,8 @@ void ZenkNicImpl::RenewIpv4Lease() {
             if (!Json::ToIpConfig(nic.value("ipConfig", json::object())).GetUseDhcp()) {
                 throw HostCtlException("Cannot renew the DHCP lease of " + _name + ": DHCP is not in use");
             }
-            nic["leaseRenewals"]["ipv4"] = Json::Integer(nic.value("leaseRenewals", json::object()), "ipv4") + 1;
+            nic["leaseRenewals"]["ipv4"] =
+                Json::Integer(nic.value("leaseRenewals", json::object()), "ipv4") + 1;
         },
         true);
 }
@@ -91,9 +103,11 @@ void ZenkNicImpl::RenewIpv6Lease() {
     Change(
         [&](json& nic, json&) {
             if (!Json::ToIpConfig(nic.value("ipConfig", json::object())).GetUseIpv6Dhcp()) {
-                throw HostCtlException("Cannot renew the DHCPv6 lease of " + _name + ": DHCPv6 is not in use");
+                throw HostCtlException("Cannot renew the DHCPv6 lease of " + _name +
+                                       ": DHCPv6 is not in use");
             }
-            nic["leaseRenewals"]["ipv6"] = Json::Integer(nic.value("leaseRenewals", json::object()), "ipv6") + 1;
+            nic["leaseRenewals"]["ipv6"] =
+                Json::Integer(nic.value("leaseRenewals", json::object()), "ipv6") + 1;
         },
         true);
 }
@@ -110,7 +124,9 @@ void ZenkNicImpl::Enable() {
     Change([](json& nic, json&) { nic["enabled"] = true; }, true);
 }
 
-bool ZenkNicImpl::IsEnabled() { return Json::Flag(Node(), "enabled", true); }
+bool ZenkNicImpl::IsEnabled() {
+    return Json::Flag(Node(), "enabled", true);
+}
 
 ConnectionPoint ZenkNicImpl::GetConnectionPoint() {
     ConnectionPoint point;
@@ -136,7 +152,8 @@ void ZenkNicImpl::ConnectToPortGroup(const std::string& portGroup) {
         [&](json& nic, json& document) {
             bool found = false;
             for (const auto& vswitch : Json::ArrayAt(document, Store::Schema::kSwitches)) {
-                if (vswitch.contains("portGroups") && Json::FindNamed(vswitch["portGroups"], portGroup)) found = true;
+                if (vswitch.contains("portGroups") && Json::FindNamed(vswitch["portGroups"], portGroup))
+                    found = true;
             }
             if (!found) throw HostCtlException("Port group " + portGroup + " does not exist");
             nic["connection"] = {{"type", "portGroup"}, {"portGroup", portGroup}};

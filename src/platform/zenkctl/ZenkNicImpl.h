@@ -16,7 +16,7 @@ namespace ZenkCtl::Network {
 // The object keeps a view of its node. The view is stale after the object's own changes and whenever the
 // store was written since it was taken; every accessor refreshes a stale view first.
 class ZenkNicImpl : public HostCtl::Network::ZenkNic {
-public:
+  public:
     explicit ZenkNicImpl(std::string name,
                          std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
 
@@ -50,7 +50,7 @@ public:
     void ConnectToPortGroup(const std::string& portGroup) override;
     void ConnectToDvPort(const std::string& dvsName, const std::string& portKey) override;
 
-private:
+  private:
     const nlohmann::json& Node();
     // Changes the node inside one store update, then reworks the running state when asked.
     void Change(const std::function<void(nlohmann::json& nic, nlohmann::json& document)>& change, bool rerun);

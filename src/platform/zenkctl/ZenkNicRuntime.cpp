@@ -16,7 +16,8 @@ bool ParseMac(const std::string& mac, unsigned char out[6]) {
     if (mac.size() != 17) return false;
     for (int i = 0; i < 6; ++i) {
         const char* p = mac.c_str() + i * 3;
-        if (!std::isxdigit(static_cast<unsigned char>(p[0])) || !std::isxdigit(static_cast<unsigned char>(p[1])))
+        if (!std::isxdigit(static_cast<unsigned char>(p[0])) ||
+            !std::isxdigit(static_cast<unsigned char>(p[1])))
             return false;
         if (i < 5 && p[2] != ':') return false;
         unsigned value = 0;
@@ -47,8 +48,9 @@ bool ZenkNicRuntime::IsValidMac(const std::string& mac) {
 std::string ZenkNicRuntime::LinkLocalFor(const std::string& mac) {
     unsigned char m[6];
     if (!ParseMac(mac, m)) return {};
-    std::array<uint8_t, 16> bytes{0xfe, 0x80, 0, 0, 0, 0, 0, 0, static_cast<uint8_t>(m[0] ^ 0x02), m[1], m[2],
-                                  0xff, 0xfe, m[3], m[4], m[5]};
+    std::array<uint8_t, 16> bytes{
+        0xfe, 0x80, 0,    0,    0,    0,    0,   0, static_cast<uint8_t>(m[0] ^ 0x02),
+        m[1], m[2], 0xff, 0xfe, m[3], m[4], m[5]};
     return Ipv6Address(bytes).GetStringAddress();
 }
 
@@ -56,13 +58,15 @@ void ZenkNicRuntime::Apply(json& document, const std::string& nicName) {
     try {
         ApplyChecked(document, nicName);
     } catch (const json::exception& e) {
-        throw HostCtl::Lib::HostCtlException("The host configuration of " + nicName + " is malformed: " + e.what());
+        throw HostCtl::Lib::HostCtlException("The host configuration of " + nicName +
+                                             " is malformed: " + e.what());
     }
 }
 
 void ZenkNicRuntime::ApplyChecked(json& document, const std::string& nicName) {
     json* nic = Json::FindNamed(Json::ArrayAt(document, Store::Schema::kZenkNics), nicName);
-    if (nic == nullptr) throw HostCtl::Lib::HostCtlException("Kernel network interface " + nicName + " does not exist");
+    if (nic == nullptr)
+        throw HostCtl::Lib::HostCtlException("Kernel network interface " + nicName + " does not exist");
     const IpConfig configured = Json::ToIpConfig((*nic)["ipConfig"]);
     IpConfig running;
     running.SetUseDhcp(configured.GetUseDhcp(), configured.GetIpv4UseNone());

@@ -17,14 +17,14 @@ namespace ZenkCtl::Network {
 // - a DHCP lease's gateway becomes the default gateway, and with DNS from DHCP the lease's name
 //   servers and domain become the host's.
 class ZenkNicRuntime {
-public:
+  public:
     static void Apply(nlohmann::json& document, const std::string& nicName);
     // The EUI-64 link-local address for a MAC ("00:50:56:a1:00:01" -> "fe80::250:56ff:fea1:1"); empty
     // for text that is not a MAC address.
     static std::string LinkLocalFor(const std::string& mac);
     static bool IsValidMac(const std::string& mac);
 
-private:
+  private:
     static void ApplyChecked(nlohmann::json& document, const std::string& nicName);
 };
 

@@ -6,7 +6,7 @@
 
 // A scratch directory removed with everything in it when the test ends.
 class TempDir {
-public:
+  public:
     TempDir() {
         std::string templ = (std::filesystem::temp_directory_path() / "kovo-platform-XXXXXX").string();
         if (mkdtemp(templ.data()) == nullptr) std::abort();
@@ -22,6 +22,6 @@ public:
     std::string File(const std::string& name) const { return (_path / name).string(); }
     const std::filesystem::path& Path() const { return _path; }
 
-private:
+  private:
     std::filesystem::path _path;
 };

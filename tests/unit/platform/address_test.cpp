@@ -13,9 +13,9 @@ TEST(Ipv4AddressTest, ValidityFollowsStrictDottedQuad) {
     for (const char* good : {"0.0.0.0", "10.0.0.1", "192.168.1.254", "255.255.255.255", "1.2.3.4"}) {
         EXPECT_TRUE(Ipv4Address::IsValidAddress(good)) << good;
     }
-    for (const char* bad : {"", "1.2.3", "1.2.3.4.5", "256.1.1.1", "1.2.3.-1", "01.2.3.4", "1.2.3.4 ",
-                            " 1.2.3.4", "0x1.2.3.4", "1..3.4", "a.b.c.d", "1.2.3.4/24", "1234", "::1",
-                            "1.2.3.04", "999.999.999.999"}) {
+    for (const char* bad :
+         {"", "1.2.3", "1.2.3.4.5", "256.1.1.1", "1.2.3.-1", "01.2.3.4", "1.2.3.4 ", " 1.2.3.4", "0x1.2.3.4",
+          "1..3.4", "a.b.c.d", "1.2.3.4/24", "1234", "::1", "1.2.3.04", "999.999.999.999"}) {
         EXPECT_FALSE(Ipv4Address::IsValidAddress(bad)) << bad;
     }
     EXPECT_FALSE(Ipv4Address::IsValidAddress(std::string("1.2.3.4\0junk", 12)));
@@ -87,8 +87,8 @@ TEST(Ipv6NetworkTest, NeedsAddressAndPrefixLength) {
         EXPECT_TRUE(Ipv6Network::IsValidAddressAndNetmask(good)) << good;
     }
     for (const char* bad : {"2001:db8::1", "2001:db8::1/", "2001:db8::1/0", "2001:db8::1/129",
-                            "2001:db8::1/-1", "2001:db8::1/+64", "2001:db8::1/64/64", "2001:db8::1/6a",
-                            "/64", "10.0.0.1/24", "fe80::1%zk0/64", "2001:db8::1/0064", "2001:db8::1 /64"}) {
+                            "2001:db8::1/-1", "2001:db8::1/+64", "2001:db8::1/64/64", "2001:db8::1/6a", "/64",
+                            "10.0.0.1/24", "fe80::1%zk0/64", "2001:db8::1/0064", "2001:db8::1 /64"}) {
         EXPECT_FALSE(Ipv6Network::IsValidAddressAndNetmask(bad)) << bad;
     }
     Ipv6Network net("2001:DB8::5/64");

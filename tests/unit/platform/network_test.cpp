@@ -28,7 +28,7 @@ using ZenkCtl::Store::HostStore;
 namespace {
 
 class NetworkTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         std::ifstream in(std::string(KOVO_FIXTURES) + "/host.json");
         store = std::make_shared<HostStore>(dir.File("host.json"));
@@ -54,11 +54,15 @@ TEST_F(NetworkTest, ManagementInterfaceLookupAndStaticRunningState) {
     IpConfig running = mgmt->GetIpConfig();
     EXPECT_EQ(running.GetIpv4Address().GetStringAddress(), "192.168.10.20");
     // Link-local from the MAC plus the router-advertised prefix; not the DHCPv6 one (DHCPv6 is off).
-    EXPECT_EQ(RunningAddresses(*mgmt), (std::vector<std::string>{"fe80::250:56ff:fea1:1/64", "2001:db8:10::20/64"}));
+    EXPECT_EQ(RunningAddresses(*mgmt),
+              (std::vector<std::string>{"fe80::250:56ff:fea1:1/64", "2001:db8:10::20/64"}));
     EXPECT_EQ(running.GetIpv6Network()[1].GetIpv6AddressType(), IPV6_ADDRESS_AUTOCONF);
 
     // Without a "management" mark, the interface on "Management Network" is found.
-    store->Update([](json& d) { d["network"]["zenkNics"][0].erase("management"); std::swap(d["network"]["zenkNics"][0], d["network"]["zenkNics"][1]); });
+    store->Update([](json& d) {
+        d["network"]["zenkNics"][0].erase("management");
+        std::swap(d["network"]["zenkNics"][0], d["network"]["zenkNics"][1]);
+    });
     info.UpdateManagementInterface();
     EXPECT_EQ(info.GetManagementInterfaceName(), "zk0");
     store->Update([](json& d) { d["network"]["zenkNics"] = json::array(); });
@@ -169,8 +173,8 @@ TEST_F(NetworkTest, SwitchesUplinksPortGroupsAndVlans) {
     switches.AddUplink("xSwitch1", "zennic1");
     EXPECT_EQ(switches.FindUplinkOwner("zennic1"), "xSwitch1");
     EXPECT_THROW(switches.AddUplink("xSwitch1", "zennic7"), HostCtlException);
-    switches.SetTeamingPolicy("xSwitch1",
-                              NicTeamingPolicy::WithUplinkAdded(switches.GetTeamingPolicy("xSwitch1"), "zennic1"));
+    switches.SetTeamingPolicy(
+        "xSwitch1", NicTeamingPolicy::WithUplinkAdded(switches.GetTeamingPolicy("xSwitch1"), "zennic1"));
     EXPECT_EQ(switches.GetTeamingPolicy("xSwitch1").GetUplinkOrder(), (std::vector<std::string>{"zennic1"}));
     EXPECT_EQ(switches.GetTeamingPolicy("xSwitch0").GetFlags(), 16u);
     switches.RemoveUplink("xSwitch0", "zennic0");
@@ -238,7 +242,8 @@ TEST_F(NetworkTest, Ipv6SwitchWaitsForBootAndFactoryRestoreRebuildsManagement) {
     EXPECT_EQ(mgmt->GetName(), "zk0");
     EXPECT_TRUE(mgmt->GetConfiguredIpConfig().GetUseDhcp());
     EXPECT_EQ(mgmt->GetIpConfig().GetIpv4Address().GetStringAddress(), "192.168.10.77");  // its lease
-    EXPECT_EQ(VirtualSwitchInfoImpl(store).GetVirtualSwitches()[0].uplinks, (std::vector<std::string>{"zennic0"}));
+    EXPECT_EQ(VirtualSwitchInfoImpl(store).GetVirtualSwitches()[0].uplinks,
+              (std::vector<std::string>{"zennic0"}));
 }
 
 TEST_F(NetworkTest, RoutingGateways) {
@@ -261,7 +266,8 @@ TEST(ZenkNicRuntimeTest, LinkLocalFromMac) {
 TEST(HostsFileTest, RemovesTheNameEverywhereAndKeepsTheRest) {
     bool found = false;
     const std::string text =
-        "# static table\n127.0.0.1\tlocalhost\n192.168.10.20\th1.example.com h1\n10.0.0.9 H1.EXAMPLE.COM other # x\n";
+        "# static table\n127.0.0.1\tlocalhost\n192.168.10.20\th1.example.com h1\n10.0.0.9 H1.EXAMPLE.COM "
+        "other # x\n";
     EXPECT_EQ(HostsFile::RemoveName(text, "h1.example.com", found),
               "# static table\n127.0.0.1\tlocalhost\n192.168.10.20\th1\n10.0.0.9\tother # x\n");
     EXPECT_TRUE(found);

@@ -30,7 +30,7 @@ std::shared_ptr<HostStore> OptionStore(const TempDir& dir) {
 
 // A datagram socket bound at a path, standing in for a daemon of the host.
 class Listener {
-public:
+  public:
     explicit Listener(const std::string& path) {
         _fd = socket(AF_UNIX, SOCK_DGRAM, 0);
         sockaddr_un address{};
@@ -48,7 +48,7 @@ public:
         return n < 0 ? std::string("<nothing>") : std::string(buffer, static_cast<size_t>(n));
     }
 
-private:
+  private:
     int _fd;
     bool _bound;
 };

@@ -38,7 +38,9 @@ json Generation(int n) {
     return {{"generation", n}, {"payload", payload}, {"tail", n}};
 }
 
-bool IsGeneration(const json& doc, int n) { return doc == Generation(n); }
+bool IsGeneration(const json& doc, int n) {
+    return doc == Generation(n);
+}
 
 // Waits for a child and reports how it ended.
 int Reap(pid_t pid) {

@@ -23,7 +23,7 @@ using namespace ZenkCtl::Util;
 namespace {
 
 class SystemTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         std::ifstream in(std::string(KOVO_FIXTURES) + "/host.json");
         store = std::make_shared<HostStore>(dir.File("host.json"));

@@ -77,7 +77,8 @@ TEST(NicTeamingPolicyTest, RemoveOnlyTouchesAnExplicitOrderThatListsTheUplink) {
     stale.SetFlags(NicTeamingPolicy::FLAG_EXPLICIT_MAX_ACTIVE);
     EXPECT_EQ(NicTeamingPolicy::WithUplinkRemoved(stale, "a"), stale);
     // A maximum of zero does not wrap around.
-    EXPECT_EQ(NicTeamingPolicy::WithUplinkRemoved(Policy(true, {"a"}, true, 0), "a").GetMaxActiveUplinks(), 0u);
+    EXPECT_EQ(NicTeamingPolicy::WithUplinkRemoved(Policy(true, {"a"}, true, 0), "a").GetMaxActiveUplinks(),
+              0u);
 }
 
 TEST(IpConfigTest, ModesAndIpv6NetworkList) {
