@@ -9,6 +9,9 @@
 #include <arpa/inet.h>
 
 #include <cerrno>
+#include <chrono>
+#include <sstream>
+#include <thread>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -99,6 +102,22 @@ int RunQuietly(const std::vector<std::string>& argv, bool background = false) {
     while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+// Whether anything in this network namespace listens on UDP port 53 (as the kernel lists its sockets).
+bool ListensOnDnsPort() {
+    for (const char* table : {"/proc/net/udp", "/proc/net/udp6"}) {
+        std::ifstream file(table);
+        std::string line;
+        std::getline(file, line);  // header
+        while (std::getline(file, line)) {
+            std::istringstream fields(line);
+            std::string slot, local;
+            fields >> slot >> local;
+            if (local.size() > 5 && local.compare(local.size() - 5, 5, ":0035") == 0) return true;
+        }
+    }
+    return false;
 }
 
 std::string Fqdn(const json& store) {
@@ -290,6 +309,10 @@ void HostBoot::StartNetwork(const json& store, const json& scenario) {
     for (const auto& address : listen) dnsmasq.push_back("--listen-address=" + address);
     for (const auto& [name, address] : DnsNames(store, scenario)) dnsmasq.push_back("--host-record=" + name + "," + address);
     RunQuietly(dnsmasq, true);
+    // The console and the host's programs may resolve names at once: wait until it listens.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (!ListensOnDnsPort() && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
 }
 
 std::vector<std::unique_ptr<DatagramSink>> HostBoot::Start(const json& scenario, const Products& products,
