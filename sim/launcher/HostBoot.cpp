@@ -78,8 +78,7 @@ void Link(const std::string& target, const std::string& path) {
         throw std::system_error(errno, std::generic_category(), "symlink " + path);
 }
 
-// Runs a program of the machine to its end, its output discarded; returns its exit status.
-int RunQuietly(const std::vector<std::string>& argv, bool background = false) {
+pid_t Spawn(const std::vector<std::string>& argv, bool background) {
     const pid_t pid = ::fork();
     if (pid < 0) return -1;
     if (pid == 0) {
@@ -97,11 +96,29 @@ int RunQuietly(const std::vector<std::string>& argv, bool background = false) {
         ::execvp(args[0], args.data());
         _exit(127);
     }
-    if (background) return 0;
+    return pid;
+}
+
+int Wait(pid_t pid) {
+    if (pid < 0) return -1;
     int status = 0;
     while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+// Runs a program of the machine, its output discarded: to its end (returning its exit status), or in
+// the background as a daemon of the host.
+int RunQuietly(const std::vector<std::string>& argv, bool background = false) {
+    const pid_t pid = Spawn(argv, background);
+    return background ? (pid < 0 ? -1 : 0) : Wait(pid);
+}
+
+// Runs programs side by side and waits for all of them.
+void RunAll(const std::vector<std::vector<std::string>>& commands) {
+    std::vector<pid_t> pids;
+    for (const auto& argv : commands) pids.push_back(Spawn(argv, false));
+    for (pid_t pid : pids) Wait(pid);
 }
 
 // Whether anything in this network namespace listens on UDP port 53 (as the kernel lists its sockets).
@@ -210,21 +227,20 @@ void HostBoot::Provision(const json& scenario) {
                   "passwd: files\ngroup: files\nshadow: files\nhosts: files dns\nnetworks: files\n"
                   "protocols: files\nservices: files\n");
 
-    // A certificate and host keys made for this host, so their fingerprints are its own.
+    // A certificate and host keys made for this host, so their fingerprints are its own. Made side by
+    // side: key generation is most of the time a new host takes.
     fs::create_directories("/etc/halvor/ssl", error);
-    const std::string subject = "/CN=" + (fqdn.empty() ? std::string("localhost") : fqdn);
-    ::unlink("/etc/halvor/ssl/host.crt");
-    ::unlink("/etc/halvor/ssl/host.key");
-    RunQuietly({"openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "3650", "-subj", subject,
-                "-keyout", "/etc/halvor/ssl/host.key", "-out", "/etc/halvor/ssl/host.crt"});
     fs::create_directories("/etc/ssh", error);
-    for (const auto& [type, file] : {std::pair{"rsa", "/etc/ssh/ssh_host_rsa_key"},
-                                     std::pair{"dsa", "/etc/ssh/ssh_host_dsa_key"}}) {
+    const std::string subject = "/CN=" + (fqdn.empty() ? std::string("localhost") : fqdn);
+    for (const char* file : {"/etc/halvor/ssl/host.crt", "/etc/halvor/ssl/host.key", "/etc/ssh/ssh_host_rsa_key",
+                             "/etc/ssh/ssh_host_rsa_key.pub", "/etc/ssh/ssh_host_dsa_key", "/etc/ssh/ssh_host_dsa_key.pub"})
         ::unlink(file);
-        ::unlink((std::string(file) + ".pub").c_str());
-        // This OpenSSH may refuse DSA; the host then simply has no DSA key.
-        RunQuietly({"ssh-keygen", "-q", "-t", type, "-N", "", "-C", "root@" + fqdn, "-f", file});
-    }
+    // This OpenSSH may refuse DSA; the host then simply has no DSA key.
+    RunAll({{"openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "3650", "-subj", subject, "-keyout",
+             "/etc/halvor/ssl/host.key", "-out", "/etc/halvor/ssl/host.crt"},
+            {"ssh-keygen", "-q", "-t", "rsa", "-b", "2048", "-N", "", "-C", "root@" + fqdn, "-f",
+             "/etc/ssh/ssh_host_rsa_key"},
+            {"ssh-keygen", "-q", "-t", "dsa", "-N", "", "-C", "root@" + fqdn, "-f", "/etc/ssh/ssh_host_dsa_key"}});
 }
 
 void HostBoot::ApplyPendingChanges(const json& scenario, bool firstBoot) {
