@@ -26,18 +26,20 @@ ConsoleStart FastClock() {
     return start;
 }
 
-// The product line and the bottom line are white on black while active, dark grey on black once dimmed:
-// the whole screen changes, not just part of it.
-bool ScreenIs(const VirtualTerminal& screen, int foreground) {
-    int row, column;
-    if (!screen.Find("KOVO", row, column)) return false;
-    for (auto cell : {screen.CellAt(row, column), screen.CellAt(screen.Rows() - 1, 0)})
-        if (!cell.fg.IsIndex(foreground) || !cell.bg.IsIndex(0)) return false;
-    return true;
+// Active, the welcome screen's upper half is dark grey and its bottom line amber; dimmed, the whole
+// screen is dark grey on black. Both ends of the screen are checked so a half-finished repaint does not
+// count.
+bool Active(const VirtualTerminal& screen) {
+    auto upper = screen.CellAt(0, 0);
+    auto bottom = screen.CellAt(screen.Rows() - 1, 0);
+    return upper.bg.IsIndex(6) && bottom.bg.IsIndex(3) && bottom.fg.IsIndex(0);
 }
 
-bool Dimmed(const VirtualTerminal& screen) { return ScreenIs(screen, 6); }
-bool Active(const VirtualTerminal& screen) { return ScreenIs(screen, 7); }
+bool Dimmed(const VirtualTerminal& screen) {
+    auto upper = screen.CellAt(0, 0);
+    auto bottom = screen.CellAt(screen.Rows() - 1, 0);
+    return upper.bg.IsIndex(0) && bottom.bg.IsIndex(0) && bottom.fg.IsIndex(6);
+}
 
 }  // namespace
 
@@ -60,8 +62,22 @@ TEST(ConsoleDimming, DimsAfterAMinuteWithoutKeysAndAKeyBringsItBack) {
     EXPECT_TRUE(host.SyslogLines({"Resized window"}).empty());
 }
 
-// The stand-in welcome frame gives ordinary keys no visible effect; the key map's resize key has one.
-TEST(ConsoleDimming, KeyPressedOnTheDimmedScreenStillActs) {
+// F4 switches the welcome screen to black and white: pressed on the dimmed screen it must both wake it
+// and take effect, not be used up by the wake-up.
+TEST(ConsoleDimming, TheKeyThatWakesTheScreenAlsoActs) {
+    HostConsole host(FreshHostDir(), FastClock());
+    ASSERT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
+    ASSERT_FALSE(host.Term().Screen().CellAt(0, 0).reverse);
+    ASSERT_TRUE(host.Term().WaitFor(Dimmed)) << host.Term().Dump();
+    ASSERT_TRUE(host.Term().WaitForQuiet(300ms));
+    host.Term().Press(Key::F4);
+    EXPECT_TRUE(host.Term().WaitFor([](const VirtualTerminal& screen) {
+        return screen.CellAt(0, 0).reverse && !screen.CellAt(screen.Rows() - 1, 0).reverse;
+    })) << host.Term().Dump();
+    EXPECT_TRUE(host.Term().Running());
+}
+
+TEST(ConsoleDimming, ResizeKeyOnTheDimmedScreenStillEndsTheConsole) {
     HostConsole host(FreshHostDir(), FastClock());
     ASSERT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
     ASSERT_TRUE(host.Term().WaitFor(Dimmed)) << host.Term().Dump();

@@ -20,7 +20,9 @@ constexpr const char* kPidFile = "/var/run/kovo.pid";
 constexpr const char* kMultiple = "Attempt to run multiple KOVO instances, not updating /var/run/kovo.pid";
 constexpr cc_t kCtrlZ = 032;
 
-std::size_t IndexOf(const std::string& log, const std::string& line) { return log.find(line); }
+std::size_t IndexOf(const std::string& log, const std::string& line) {
+    return log.find(line);
+}
 
 }  // namespace
 
@@ -103,10 +105,10 @@ constexpr const char* kXtermAlternateScreen = "\x1b[?1049h\x1b[22;0;0t";
 constexpr const char* kLinuxPaletteSet = "\x1b]P";
 constexpr const char* kPaletteSet = "\x1b]4;";
 
-// The product line of the welcome screen is drawn on the window's black background.
-bool ProductLineInStandout(const KovoTerm::VirtualTerminal& screen) {
-    int row, column;
-    return screen.Find("KOVO", row, column) && screen.CellAt(row, column).reverse;
+// The welcome screen's upper half has a dark grey background and its bottom line a yellow one: in black
+// and white the first is drawn in standout, the second plain.
+bool DrawnInBlackAndWhite(const KovoTerm::VirtualTerminal& screen) {
+    return screen.CellAt(0, 0).reverse && !screen.CellAt(screen.Rows() - 1, 0).reverse;
 }
 
 }  // namespace
@@ -119,7 +121,7 @@ TEST(ConsoleTerminalType, UnsetBecomesVt102InBlackAndWhite) {
     const std::string& out = host.Term().Output();
     EXPECT_EQ(out.find("\x1b[?1049h"), std::string::npos) << "a VT102 has no alternate screen";
     EXPECT_EQ(out.find(kPaletteSet), std::string::npos);
-    EXPECT_TRUE(ProductLineInStandout(host.Term().Screen())) << host.Term().Dump();
+    EXPECT_TRUE(DrawnInBlackAndWhite(host.Term().Screen())) << host.Term().Dump();
 }
 
 TEST(ConsoleTerminalType, LinuxThatIsNotAConsoleIsDrivenAsVt102) {
@@ -130,7 +132,7 @@ TEST(ConsoleTerminalType, LinuxThatIsNotAConsoleIsDrivenAsVt102) {
     const std::string& out = host.Term().Output();
     EXPECT_EQ(out.find(kLinuxPaletteSet), std::string::npos) << "the palette of a real console was loaded";
     EXPECT_EQ(out.find("\x1b[?1049h"), std::string::npos);
-    EXPECT_TRUE(ProductLineInStandout(host.Term().Screen())) << host.Term().Dump();
+    EXPECT_TRUE(DrawnInBlackAndWhite(host.Term().Screen())) << host.Term().Dump();
 }
 
 class XtermType : public ::testing::TestWithParam<bool> {};
@@ -145,7 +147,7 @@ TEST_P(XtermType, StaysXtermWithOrWithoutRemoteSession) {
     EXPECT_NE(out.find(kXtermAlternateScreen), std::string::npos) << "not driven as xterm";
     // xterm cannot redefine colours: black and white.
     EXPECT_EQ(out.find(kPaletteSet), std::string::npos);
-    EXPECT_TRUE(ProductLineInStandout(host.Term().Screen())) << host.Term().Dump();
+    EXPECT_TRUE(DrawnInBlackAndWhite(host.Term().Screen())) << host.Term().Dump();
 }
 
 INSTANTIATE_TEST_SUITE_P(Ssh, XtermType, ::testing::Bool(),
@@ -158,19 +160,25 @@ TEST(ConsoleTerminalType, ColourTerminalGetsTheConsolesPaletteAndColourPairs) {
     struct Shade {
         int index;
         std::uint8_t r, g, b;
-    } shades[] = {{3, 0xff, 0xcc, 0x00}, {6, 0x55, 0x55, 0x55}, {2, 0xaa, 0xaa, 0xaa},
-                  {7, 0xff, 0xff, 0xff}, {1, 0xff, 0x00, 0x00}};
+    } shades[] = {{3, 0xff, 0xcc, 0x00},
+                  {6, 0x55, 0x55, 0x55},
+                  {2, 0xaa, 0xaa, 0xaa},
+                  {7, 0xff, 0xff, 0xff},
+                  {1, 0xff, 0x00, 0x00}};
     for (const auto& s : shades)
         EXPECT_TRUE(screen.PaletteColor(s.index).IsRgb(s.r, s.g, s.b))
             << "colour " << s.index << " is " << screen.PaletteColor(s.index).Describe();
     EXPECT_EQ(screen.PaletteSets(), 5);
 
-    int row, column;
-    ASSERT_TRUE(screen.Find("KOVO", row, column)) << host.Term().Dump();
-    auto cell = screen.CellAt(row, column);
-    EXPECT_TRUE(cell.fg.IsIndex(7)) << cell.Describe();
-    EXPECT_TRUE(cell.bg.IsIndex(0)) << cell.Describe();
-    EXPECT_FALSE(cell.reverse) << cell.Describe();
+    auto upper = screen.CellAt(0, 0);
+    EXPECT_TRUE(upper.fg.IsIndex(7)) << upper.Describe();
+    EXPECT_TRUE(upper.bg.IsIndex(6)) << upper.Describe();
+    EXPECT_FALSE(upper.reverse) << upper.Describe();
+    auto bottom = screen.CellAt(screen.Rows() - 1, 0);
+    EXPECT_TRUE(bottom.fg.IsIndex(0)) << bottom.Describe();
+    EXPECT_TRUE(bottom.bg.IsIndex(3)) << bottom.Describe();
+    // The redefined shades are what the operator sees: amber, not the terminal's yellow.
+    EXPECT_TRUE(bottom.bg.IsRgb(0xff, 0xcc, 0x00)) << bottom.Describe();
 }
 
 // --- the pid file -------------------------------------------------------------------------------------
@@ -194,7 +202,7 @@ TEST(ConsolePidFile, SecondInstanceLeavesALiveOnesFileAloneAndStillRuns) {
     const std::string firstId = std::to_string(*HostConsole::PidInsideHost(first));
     ASSERT_EQ(HostConsole::ReadHostFile(first, kPidFile), firstId);
 
-    auto second = host.ExecInHost({KOVO_E2E_CONSOLE}, ConsoleStart{});
+    auto second = host.ExecInHost({HostConsole::ConsoleProgram()}, ConsoleStart{});
     ASSERT_TRUE(second->WaitForText("<F12> Shut Down/Restart")) << second->Dump();
     auto line = host.WaitForSyslog({"user.err", "KOVO[", kMultiple});
     ASSERT_TRUE(line) << host.Syslog();

@@ -11,7 +11,7 @@ namespace KovoTerm {
 
 // Read-only views of /proc used to find and measure processes a spawned program started.
 class ProcessTree {
-public:
+  public:
     // Every process below `root` (children, grandchildren, ...), in no particular order.
     static std::vector<pid_t> Descendants(pid_t root);
     // The first process below `root` whose command name (comm) is `name`; 0 when none.

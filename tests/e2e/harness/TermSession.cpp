@@ -154,11 +154,17 @@ void TermSession::WriteToPty(std::string_view bytes) {
     }
 }
 
-void TermSession::Press(Key key, bool shift, bool alt, bool ctrl) { _terminal->PressKey(key, shift, alt, ctrl); }
+void TermSession::Press(Key key, bool shift, bool alt, bool ctrl) {
+    _terminal->PressKey(key, shift, alt, ctrl);
+}
 
-void TermSession::Type(std::string_view utf8) { _terminal->TypeText(utf8); }
+void TermSession::Type(std::string_view utf8) {
+    _terminal->TypeText(utf8);
+}
 
-void TermSession::SendRaw(std::string_view bytes) { WriteToPty(bytes); }
+void TermSession::SendRaw(std::string_view bytes) {
+    WriteToPty(bytes);
+}
 
 bool TermSession::Signal(int signal, pid_t target) {
     pid_t pid = target ? target : _pid;
@@ -301,19 +307,20 @@ pid_t TermSession::WaitForDescendant(std::string_view name, Millis deadline) {
 }
 
 std::string TermSession::Dump() const {
-    std::string dump = "screen " + std::to_string(_terminal->Columns()) + "x" + std::to_string(_terminal->Rows()) +
-                       ":\n" + _terminal->ScreenText();
+    std::string dump = "screen " + std::to_string(_terminal->Columns()) + "x" +
+                       std::to_string(_terminal->Rows()) + ":\n" + _terminal->ScreenText();
     dump += "process: " + (_exit ? _exit->Describe() : std::string("running")) + "\n";
     dump += "last output bytes: ";
     std::string tail = _output.size() > 200 ? _output.substr(_output.size() - 200) : _output;
     for (unsigned char c : tail) {
-        if (c == 0x1b) dump += "\\e";
+        if (c == 0x1b)
+            dump += "\\e";
         else if (c < 0x20 || c == 0x7f) {
             char hex[8];
             std::snprintf(hex, sizeof hex, "\\x%02x", c);
             dump += hex;
-        }
-        else dump += char(c);
+        } else
+            dump += char(c);
     }
     return dump + "\n";
 }

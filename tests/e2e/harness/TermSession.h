@@ -23,7 +23,7 @@ namespace KovoTerm {
 // of "do something, wait for a condition". Every wait has a deadline and returns false when it passes;
 // none of them sleeps for a fixed time.
 class TermSession {
-public:
+  public:
     using Clock = std::chrono::steady_clock;
     using Millis = std::chrono::milliseconds;
     using ScreenPredicate = std::function<bool(const VirtualTerminal&)>;
@@ -81,7 +81,7 @@ public:
     // The screen and the last bytes written, for assertion messages.
     std::string Dump() const;
 
-private:
+  private:
     // Reads what is available within `wait`; returns true when anything was read or the child ended.
     bool Pump(Millis wait);
     bool ReapChild();

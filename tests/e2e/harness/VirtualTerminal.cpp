@@ -20,10 +20,14 @@ bool ParseRgbSpec(std::string_view spec, std::uint8_t rgb[3]) {
         unsigned value = 0;
         for (char c : part) {
             value <<= 4;
-            if (c >= '0' && c <= '9') value |= unsigned(c - '0');
-            else if (c >= 'a' && c <= 'f') value |= unsigned(c - 'a' + 10);
-            else if (c >= 'A' && c <= 'F') value |= unsigned(c - 'A' + 10);
-            else return false;
+            if (c >= '0' && c <= '9')
+                value |= unsigned(c - '0');
+            else if (c >= 'a' && c <= 'f')
+                value |= unsigned(c - 'a' + 10);
+            else if (c >= 'A' && c <= 'F')
+                value |= unsigned(c - 'A' + 10);
+            else
+                return false;
         }
         unsigned max = (1u << (4 * part.size())) - 1;
         rgb[i] = std::uint8_t((value * 255 + max / 2) / max);
@@ -57,21 +61,36 @@ void AppendUtf8(std::string& out, std::uint32_t cp) {
 
 VTermKey ToVTermKey(Key key) {
     switch (key) {
-        case Key::Enter: return VTERM_KEY_ENTER;
-        case Key::Escape: return VTERM_KEY_ESCAPE;
-        case Key::Tab: return VTERM_KEY_TAB;
-        case Key::Backspace: return VTERM_KEY_BACKSPACE;
-        case Key::Up: return VTERM_KEY_UP;
-        case Key::Down: return VTERM_KEY_DOWN;
-        case Key::Left: return VTERM_KEY_LEFT;
-        case Key::Right: return VTERM_KEY_RIGHT;
-        case Key::Insert: return VTERM_KEY_INS;
-        case Key::Delete: return VTERM_KEY_DEL;
-        case Key::Home: return VTERM_KEY_HOME;
-        case Key::End: return VTERM_KEY_END;
-        case Key::PageUp: return VTERM_KEY_PAGEUP;
-        case Key::PageDown: return VTERM_KEY_PAGEDOWN;
-        default: break;
+        case Key::Enter:
+            return VTERM_KEY_ENTER;
+        case Key::Escape:
+            return VTERM_KEY_ESCAPE;
+        case Key::Tab:
+            return VTERM_KEY_TAB;
+        case Key::Backspace:
+            return VTERM_KEY_BACKSPACE;
+        case Key::Up:
+            return VTERM_KEY_UP;
+        case Key::Down:
+            return VTERM_KEY_DOWN;
+        case Key::Left:
+            return VTERM_KEY_LEFT;
+        case Key::Right:
+            return VTERM_KEY_RIGHT;
+        case Key::Insert:
+            return VTERM_KEY_INS;
+        case Key::Delete:
+            return VTERM_KEY_DEL;
+        case Key::Home:
+            return VTERM_KEY_HOME;
+        case Key::End:
+            return VTERM_KEY_END;
+        case Key::PageUp:
+            return VTERM_KEY_PAGEUP;
+        case Key::PageDown:
+            return VTERM_KEY_PAGEDOWN;
+        default:
+            break;
     }
     int n = int(key) - int(Key::F1) + 1;
     return VTermKey(VTERM_KEY_FUNCTION(n));
@@ -132,9 +151,12 @@ void VirtualTerminal::TypeText(std::string_view utf8) {
         unsigned char c = static_cast<unsigned char>(utf8[i]);
         std::uint32_t cp = c;
         int extra = 0;
-        if (c >= 0xF0) cp = c & 0x07, extra = 3;
-        else if (c >= 0xE0) cp = c & 0x0F, extra = 2;
-        else if (c >= 0xC0) cp = c & 0x1F, extra = 1;
+        if (c >= 0xF0)
+            cp = c & 0x07, extra = 3;
+        else if (c >= 0xE0)
+            cp = c & 0x0F, extra = 2;
+        else if (c >= 0xC0)
+            cp = c & 0x1F, extra = 1;
         ++i;
         for (int k = 0; k < extra && i < utf8.size(); ++k, ++i)
             cp = (cp << 6) | (static_cast<unsigned char>(utf8[i]) & 0x3F);

@@ -19,7 +19,7 @@ namespace KovoTerm {
 // back cell by cell. Key presses are encoded by the emulator itself and handed to `sink`, together with
 // any answers the terminal gives to the program's queries.
 class VirtualTerminal {
-public:
+  public:
     using Sink = std::function<void(std::string_view)>;
 
     VirtualTerminal(int rows, int columns, Sink sink);
@@ -50,7 +50,7 @@ public:
     // How many palette changes (one per colour slot) the program has sent.
     int PaletteSets() const { return _paletteSets; }
 
-private:
+  private:
     static int OnUnrecognisedOsc(const char* command, std::size_t length, void* self);
     static void OnOutput(const char* bytes, std::size_t length, void* self);
     void ApplyOsc(std::string_view command);

@@ -88,12 +88,24 @@ TEST(TermSession, KeysArriveAsTheProgramDecodesThem) {
         Key key;
         const char* name;
     } cases[] = {
-        {Key::Up, "KEY_UP"},         {Key::Down, "KEY_DOWN"},       {Key::Left, "KEY_LEFT"},
-        {Key::Right, "KEY_RIGHT"},   {Key::Home, "KEY_HOME"},       {Key::End, "KEY_END"},
-        {Key::PageUp, "KEY_PPAGE"},  {Key::PageDown, "KEY_NPAGE"},  {Key::Insert, "KEY_IC"},
-        {Key::Delete, "KEY_DC"},     {Key::Backspace, "KEY_BACKSPACE"}, {Key::Enter, "^J"},
-        {Key::F1, "KEY_F(1)"},       {Key::F2, "KEY_F(2)"},         {Key::F10, "KEY_F(10)"},
-        {Key::F11, "KEY_F(11)"},     {Key::F12, "KEY_F(12)"},       {Key::Escape, "^["},
+        {Key::Up, "KEY_UP"},
+        {Key::Down, "KEY_DOWN"},
+        {Key::Left, "KEY_LEFT"},
+        {Key::Right, "KEY_RIGHT"},
+        {Key::Home, "KEY_HOME"},
+        {Key::End, "KEY_END"},
+        {Key::PageUp, "KEY_PPAGE"},
+        {Key::PageDown, "KEY_NPAGE"},
+        {Key::Insert, "KEY_IC"},
+        {Key::Delete, "KEY_DC"},
+        {Key::Backspace, "KEY_BACKSPACE"},
+        {Key::Enter, "^J"},
+        {Key::F1, "KEY_F(1)"},
+        {Key::F2, "KEY_F(2)"},
+        {Key::F10, "KEY_F(10)"},
+        {Key::F11, "KEY_F(11)"},
+        {Key::F12, "KEY_F(12)"},
+        {Key::Escape, "^["},
     };
     int count = 0;
     for (const auto& c : cases) {
@@ -108,7 +120,9 @@ TEST(TermSession, KeysArriveAsTheProgramDecodesThem) {
 TEST(TermSession, RawSequencesReachTheProgramsOwnKeyMap) {
     TermSession probe(Probe());
     ASSERT_TRUE(probe.WaitForText("KEY 0: none")) << probe.Dump();
-    probe.SendRaw("\x1b" "1");
+    probe.SendRaw(
+        "\x1b"
+        "1");
     EXPECT_TRUE(probe.WaitForText("KEY 1: KEY_F(1)")) << probe.Dump();
     probe.SendRaw("\x1b!");
     EXPECT_TRUE(probe.WaitForText("KEY 2: KEY_F(11)")) << probe.Dump();

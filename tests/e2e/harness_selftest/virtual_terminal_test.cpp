@@ -79,11 +79,11 @@ TEST(VirtualTerminal, AppliesPaletteSetsToCellsAlreadyDrawnAndLater) {
 TEST(VirtualTerminal, IgnoresMalformedPaletteSetsWithoutDisturbingOthers) {
     VirtualTerminal vt(3, 20, nullptr);
     auto original = vt.PaletteColor(2);
-    vt.Feed("\x1b]4;2;rgb:zz/00/00\x07");       // not hex
-    vt.Feed("\x1b]4;2;rgb:00/00\x07");          // two components
-    vt.Feed("\x1b]4;x;rgb:00/00/00\x07");       // bad index
-    vt.Feed("\x1b]4;300;rgb:00/00/00\x07");     // out of range
-    vt.Feed("\x1b]4;2;rgb:00/00/00/00\x07");    // four components
+    vt.Feed("\x1b]4;2;rgb:zz/00/00\x07");     // not hex
+    vt.Feed("\x1b]4;2;rgb:00/00\x07");        // two components
+    vt.Feed("\x1b]4;x;rgb:00/00/00\x07");     // bad index
+    vt.Feed("\x1b]4;300;rgb:00/00/00\x07");   // out of range
+    vt.Feed("\x1b]4;2;rgb:00/00/00/00\x07");  // four components
     EXPECT_EQ(vt.PaletteSets(), 0);
     auto now = vt.PaletteColor(2);
     EXPECT_TRUE(now.IsRgb(original.red, original.green, original.blue));
@@ -100,7 +100,11 @@ TEST(VirtualTerminal, CursorKeysFollowApplicationCursorMode) {
     vt.Feed("\x1b[?1h");  // what a program in keypad mode switches on
     vt.PressKey(Key::Up);
     vt.PressKey(Key::Left);
-    EXPECT_EQ(out.sent, "\x1b" "OA" "\x1b" "OD");
+    EXPECT_EQ(out.sent,
+              "\x1b"
+              "OA"
+              "\x1b"
+              "OD");
 }
 
 TEST(VirtualTerminal, EncodesEditingAndFunctionKeys) {
@@ -110,11 +114,11 @@ TEST(VirtualTerminal, EncodesEditingAndFunctionKeys) {
         Key key;
         const char* bytes;
     } cases[] = {
-        {Key::Enter, "\r"},          {Key::Escape, "\x1b"},       {Key::Backspace, "\x7f"},
-        {Key::Tab, "\t"},            {Key::F1, "\x1bOP"},         {Key::F4, "\x1bOS"},
-        {Key::F5, "\x1b[15~"},       {Key::F10, "\x1b[21~"},      {Key::F11, "\x1b[23~"},
-        {Key::F12, "\x1b[24~"},      {Key::PageUp, "\x1b[5~"},    {Key::PageDown, "\x1b[6~"},
-        {Key::Insert, "\x1b[2~"},    {Key::Delete, "\x1b[3~"},
+        {Key::Enter, "\r"},       {Key::Escape, "\x1b"},    {Key::Backspace, "\x7f"},
+        {Key::Tab, "\t"},         {Key::F1, "\x1bOP"},      {Key::F4, "\x1bOS"},
+        {Key::F5, "\x1b[15~"},    {Key::F10, "\x1b[21~"},   {Key::F11, "\x1b[23~"},
+        {Key::F12, "\x1b[24~"},   {Key::PageUp, "\x1b[5~"}, {Key::PageDown, "\x1b[6~"},
+        {Key::Insert, "\x1b[2~"}, {Key::Delete, "\x1b[3~"},
     };
     for (const auto& c : cases) {
         out.sent.clear();

@@ -48,7 +48,10 @@ int main() {
     // next key; waking up now and then lets curses notice it.
     timeout(100);
     // Extra sequences, as a console would register for terminals without function keys.
-    define_key("\x1b" "1", KEY_F(1));
+    define_key(
+        "\x1b"
+        "1",
+        KEY_F(1));
     define_key("\x1b!", KEY_F(11));
     if (can_change_color()) init_color(COLOR_YELLOW, 1000, 800, 0);
     init_pair(1, COLOR_WHITE, COLOR_RED);

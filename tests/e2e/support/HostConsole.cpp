@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -29,10 +30,11 @@ std::string ShellQuote(const std::string& text) {
 }
 
 // The console started through a tiny script that adds variables to its environment alone.
-std::string WriteConsoleWrapper(const std::string& path, const std::map<std::string, std::string>& environment) {
+std::string WriteConsoleWrapper(const std::string& path,
+                                const std::map<std::string, std::string>& environment) {
     std::string script = "#!/bin/sh\nexec /usr/bin/env";
     for (const auto& [name, value] : environment) script += " " + ShellQuote(name + "=" + value);
-    script += " " + ShellQuote(KOVO_E2E_CONSOLE) + " \"$@\"\n";
+    script += " " + ShellQuote(HostConsole::ConsoleProgram()) + " \"$@\"\n";
     std::ofstream(path) << script;
     fs::permissions(path, fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec |
                               fs::perms::others_read | fs::perms::others_exec);
@@ -77,6 +79,11 @@ std::string PathInHost(pid_t machinePid, const std::string& hostPath) {
 
 }  // namespace
 
+std::string HostConsole::ConsoleProgram() {
+    const char* other = std::getenv("KOVO_E2E_CONSOLE");
+    return other && *other ? other : KOVO_E2E_CONSOLE;
+}
+
 std::string FreshHostDir() {
     const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
     std::string name = std::string(test->test_suite_name()) + "." + test->name();
@@ -90,7 +97,7 @@ std::string FreshHostDir() {
 }
 
 HostConsole::HostConsole(std::string hostDir, const ConsoleStart& start) : _hostDir(std::move(hostDir)) {
-    std::string console = KOVO_E2E_CONSOLE;
+    std::string console = ConsoleProgram();
     if (!start.consoleOnlyEnvironment.empty())
         console = WriteConsoleWrapper(_hostDir + ".console", start.consoleOnlyEnvironment);
 
@@ -134,7 +141,9 @@ std::optional<pid_t> HostConsole::PidInsideHost(pid_t machinePid) {
     return std::nullopt;
 }
 
-std::string HostConsole::Syslog() const { return ReadWhole(_hostDir + "/upper/var/log/syslog.log"); }
+std::string HostConsole::Syslog() const {
+    return ReadWhole(_hostDir + "/upper/var/log/syslog.log");
+}
 
 std::vector<std::string> HostConsole::SyslogLines(const std::vector<std::string>& parts) const {
     std::vector<std::string> lines;
@@ -188,7 +197,8 @@ std::unique_ptr<KovoTerm::TermSession> HostConsole::ExecInHost(const std::vector
 
 bool HostConsole::WaitForFirstPaint() {
     // The bottom line is drawn last of the first screen; after it, output settles.
-    return _term->WaitForText("<F12> Shut Down/Restart") && _term->WaitForQuiet(KovoTerm::TermSession::Millis(200));
+    return _term->WaitForText("<F12> Shut Down/Restart") &&
+           _term->WaitForQuiet(KovoTerm::TermSession::Millis(200));
 }
 
 }  // namespace KovoE2e

@@ -29,9 +29,14 @@ struct ConsoleStart {
 // The real console running under the simulated host's launcher in a pseudo-terminal, with its host's
 // directory, syslog and files at hand. Each instance owns a fresh host directory.
 class HostConsole {
-public:
+  public:
     // `hostDir` is emptied first: every test starts from a freshly booted host.
     HostConsole(std::string hostDir, const ConsoleStart& start);
+
+    // The console under test: the one built beside the tests, or another build of it named in the
+    // environment variable KOVO_E2E_CONSOLE (a release build, or a deliberately broken one to see the
+    // tests catch the fault).
+    static std::string ConsoleProgram();
 
     KovoTerm::TermSession& Term() { return *_term; }
     const std::string& HostDir() const { return _hostDir; }
@@ -45,9 +50,9 @@ public:
     // The host's "/var/log/syslog.log" as the host wrote it.
     std::string Syslog() const;
     // Waits until a syslog line contains every one of `parts`; returns that line, or nullopt.
-    std::optional<std::string> WaitForSyslog(const std::vector<std::string>& parts,
-                                             KovoTerm::TermSession::Millis deadline =
-                                                 KovoTerm::TermSession::kDefaultDeadline);
+    std::optional<std::string> WaitForSyslog(
+        const std::vector<std::string>& parts,
+        KovoTerm::TermSession::Millis deadline = KovoTerm::TermSession::kDefaultDeadline);
     // Lines containing every one of `parts`.
     std::vector<std::string> SyslogLines(const std::vector<std::string>& parts) const;
 
@@ -63,7 +68,7 @@ public:
     // Waits for the console's first complete screen.
     bool WaitForFirstPaint();
 
-private:
+  private:
     std::string _hostDir;
     std::unique_ptr<KovoTerm::TermSession> _term;
 };
