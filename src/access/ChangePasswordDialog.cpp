@@ -1,0 +1,197 @@
+#include "access/ChangePasswordDialog.h"
+
+#include <curses.h>
+#include <syslog.h>
+
+#include <cctype>
+
+#include "access/LoginDialog.h"
+#include "access/SamePasswordConfirmDialog.h"
+#include "app/CommandRunner.h"
+#include "app/KeyReader.h"
+#include "app/MessageDialog.h"
+#include "text/InputItem.h"
+#include "text/ItemList.h"
+#include "text/StringFactory.h"
+
+namespace Kovo {
+
+namespace {
+
+constexpr int kWidth = 60, kHeight = 13, kHeaderHeight = 6;
+constexpr int kEsc = 27, kTab = 9, kEnter = 10, kCtrlH = 8;
+
+enum StringId : unsigned {
+    kTitle = 149,
+    kText = 150,
+    kOldLabel = 151,
+    kNewLabel = 152,
+    kConfirmLabel = 153,
+    kErrorTitle = 154,
+    kWrongOld = 156,
+    kMismatch = 157,
+    kEmpty = 158,
+    kChangeFailed = 160,
+};
+
+bool IsFieldKey(int key) {
+    switch (key) {
+        case KEY_BACKSPACE:
+        case kCtrlH:
+        case KEY_DC:
+        case KEY_LEFT:
+        case KEY_END:
+            return true;
+        default:
+            return key >= 0 && key < 256 && isprint(key);
+    }
+}
+
+}  // namespace
+
+PasswordKey RoutePasswordKey(int key, int focused) {
+    if (key == kEsc) return PasswordKey::Cancel;
+    if (IsFieldKey(key)) return PasswordKey::Edit;
+    if (key == kEnter || key == KEY_ENTER) {
+        if (focused == 0) return PasswordKey::VerifyOld;
+        return focused == 1 ? PasswordKey::Next : PasswordKey::Submit;
+    }
+    if (key == kTab) {
+        // Focus leaves the old password field only through its check, never by Tab.
+        if (focused == 1) return PasswordKey::Next;
+        if (focused == 2) return PasswordKey::Previous;
+    }
+    return PasswordKey::Ignore;
+}
+
+NewPasswordCheck CheckNewPassword(const std::string& oldPassword, const std::string& newPassword,
+                                  const std::string& confirmed) {
+    if (newPassword != confirmed) return NewPasswordCheck::Mismatch;
+    if (newPassword.empty()) return NewPasswordCheck::Empty;
+    if (newPassword == oldPassword) return NewPasswordCheck::SameAsOld;
+    return NewPasswordCheck::Ready;
+}
+
+ChangePasswordDialog::ChangePasswordDialog(Frame* parent) : ChangePasswordDialog(parent, PamOps{}) {}
+
+ChangePasswordDialog::ChangePasswordDialog(Frame* parent, PamOps pam)
+    : Dialog(parent, kWidth, kHeight, kHeaderHeight), _pam(pam) {
+    SetTitle(Strings()->GetString(kTitle));
+    SetText(Strings()->GetString(kText));
+    SetFooter(
+        "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}  {color:black}<Esc>{/color} "
+        "{color:dark-grey}Cancel{/color}{/align}");
+    const unsigned labels[kFieldCount] = {kOldLabel, kNewLabel, kConfirmLabel};
+    std::vector<Item*> items;
+    for (int i = 0; i < kFieldCount; ++i) {
+        _fields[i] = std::make_unique<InputItem>(Strings()->GetString(labels[i]), "", -1);
+        _fields[i]->SetMasked(true);
+        items.push_back(_fields[i].get());
+    }
+    Window* content = Content();
+    _list = new ItemList(content, 0, 0, content->Width(), content->Height());
+    _list->SetItems(items);
+}
+
+ChangePasswordDialog::~ChangePasswordDialog() = default;
+
+void ChangePasswordDialog::Focus(int field) {
+    _list->Select(field);
+    _list->Draw();
+}
+
+void ChangePasswordDialog::Error(unsigned messageId) {
+    MessageDialog message(this, kErrorTitle, messageId);
+    message.RunModal();
+    _list->Draw();
+}
+
+int ChangePasswordDialog::HandleKey() {
+    SetActive(true);
+    SetCursor(true);
+    Focus(kOld);
+    for (;;) {
+        const int key = GetKey(this, true);
+        const int focused = _list->GetSelected();
+        switch (RoutePasswordKey(key, focused)) {
+            case PasswordKey::Cancel:
+                SetCursor(false);
+                SetActive(false);
+                return 0;
+            case PasswordKey::Edit:
+                _fields[focused]->EditKey(key);
+                _list->Draw();
+                break;
+            case PasswordKey::VerifyOld:
+                if (VerifyOld()) Focus(kNew);
+                break;
+            case PasswordKey::Next:
+                Focus(focused + 1);
+                break;
+            case PasswordKey::Previous:
+                Focus(focused - 1);
+                break;
+            case PasswordKey::Submit:
+                if (Submit()) {
+                    SetCursor(false);
+                    SetActive(false);
+                    return 1;
+                }
+                break;
+            case PasswordKey::Ignore:
+                break;
+        }
+    }
+}
+
+bool ChangePasswordDialog::VerifyOld() {
+    const int status = _pam.authenticate(_loginName, _fields[kOld]->GetValue());
+    // The old password of an expired account is right even though the account needs a new one.
+    if (status == PAM_SUCCESS || status == PAM_NEW_AUTHTOK_REQD) return true;
+    _fields[kOld]->SetValue("");
+    Error(kWrongOld);
+    Focus(kOld);
+    return false;
+}
+
+bool ChangePasswordDialog::Submit() {
+    const std::string& oldPassword = _fields[kOld]->GetValue();
+    const std::string& newPassword = _fields[kNew]->GetValue();
+    switch (CheckNewPassword(oldPassword, newPassword, _fields[kConfirm]->GetValue())) {
+        case NewPasswordCheck::Mismatch:
+            Error(kMismatch);
+            return false;
+        case NewPasswordCheck::Empty:
+            Error(kEmpty);
+            return false;
+        case NewPasswordCheck::SameAsOld: {
+            SamePasswordConfirmDialog confirm(this);
+            const bool sure = confirm.RunModal() != 0;
+            _list->Draw();
+            if (!sure) return false;
+            break;
+        }
+        case NewPasswordCheck::Ready:
+            break;
+    }
+    if (!_pam.changePassword(_loginName, oldPassword, newPassword)) {
+        Error(kChangeFailed);
+        Focus(kNew);
+        return false;
+    }
+    AfterChange();
+    return true;
+}
+
+void ChangePasswordDialog::AfterChange() {
+    // Saves the host's configuration so that the new password survives a reboot.
+    const char* const backup[] = {"backup.sh", nullptr};
+    RunCommand("/sbin/backup.sh", backup);
+    RefreshHostAgent();
+    syslog(LOG_INFO, "Login password for user %s has changed", _loginName.c_str());
+    PostHostEvent("@&!*@*@(obs.user.kovo.login.passwd.changed)Login password for user " + _loginName +
+                  " changed");
+    _isUserPasswordEmpty = _fields[kNew]->GetValue().empty();
+}
+
+}  // namespace Kovo

@@ -1,0 +1,77 @@
+#include "access/SmartCardLogin.h"
+
+#include <syslog.h>
+
+#include <cstdlib>
+#include <functional>
+
+#include "app/Frame.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/zenkctl/SmartCardInfoImpl.h"
+
+namespace Kovo {
+
+namespace {
+
+// Calls `visit` with each user id of each present card, in slot order, until it returns true.
+// A failing reader counts as no card at all.
+bool VisitUserIds(ZenkCtl::Hardware::SmartCardInfoImpl& cards,
+                  const std::function<bool(const std::string&)>& visit) {
+    try {
+        for (const auto& slot : cards.GetAllSlots()) {
+            HostCtl::Hardware::SmartCardToken token;
+            if (!cards.GetToken(slot, token)) continue;
+            for (const std::string& id : token.userIds)
+                if (visit(id)) return true;
+        }
+    } catch (const HostCtl::Lib::HostCtlException&) {
+        syslog(LOG_ERR, "Error trying to lookup smart card tokens.");
+    }
+    return false;
+}
+
+}  // namespace
+
+std::string FindSmartCardUser(ZenkCtl::Hardware::SmartCardInfoImpl& cards) {
+    std::string found;
+    VisitUserIds(cards, [&](const std::string& id) {
+        found = id;
+        return !id.empty();
+    });
+    return found;
+}
+
+bool HasSmartCardForUser(ZenkCtl::Hardware::SmartCardInfoImpl& cards, const std::string& user) {
+    return VisitUserIds(cards, [&](const std::string& id) { return id == user; });
+}
+
+bool CheckSmartCard(ZenkCtl::Hardware::SmartCardInfoImpl& cards) {
+    if (!Frame::_loggedIn) {
+        Frame::_smartCardLoginId = FindSmartCardUser(cards);
+        if (!Frame::_smartCardLoginId.empty())
+            syslog(LOG_INFO, "Found smart card with user id '%s'", Frame::_smartCardLoginId.c_str());
+        return false;
+    }
+    if (Frame::_isLoggedWithSmartCard && !HasSmartCardForUser(cards, Frame::_loginName)) {
+        syslog(LOG_INFO, "Logging out user id '%s'", Frame::_loginName.c_str());
+        return true;
+    }
+    return false;
+}
+
+std::string FindSmartCardUser() {
+    ZenkCtl::Hardware::SmartCardInfoImpl cards;
+    return FindSmartCardUser(cards);
+}
+
+bool HasSmartCardForUser(const std::string& user) {
+    ZenkCtl::Hardware::SmartCardInfoImpl cards;
+    return HasSmartCardForUser(cards, user);
+}
+
+void CheckSmartCard() {
+    ZenkCtl::Hardware::SmartCardInfoImpl cards;
+    if (CheckSmartCard(cards)) exit(0);
+}
+
+}  // namespace Kovo

@@ -1,0 +1,119 @@
+#pragma once
+
+// A curses screen without a terminal whose keyboard is a pipe: a test writes the bytes a terminal
+// would send, then runs a dialog's real key loop over them.
+
+#include <curses.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <string>
+
+#include "app/Colors.h"
+#include "app/Frame.h"
+#include "app/Startup.h"
+#include "text/TextArea.h"
+
+namespace Kovo::Testing {
+
+// Key sequences of an xterm-256color keyboard in application mode.
+namespace Keys {
+inline const std::string kEsc = "\033";
+inline const std::string kEnter = "\n";
+inline const std::string kTab = "\t";
+inline const std::string kUp = "\033OA";
+inline const std::string kDown = "\033OB";
+inline const std::string kRight = "\033OC";
+inline const std::string kLeft = "\033OD";
+inline const std::string kHome = "\033OH";
+inline const std::string kEnd = "\033OF";
+inline const std::string kF3 = "\033OR";
+inline const std::string kBackspace = "\177";
+inline const std::string kDelete = "\033[3~";
+}  // namespace Keys
+
+class ScriptedScreen : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        // A loop that waits for a key the script never sends must fail the run, not hang it.
+        alarm(60);
+        ASSERT_EQ(pipe(keys_), 0);
+        savedStdin_ = dup(0);
+        ASSERT_EQ(dup2(keys_[0], 0), 0);
+        out_ = fopen("/dev/null", "w");
+        in_ = fdopen(dup(keys_[0]), "r");
+        screen_ = newterm("xterm-256color", out_, in_);
+        ASSERT_NE(screen_, nullptr);
+        set_term(screen_);
+        resizeterm(25, 80);
+        start_color();
+        InitColors();
+        keypad(stdscr, TRUE);
+        set_escdelay(25);
+        ResetSession();
+    }
+
+    void TearDown() override {
+        endwin();
+        delscreen(screen_);
+        fclose(out_);
+        fclose(in_);
+        dup2(savedStdin_, 0);
+        close(savedStdin_);
+        close(keys_[0]);
+        close(keys_[1]);
+        ResetSession();
+        alarm(0);
+    }
+
+    static void ResetSession() {
+        Frame::_loginName.clear();
+        Frame::_smartCardLoginId.clear();
+        Frame::_isLoggedWithSmartCard = false;
+        Frame::_isUserPasswordEmpty = false;
+        Frame::_loggedIn = false;
+        Frame::fgFrame = nullptr;
+        usingKeyboard = false;
+    }
+
+    // Queues the bytes of keys for the dialog's loop to read.
+    void Type(const std::string& bytes) {
+        size_t done = 0;
+        while (done < bytes.size()) {
+            const ssize_t n = write(keys_[1], bytes.data() + done, bytes.size() - done);
+            ASSERT_GT(n, 0);
+            done += static_cast<size_t>(n);
+        }
+    }
+
+    // The text of a screen row as the windows drew it.
+    static std::string Row(WINDOW* win, int y) {
+        std::string row;
+        for (int x = 0; x < getmaxx(win); ++x) row += static_cast<char>(mvwinch(win, y, x) & A_CHARTEXT);
+        return row;
+    }
+    // Every row of a window, joined by newlines.
+    static std::string Screen(WINDOW* win) {
+        std::string text;
+        for (int y = 0; y < getmaxy(win); ++y) text += Row(win, y) + "\n";
+        return text;
+    }
+
+  private:
+    int keys_[2] = {-1, -1};
+    int savedStdin_ = -1;
+    FILE* out_ = nullptr;
+    FILE* in_ = nullptr;
+    SCREEN* screen_ = nullptr;
+};
+
+// A parent for dialogs under test: a full-screen frame that never reads keys itself.
+class TestRootFrame : public Frame {
+  public:
+    TestRootFrame() : Frame(nullptr, 0, 0, COLS, LINES, kBlack, kWhite) {}
+    int HandleKey() override { return 0; }
+};
+
+}  // namespace Kovo::Testing
