@@ -28,8 +28,9 @@ std::string DetailPane() {
             "and connections to the host may drop for a moment.\n";
     }
     text += "\n{align:padding:24}Service tag:{/align}{servicetag}\n";
-    text += "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}  "
-            "{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
+    text +=
+        "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}  "
+        "{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
     return text;
 }
 

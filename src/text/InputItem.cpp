@@ -11,7 +11,8 @@ namespace Kovo {
 namespace {
 
 std::string PadRight(std::string text, int width) {
-    if (static_cast<int>(text.size()) < width) text.append(static_cast<std::size_t>(width) - text.size(), ' ');
+    if (static_cast<int>(text.size()) < width)
+        text.append(static_cast<std::size_t>(width) - text.size(), ' ');
     return text;
 }
 
@@ -24,7 +25,9 @@ InputItem::InputItem(std::string label, std::string text, int fieldWidth)
       _fieldWidth(fieldWidth),
       _cursor(static_cast<int>(_text.size())) {}
 
-void InputItem::OnSelect() { _replace = true; }
+void InputItem::OnSelect() {
+    _replace = true;
+}
 
 void InputItem::SetValue(std::string text) {
     _text = std::move(text);
@@ -105,7 +108,8 @@ void InputItem::Draw(TextArea& area) {
     if (_cursor - _offset > width) _offset = _cursor - width;
 
     std::string visible;
-    if (_offset < length && width > 0) visible = _text.substr(static_cast<std::size_t>(_offset), static_cast<std::size_t>(width));
+    if (_offset < length && width > 0)
+        visible = _text.substr(static_cast<std::size_t>(_offset), static_cast<std::size_t>(width));
     if (_masked) visible.assign(visible.size(), '*');
 
     std::string line = PadRight(_label, lineWidth - 5 - width) + " [ ";

@@ -35,14 +35,18 @@ void TextArea::SetActive(bool active) {
     Render();
 }
 
-void TextArea::SetText(const char* text) { SetText(std::string(text ? text : "")); }
+void TextArea::SetText(const char* text) {
+    SetText(std::string(text ? text : ""));
+}
 
 void TextArea::SetText(const std::string& text) {
     _text = text;
     Render();
 }
 
-void TextArea::AppendText(const char* text) { AppendText(std::string(text ? text : "")); }
+void TextArea::AppendText(const char* text) {
+    AppendText(std::string(text ? text : ""));
+}
 
 void TextArea::AppendText(const std::string& text) {
     _text += text;

@@ -13,8 +13,7 @@ namespace Kovo {
 // kept and laid out afresh on every render, so variables always show current values.
 class TextArea : public Window {
 public:
-    TextArea(Window* parent, int dx, int dy, int width, int height, int background = -1,
-             int foreground = -1);
+    TextArea(Window* parent, int dx, int dy, int width, int height, int background = -1, int foreground = -1);
     ~TextArea() override = default;
 
     // Also repaints: an inactive area shows its text without colour tags.

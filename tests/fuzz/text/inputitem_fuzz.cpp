@@ -16,8 +16,8 @@ namespace {
 
 Kovo::Window* root = nullptr;
 
-const int kSpecialKeys[] = {KEY_HOME, KEY_END, KEY_LEFT, KEY_RIGHT, KEY_DC, KEY_BACKSPACE, 8, 127,
-                            KEY_UP, KEY_F(2), '\t', 0};
+const int kSpecialKeys[] = {KEY_HOME, KEY_END, KEY_LEFT, KEY_RIGHT, KEY_DC, KEY_BACKSPACE,
+                            8,        127,     KEY_UP,   KEY_F(2),  '\t',   0};
 
 void CheckState(const Kovo::InputItem& field) {
     int length = static_cast<int>(field.GetValue().size());

@@ -35,7 +35,8 @@ protected:
         for (int i = 0; i < count; ++i) {
             bool label = std::find(labels.begin(), labels.end(), i) != labels.end();
             _items.push_back(std::make_unique<LabelItem>(std::to_string(i), !label));
-            if (std::find(disabled.begin(), disabled.end(), i) != disabled.end()) _items.back()->SetEnabled(false);
+            if (std::find(disabled.begin(), disabled.end(), i) != disabled.end())
+                _items.back()->SetEnabled(false);
         }
         std::vector<Item*> raw;
         for (auto& item : _items) raw.push_back(item.get());

@@ -103,10 +103,23 @@ TEST_F(TextAreaTest, AppendBuildsOnTheKeptText) {
 }
 
 TEST_F(TextAreaTest, KnowsEveryHostValueByName) {
-    const char* names[] = {"ip", "ssl-thumbprint", "ssh-dsa-fingerprint", "ssh-rsa-fingerprint",
-                           "serial-number", "hostname", "qorproduct", "qorversion", "supportstart",
-                           "supportperiod", "memory", "servicetag", "assettag", "BIOSversion",
-                           "BMCversion", "CPLDversion", "PLSAversion"};
+    const char* names[] = {"ip",
+                           "ssl-thumbprint",
+                           "ssh-dsa-fingerprint",
+                           "ssh-rsa-fingerprint",
+                           "serial-number",
+                           "hostname",
+                           "qorproduct",
+                           "qorversion",
+                           "supportstart",
+                           "supportperiod",
+                           "memory",
+                           "servicetag",
+                           "assettag",
+                           "BIOSversion",
+                           "BMCversion",
+                           "CPLDversion",
+                           "PLSAversion"};
     EXPECT_EQ(_area->Variables().size(), std::size(names));
     for (const char* name : names) EXPECT_EQ(_area->Variables().count(name), 1u) << name;
     _area->SetText("{supportstart}|{supportperiod}|{CPLDversion}");
