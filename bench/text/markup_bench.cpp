@@ -14,12 +14,13 @@
 namespace {
 
 // A pane of the kind the menu windows show: headings, padded labels with values, wrapped prose, a
-// right-aligned key line, and host values.
+// right-aligned key line, and variables. Only variables that read nothing from the host are named, so
+// the figure is the renderer's own.
 std::string DetailPane() {
     std::string text =
         "{color:white}Configure Management Network{/color}\n\n"
-        "{align:padding:24}Hostname:{/align}{color:white}{hostname}{/color}\n"
-        "{align:padding:24}IPv4 Address:{/align}{color:white}{ip}{/color}\n"
+        "{align:padding:24}Hostname:{/align}{color:white}esx01.example{/color}\n"
+        "{align:padding:24}IPv4 Address:{/align}{color:white}10.20.30.40{/color}\n"
         "{align:padding:24}Support:{/align}{color:white}{supportstart} / {supportperiod}{/color}\n\n";
     for (int i = 0; i < 6; ++i) {
         text +=
@@ -27,7 +28,7 @@ std::string DetailPane() {
             "when you leave this window and confirm them; the {color:yellow}network is restarted{/color} "
             "and connections to the host may drop for a moment.\n";
     }
-    text += "\n{align:padding:24}Service tag:{/align}{servicetag}\n";
+    text += "\n{align:padding:24}CPLD:{/align}{CPLDversion}\n";
     text +=
         "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}  "
         "{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
