@@ -1,0 +1,288 @@
+#include "system/GeneralWindow.h"
+
+#include <curses.h>
+#include <syslog.h>
+
+#include <algorithm>
+
+#include "app/CommandRunner.h"
+#include "app/KeyReader.h"
+#include "app/MessageDialog.h"
+#include "app/Startup.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/ZenkNic.h"
+#include "platform/zenkctl/NetworkInfoImpl.h"
+#include "platform/zenkctl/UserAdvancedOptionImpl.h"
+#include "system/LogPager.h"
+#include "system/MenuCodes.h"
+#include "text/ItemList.h"
+#include "text/LabelItem.h"
+#include "text/StringFactory.h"
+#include "text/TextArea.h"
+
+namespace Kovo {
+
+namespace {
+
+enum Key : int {
+    kEnter = 10,
+    kEscape = 27,
+    kDown = KEY_DOWN,
+    kUp = KEY_UP,
+    kPageDown = KEY_NPAGE,
+    kPageUp = KEY_PPAGE,
+};
+
+enum StringId : unsigned {
+    kVersionLine = 2,
+    kMenuTitle = 4,
+    kRestartNetworkError = 16,
+    kNoManagementInterface = 19,
+    kPasswordHelp = 21,
+    kLockdownHelp = 22,
+    kNetworkHelp = 23,
+    kRestartNetworkHelp = 24,
+    kTestNetworkHelp = 25,
+    kRestoreHelp = 26,
+    kTroubleshootingHelp = 28,
+    kResetHelp = 29,
+    kKeyboardHelp = 32,
+    kEmptyPasswordHelp = 33,
+    kIpv4AddressLabel = 35,
+    kHostnameLabel = 40,
+    kEnabled = 113,
+    kDisabled = 114,
+};
+
+constexpr const char* kListFooter =
+    "{color:black}<Up/Down>{/color} {color:dark-grey}Select{/color}  "
+    "{color:black}<Esc>{/color} {color:dark-grey}Log Out{/color}";
+constexpr const char* kEnterFooter =
+    "{align:right}{color:white}<Enter>{/color} {color:light-grey}Change{/color}{/align}";
+
+// A host value for the detail pane; a host that cannot tell it leaves the line out.
+std::string Guarded(std::string (*read)()) {
+    try {
+        return read();
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        syslog(LOG_ERR, "Unable to read the management network settings: %s", e.what());
+        return {};
+    }
+}
+
+bool LookUpManagementInterface() {
+    try {
+        ZenkCtl::Network::NetworkInfoImpl network;
+        network.UpdateManagementInterface();
+        auto nic = network.GetManagementInterface();
+        const bool valid = nic && nic->IsValid();
+        GeneralWindow::_mgmtIntf = valid ? std::move(nic) : nullptr;
+        return valid;
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        syslog(LOG_ERR, "Unable to look up the management network interface: %s", e.what());
+        GeneralWindow::_mgmtIntf = nullptr;
+        return false;
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<HostCtl::Network::ZenkNic> GeneralWindow::_mgmtIntf;
+
+MenuFacts GeneralWindow::ReadHostFacts() {
+    MenuFacts facts;
+    facts.lockdownEnabled = HclCmdQuery("hclsvc/auth/lockdown_is_enabled");
+    facts.lockdownPossible = facts.lockdownEnabled || HclCmdQuery("hclsvc/auth/lockdown_is_possible");
+    facts.managementInterface = LookUpManagementInterface();
+    try {
+        facts.pxeBoot = ZenkCtl::Adv::UserAdvancedOptionImpl().FindOption("PXEBootEnabled") != nullptr;
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        syslog(LOG_ERR, "Unable to read the host's boot options: %s", e.what());
+    }
+    facts.keyboard = usingKeyboard;
+    return facts;
+}
+
+GeneralWindow::GeneralWindow(Frame* parent) : GeneralWindow(parent, ReadHostFacts()) {}
+
+GeneralWindow::GeneralWindow(Frame* parent, const MenuFacts& facts)
+    : RootWindow(parent), _lockdownEnabled(facts.lockdownEnabled) {
+    std::vector<Item*> items;
+    for (const MenuEntry& entry : facts.Entries()) {
+        auto item = std::make_unique<LabelItem>(Strings()->GetString(entry.code), entry.selectable);
+        item->SetEnabled(entry.enabled);
+        items.push_back(item.get());
+        _items.push_back(std::move(item));
+        _codes.push_back(entry.code);
+    }
+    List()->SetItems(items);
+    LeftTitle()->SetText(Strings()->GetString(kMenuTitle));
+    LeftFooter()->SetText(kListFooter);
+    List()->Draw();
+    DrawDetails();
+    DrawStatusLine();
+}
+
+// The list keeps pointers to the items; it goes with the window tree, after them here, but draws
+// nothing on the way.
+GeneralWindow::~GeneralWindow() = default;
+
+unsigned GeneralWindow::SelectedCode() const {
+    const Item* selected = List()->GetSelectedItem();
+    for (std::size_t i = 0; i < _items.size(); ++i)
+        if (_items[i].get() == selected) return _codes[i];
+    return kBlankLine;
+}
+
+void GeneralWindow::DrawStatusLine() {
+    // Kept as the area's text (not printed over it) so that every repaint of the area shows it again.
+    const std::string version = Strings()->GetString(kVersionLine);
+    const int column = std::max(0, COLS / 2 - static_cast<int>(version.size()) / 2);
+    StatusLine()->SetText(std::string(static_cast<std::size_t>(column), ' ') + version);
+}
+
+std::string GeneralWindow::NetworkDetails() const {
+    std::string text;
+    if (_mgmtIntf) {
+        const std::string address = Guarded(&TextArea::GetIpValue);
+        const std::string hostname = Guarded(&TextArea::GetHostnameValue);
+        if (!address.empty())
+            text += std::string("{color:white}") + Strings()->GetString(kIpv4AddressLabel) + ":{/color}\n  " +
+                    address + "\n\n";
+        if (!hostname.empty())
+            text += std::string("{color:white}") + Strings()->GetString(kHostnameLabel) + ":{/color}\n  " +
+                    hostname + "\n\n";
+    }
+    return text + Strings()->GetString(kNetworkHelp);
+}
+
+void GeneralWindow::DrawDetails() {
+    const unsigned code = SelectedCode();
+    StringFactory& strings = *Strings();
+    std::string text;
+    std::string footer = kEnterFooter;
+    switch (code) {
+        case kConfigurePassword:
+            text = strings.GetString(Frame::_isUserPasswordEmpty ? kEmptyPasswordHelp : kPasswordHelp);
+            break;
+        case kConfigureLockdown:
+            text = std::string("{color:white}") + strings.GetString(_lockdownEnabled ? kEnabled : kDisabled) +
+                   "{/color}\n\n" + strings.GetString(kLockdownHelp);
+            break;
+        case kConfigureNetwork:
+            text = NetworkDetails();
+            break;
+        case kRestartNetwork:
+            text = strings.GetString(kRestartNetworkHelp);
+            break;
+        case kTestNetwork:
+            text = strings.GetString(kTestNetworkHelp);
+            break;
+        case kNetworkRestore:
+            text = strings.GetString(kRestoreHelp);
+            break;
+        case kTroubleshooting:
+            text = strings.GetString(kTroubleshootingHelp);
+            break;
+        case kResetConfiguration:
+            text = strings.GetString(kResetHelp);
+            break;
+        case kConfigureKeyboard:
+            text = strings.GetString(kKeyboardHelp);
+            break;
+        case kViewSystemLogs:
+            _logs.Refresh();
+            text = _logs.Details(strings);
+            footer.clear();
+            break;
+        case kViewSupportInfo:
+            text = _support.Compose(_supportPage, strings);
+            footer = _support.Footer(_supportPage);
+            break;
+        default:
+            footer.clear();
+            break;
+    }
+    RightTitle()->SetText(strings.GetString(code));
+    Details()->SetText(text);
+    RightFooter()->SetText(footer);
+}
+
+void GeneralWindow::UpdateDetails() {
+    DrawDetails();
+}
+
+void GeneralWindow::Notification() {
+    DrawDetails();
+}
+
+void GeneralWindow::Choose(unsigned code) {
+    switch (code) {
+        case kRestartNetwork:
+            if (!LookUpManagementInterface()) {
+                MessageDialog(this, kRestartNetworkError, kNoManagementInterface).RunModal();
+            }
+            break;
+        // The other entries open their screens here as those screens come; until then Enter on them
+        // leaves the menu as it is.
+        default:
+            break;
+    }
+}
+
+void GeneralWindow::OpenLog(int row) {
+    Frame::fgFrame = nullptr;
+    LogPager().Show(SystemLogs::Table()[static_cast<std::size_t>(row)].path);
+    SetActive(false);
+    SetActive(true);
+    Frame::fgFrame = this;
+    clearok(curscr, TRUE);
+    refresh();
+}
+
+bool GeneralWindow::OnKey(int key) {
+    const unsigned code = SelectedCode();
+    switch (key) {
+        case kEscape:
+            return false;
+        case kDown:
+        case kUp:
+            // Support information always opens on its first page.
+            _supportPage = 0;
+            key == kDown ? List()->Down() : List()->Up();
+            DrawDetails();
+            return true;
+        case kEnter:
+            Choose(code);
+            DrawStatusLine();
+            return true;
+        case kPageDown:
+            if (code == kViewSupportInfo && _supportPage + 1 < _support.Count()) {
+                ++_supportPage;
+                DrawDetails();
+            }
+            return true;
+        case kPageUp:
+            if (code == kViewSupportInfo && _supportPage > 0) {
+                --_supportPage;
+                DrawDetails();
+            }
+            return true;
+        default:
+            break;
+    }
+    if (code == kViewSystemLogs && key >= '0' && key <= '9') {
+        if (auto row = SystemLogs::RowForDigit(key - '0', _logs.Available())) OpenLog(*row);
+    }
+    return true;
+}
+
+int GeneralWindow::HandleKey() {
+    List()->Draw();
+    DrawStatusLine();
+    while (OnKey(GetKey(this, true))) {
+    }
+    return 1;
+}
+
+}  // namespace Kovo

@@ -1,0 +1,59 @@
+#include "system/SystemLogs.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "text/StringFactory.h"
+
+namespace Kovo {
+
+namespace {
+constexpr unsigned kLogsHelp = 27;
+}  // namespace
+
+const std::array<SystemLogs::Log, SystemLogs::kCount>& SystemLogs::Table() {
+    static const std::array<Log, kCount> table{{
+        {"Syslog", "/var/log/syslog.log"},
+        {"ZenKernel", "/var/log/zenkernel.log"},
+        {"Config", "/var/log/sysboot.log"},
+        {"Management Agent (hagentd)", "/var/log/hagentd.log"},
+        {"xCenter Agent (hostagent2)", "/var/log/hostagent2.log"},
+        {"High Availibility Agent (haagent)", "/var/log/haagent.log"},
+        {"Halvor Qori Observation log (obsd)", "/var/log/obsd.log"},
+    }};
+    return table;
+}
+
+std::optional<int> SystemLogs::RowForDigit(int digit, const Availability& available) {
+    if (digit < 0 || digit > 9) return std::nullopt;
+    int count = 0;
+    for (int row = 0; row < kCount; ++row) {
+        if (available[static_cast<std::size_t>(row)]) ++count;
+        if (count == digit) return row;
+    }
+    if (count < kCount) return count;
+    return std::nullopt;
+}
+
+void SystemLogs::Refresh() {
+    for (int row = 0; row < kCount; ++row) {
+        const char* path = Table()[static_cast<std::size_t>(row)].path;
+        struct stat info {};
+        _available[static_cast<std::size_t>(row)] =
+            stat(path, &info) == 0 && S_ISREG(info.st_mode) && access(path, R_OK) == 0;
+    }
+}
+
+std::string SystemLogs::Details(const StringFactory& strings) const {
+    std::string text = strings.GetString(kLogsHelp);
+    text += "\n";
+    int digit = 0;
+    for (int row = 0; row < kCount; ++row) {
+        if (!_available[static_cast<std::size_t>(row)]) continue;
+        text += "\n{color:white}<" + std::to_string(++digit) + ">{/color} " +
+                Table()[static_cast<std::size_t>(row)].label;
+    }
+    return text;
+}
+
+}  // namespace Kovo
