@@ -268,8 +268,10 @@ bool HclCmdQuery(const char* commandPath) {
     int status = RunCommand("/bin/hcl-cmd", argv, output, &outputLength, nullptr, nullptr, nullptr, 0,
                             kQueryTimeoutSeconds);
     if (status != 0) syslog(LOG_ERR, "hcl-cmd invocation failure: %m");
-    return outputLength >= 4 && memcmp(output, "true", 4) == 0;
+    return IsTrueAnswer(output, outputLength);
 }
+
+bool IsTrueAnswer(const char* output, int length) { return length >= 4 && memcmp(output, "true", 4) == 0; }
 
 void RefreshHostAgent() { RunHclCmd({"hcl-cmd", "-U", Frame::_loginName, "internalsvc/refresh"}); }
 

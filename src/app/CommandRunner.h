@@ -24,6 +24,8 @@ int RunHclCmd(std::vector<std::string> argv, char* output = nullptr, int* output
 
 // Asks the host tool a yes/no question as the console's own user: true when its answer starts "true".
 bool HclCmdQuery(const char* commandPath);
+// The host tool's yes: the answer begins with the four characters "true".
+bool IsTrueAnswer(const char* output, int length);
 
 // Makes the host agent re-read the host's state after a change.
 void RefreshHostAgent();

@@ -113,6 +113,18 @@ TEST(CommandRunner, ChildGetsDefaultSignalMask) {
     EXPECT_EQ(r.out, "SigBlk:\t0000000000000000\n");
 }
 
+TEST(CommandRunner, QueryAnswerIsTrueOnlyWhenItStartsWithTrue) {
+    auto yes = [](const std::string& text) { return IsTrueAnswer(text.data(), static_cast<int>(text.size())); };
+    EXPECT_TRUE(yes("true"));
+    EXPECT_TRUE(yes("true\n"));
+    EXPECT_TRUE(yes("trueish and more"));
+    EXPECT_FALSE(yes(" true"));
+    EXPECT_FALSE(yes("tru"));
+    EXPECT_FALSE(yes("false"));
+    EXPECT_FALSE(yes("TRUE"));
+    EXPECT_FALSE(yes(""));
+}
+
 TEST(CommandRunner, RunShellReturnsStatus) {
     EXPECT_EQ(RunShell("exit 4"), 4);
     EXPECT_EQ(RunShell("true"), 0);
