@@ -2,15 +2,21 @@
 
 #include <curses.h>
 #include <syslog.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <cstring>
 #include <sstream>
 #include <vector>
 
 #include "app/Colors.h"
+#include "access/LoginAudit.h"
+#include "access/LoginDialog.h"
+#include "access/LoginDisabledDialog.h"
 #include "app/KeyReader.h"
+#include "app/KovoTimeout.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/zenkctl/CpuInfoImpl.h"
 #include "platform/zenkctl/DnsConfigImpl.h"
@@ -20,6 +26,7 @@
 #include "platform/zenkctl/SysinfoUtil.h"
 #include "platform/zenkctl/SystemInfoImpl.h"
 #include "text/StringFactory.h"
+#include "system/GeneralWindow.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
@@ -34,6 +41,8 @@ constexpr const char* kNoAdapter =
     "No compatible network adapter found. Please consult the product's Hardware Compatibility Guide (HCG) for "
     "a list of supported adapters.";
 constexpr const char* kNoAdapterAlert = "No compatible network adapter found.";
+// Present while the host allows logins at its console.
+constexpr const char* kLoginMarker = "/var/run/halvor/show-kovo-login";
 
 enum StringId : unsigned {
     kCustomizeSystem = 0,
@@ -202,7 +211,44 @@ int WelcomeWindow::HandleKey() {
             Build();
             continue;
         }
-        if (key == KEY_F(2) || key == KEY_F(12)) continue;  // the login round trip comes with the login dialog
+        if (key != KEY_F(2) && key != KEY_F(12)) {
+            clearok(curscr, TRUE);
+            Build();
+            continue;
+        }
+        RunSession(key == KEY_F(2));
+        SetLoggedIn(false);
+        // A restart asked for while somebody was logged in happens once the session is over.
+        if (Frame::_markForRestart) exit(0);
+    }
+}
+
+bool WelcomeWindow::LoginAllowed() { return access(kLoginMarker, F_OK) == 0; }
+
+void WelcomeWindow::RunSession(bool customize) {
+    try {
+        if (!LoginAllowed()) {
+            LoginDisabledDialog(this).RunModal();
+            return;
+        }
+        auto login = std::make_unique<LoginDialog>(this);
+        if (!login->RunModal()) return;
+        if (customize) {
+            SetLoggedIn(true);
+            auto menu = std::make_unique<GeneralWindow>(this);
+            menu->RunModal();
+            SetLoggedIn(false);
+            syslog(LOG_INFO, "User %s logged out", Frame::_loginName.c_str());
+            AuditLogin("login.disconnect", Frame::_loginName, true, "Session closed");
+            Build();
+        } else {
+            // Shutting down and restarting the host come with their dialog.
+            Build();
+        }
+    } catch (const KovoTimeout&) {
+        syslog(LOG_INFO, "User %s logged out due to time out", Frame::_loginName.c_str());
+        AuditLogin("login.disconnect", Frame::_loginName, true, "Time out");
+        SetActive(true);
         clearok(curscr, TRUE);
         Build();
     }

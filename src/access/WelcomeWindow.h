@@ -10,7 +10,7 @@ namespace Kovo {
 class TextArea;
 
 // The idle screen: who the host is, where to manage it from, warnings about its state, and the keys
-// that lead to a login.
+// that lead to a login. It owns the session round trip and ends idle sessions.
 class WelcomeWindow : public Frame {
 public:
     WelcomeWindow();
@@ -26,6 +26,9 @@ public:
     std::string AddressText();
 
 private:
+    static bool LoginAllowed();
+    // One login round: the login dialog, then the menu (F2) or the shutdown dialog (F12).
+    void RunSession(bool customize);
     std::string ProductBlock() const;
     std::string HardwareLine() const;
     std::string ProcessorLine() const;

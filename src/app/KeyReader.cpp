@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 
+#include "access/SmartCardLogin.h"
 #include "app/Frame.h"
 #include "app/KovoTimeout.h"
 #include "app/Log.h"
@@ -174,6 +175,7 @@ int GetKey(Frame* frame, bool useIdleTimeout) {
             case kInputFailed: continue;
             case kHostNotification:
                 if (Frame::fgFrame) Frame::fgFrame->Notification();
+                CheckSmartCard();
                 continue;
             case kRestartRequest:
                 if (!Frame::_loggedIn) exit(0);
