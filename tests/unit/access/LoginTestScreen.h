@@ -20,7 +20,9 @@ namespace Kovo::Testing {
 
 // Key sequences of an xterm-256color keyboard in application mode.
 namespace Keys {
-inline const std::string kEsc = "\033";
+// A bare ESC makes curses wait for a sequence and swallow the key typed after it; a person's keys come
+// apart in time, a script's do not. The scripted Esc is therefore a sequence of its own that reads as Esc.
+inline const std::string kEsc = "\033[999~";
 inline const std::string kEnter = "\n";
 inline const std::string kTab = "\t";
 inline const std::string kUp = "\033OA";
@@ -38,7 +40,7 @@ class ScriptedScreen : public ::testing::Test {
   protected:
     void SetUp() override {
         // A loop that waits for a key the script never sends must fail the run, not hang it.
-        alarm(60);
+        alarm(20);
         ASSERT_EQ(pipe(keys_), 0);
         savedStdin_ = dup(0);
         ASSERT_EQ(dup2(keys_[0], 0), 0);
@@ -52,6 +54,7 @@ class ScriptedScreen : public ::testing::Test {
         InitColors();
         keypad(stdscr, TRUE);
         set_escdelay(25);
+        define_key(Keys::kEsc.c_str(), 27);
         ResetSession();
     }
 

@@ -1,0 +1,168 @@
+#include <curses.h>
+#include <security/pam_appl.h>
+
+#include <string>
+#include <vector>
+
+#include "LoginTestScreen.h"
+#include "access/ChangePasswordDialog.h"
+#include "text/InputItem.h"
+#include "text/ItemList.h"
+
+namespace Kovo {
+namespace {
+
+using namespace Testing;
+
+// The session user "admin" has the password "Old-Pass1"; "Expired-1" is right but expired.
+struct FakePam {
+    static inline std::vector<std::string> checked;
+    static inline std::vector<std::string> changes;
+    static inline bool acceptChange = true;
+
+    static int Authenticate(const std::string& user, const std::string& password) {
+        checked.push_back(user + ":" + password);
+        if (password == "Old-Pass1") return PAM_SUCCESS;
+        if (password == "Expired-1") return PAM_NEW_AUTHTOK_REQD;
+        return PAM_AUTH_ERR;
+    }
+    static bool Change(const std::string& user, const std::string& oldPassword,
+                       const std::string& newPassword) {
+        changes.push_back(user + ":" + oldPassword + ">" + newPassword);
+        return acceptChange;
+    }
+};
+
+class ChangePasswordTest : public ScriptedScreen {
+  protected:
+    void SetUp() override {
+        ScriptedScreen::SetUp();
+        FakePam::checked.clear();
+        FakePam::changes.clear();
+        FakePam::acceptChange = true;
+        Frame::_loginName = "admin";
+        Frame::_isUserPasswordEmpty = true;
+    }
+    int Run(const std::string& keys) {
+        Type(keys);
+        TestRootFrame root;
+        ChangePasswordDialog dialog(&root, PamOps{FakePam::Authenticate, FakePam::Change});
+        const int result = dialog.RunModal();
+        for (int i = 0; i < 3; ++i) fields_[i] = dialog.Field(i).GetValue();
+        focused_ = dialog.List().GetSelected();
+        return result;
+    }
+    std::string fields_[3];
+    int focused_ = -1;
+};
+
+TEST(NewPasswordChecks, RunInTheOrderTheOperatorIsToldAboutThem) {
+    // A mismatch is reported before emptiness, emptiness before sameness.
+    EXPECT_EQ(CheckNewPassword("a", "", "x"), NewPasswordCheck::Mismatch);
+    EXPECT_EQ(CheckNewPassword("a", "a", "b"), NewPasswordCheck::Mismatch);
+    EXPECT_EQ(CheckNewPassword("a", "", ""), NewPasswordCheck::Empty);
+    EXPECT_EQ(CheckNewPassword("", "", ""), NewPasswordCheck::Empty);
+    EXPECT_EQ(CheckNewPassword("a", "a", "a"), NewPasswordCheck::SameAsOld);
+    EXPECT_EQ(CheckNewPassword("a", "b", "b"), NewPasswordCheck::Ready);
+    // Passwords are compared exactly, not by a prefix or case-blind.
+    EXPECT_EQ(CheckNewPassword("Pass", "pass", "pass"), NewPasswordCheck::Ready);
+    EXPECT_EQ(CheckNewPassword("Pass", "Pass ", "Pass"), NewPasswordCheck::Mismatch);
+}
+
+TEST(PasswordKeyRouting, TabGoesBackUpFromConfirmAndNeverSkipsTheOldPasswordCheck) {
+    EXPECT_EQ(RoutePasswordKey('\t', 2), PasswordKey::Previous);
+    EXPECT_EQ(RoutePasswordKey('\t', 1), PasswordKey::Next);
+    EXPECT_EQ(RoutePasswordKey('\t', 0), PasswordKey::Ignore);
+    EXPECT_EQ(RoutePasswordKey(KEY_DOWN, 0), PasswordKey::Ignore);
+    EXPECT_EQ(RoutePasswordKey('\n', 0), PasswordKey::VerifyOld);
+    EXPECT_EQ(RoutePasswordKey('\n', 1), PasswordKey::Next);
+    EXPECT_EQ(RoutePasswordKey(KEY_ENTER, 2), PasswordKey::Submit);
+    EXPECT_EQ(RoutePasswordKey(27, 1), PasswordKey::Cancel);
+    for (int key : {int('x'), KEY_BACKSPACE, 8, KEY_DC, KEY_LEFT, KEY_END})
+        EXPECT_EQ(RoutePasswordKey(key, 1), PasswordKey::Edit) << key;
+}
+
+TEST_F(ChangePasswordTest, WrongOldPasswordIsClearedAndKeepsTheFocus) {
+    EXPECT_EQ(Run("nope" + Keys::kEnter + Keys::kEnter + "x" + Keys::kEsc), 0);
+    EXPECT_EQ(FakePam::checked, std::vector<std::string>{"admin:nope"});
+    EXPECT_EQ(fields_[0], "x") << "typed into a cleared old password field";
+    EXPECT_EQ(focused_, 0);
+}
+
+TEST_F(ChangePasswordTest, RightOrExpiredOldPasswordMovesOnToTheNewOne) {
+    EXPECT_EQ(Run("Expired-1" + Keys::kEnter + Keys::kEsc), 0);
+    EXPECT_EQ(focused_, 1);
+    EXPECT_EQ(Run("Old-Pass1" + Keys::kEnter + Keys::kEsc), 0);
+    EXPECT_EQ(focused_, 1);
+    EXPECT_EQ(fields_[0], "Old-Pass1");
+}
+
+TEST_F(ChangePasswordTest, MismatchAndEmptyAreRefusedBeforePamIsAsked) {
+    EXPECT_EQ(Run("Old-Pass1" + Keys::kEnter + "New-Pass2" + Keys::kEnter + "New-Pass3" + Keys::kEnter +
+                  Keys::kEnter + Keys::kEsc),
+              0);
+    EXPECT_EQ(Run("Old-Pass1" + Keys::kEnter + Keys::kEnter + Keys::kEnter + Keys::kEnter + Keys::kEsc), 0);
+    EXPECT_TRUE(FakePam::changes.empty());
+    // The fields stay as typed after a refused check.
+    EXPECT_EQ(fields_[0], "Old-Pass1");
+    EXPECT_EQ(focused_, 2);
+}
+
+TEST_F(ChangePasswordTest, SamePasswordNeedsConfirmation) {
+    const std::string same =
+        "Old-Pass1" + Keys::kEnter + "Old-Pass1" + Keys::kEnter + "Old-Pass1" + Keys::kEnter;
+    EXPECT_EQ(Run(same + Keys::kEsc + Keys::kEsc), 0);
+    EXPECT_TRUE(FakePam::changes.empty());
+    EXPECT_EQ(fields_[1], "Old-Pass1");
+    EXPECT_EQ(fields_[2], "Old-Pass1");
+
+    EXPECT_EQ(Run(same + Keys::kEnter), 1);
+    EXPECT_EQ(FakePam::changes, std::vector<std::string>{"admin:Old-Pass1>Old-Pass1"});
+}
+
+TEST_F(ChangePasswordTest, RejectedPasswordReturnsToTheNewPasswordField) {
+    FakePam::acceptChange = false;
+    EXPECT_EQ(Run("Old-Pass1" + Keys::kEnter + "weak" + Keys::kEnter + "weak" + Keys::kEnter + Keys::kEnter +
+                  Keys::kEsc),
+              0);
+    EXPECT_EQ(FakePam::changes, std::vector<std::string>{"admin:Old-Pass1>weak"});
+    EXPECT_EQ(focused_, 1);
+    EXPECT_TRUE(Frame::_isUserPasswordEmpty) << "a failed change must not touch the session";
+}
+
+TEST_F(ChangePasswordTest, SuccessfulChangeReportsTheNewPasswordAsSet) {
+    EXPECT_EQ(Run("Old-Pass1" + Keys::kEnter + "New-Pass2" + Keys::kEnter + "New-Pass2" + Keys::kEnter), 1);
+    EXPECT_EQ(FakePam::changes, std::vector<std::string>{"admin:Old-Pass1>New-Pass2"});
+    EXPECT_FALSE(Frame::_isUserPasswordEmpty);
+}
+
+TEST_F(ChangePasswordTest, TabOnConfirmGoesBackToTheNewPassword) {
+    // Tab from confirm to new, retype the new password (replace mode), Tab to confirm, submit.
+    EXPECT_EQ(Run("Old-Pass1" + Keys::kEnter + "Typo-Pas1" + Keys::kEnter + "New-Pass2" + Keys::kTab +
+                  "New-Pass2" + Keys::kTab + Keys::kEnter),
+              1);
+    EXPECT_EQ(FakePam::changes, std::vector<std::string>{"admin:Old-Pass1>New-Pass2"});
+}
+
+TEST_F(ChangePasswordTest, RandomBytesInEveryFieldNeverBreakTheDialog) {
+    std::string noise;
+    for (int i = 0; i < 3000; ++i) {
+        const char byte = static_cast<char>((i * 7919 + 13) & 0xff);
+        // Keys that would end the script early or move the focus stay out, with or without the eighth bit.
+        const char low = static_cast<char>(byte & 0x7f);
+        if (low != '\033' && low != '\n' && low != '\r' && low != '\t') noise += byte;
+    }
+    const std::string huge(2500, 'P');
+    // Noise as the old password (refused, message closed), the right one, then noise in the other two.
+    EXPECT_EQ(Run(noise + Keys::kEnter + Keys::kEnter + "Old-Pass1" + Keys::kEnter + noise + huge +
+                  Keys::kEnter + noise + huge + Keys::kEsc),
+              0);
+    EXPECT_EQ(FakePam::checked.size(), 2u);
+    EXPECT_TRUE(FakePam::changes.empty());
+    for (const std::string& field : fields_)
+        for (char c : field) ASSERT_TRUE(isprint(static_cast<unsigned char>(c))) << int(c);
+    EXPECT_GE(fields_[1].size(), huge.size());
+}
+
+}  // namespace
+}  // namespace Kovo
