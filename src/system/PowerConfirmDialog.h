@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+
+#include "app/Dialog.h"
+
+namespace Kovo {
+
+class ActionHost;
+
+// Takes the host down: shows what is happening, powers the virtual machines off (forcibly unless they
+// are to be kept), then runs the power command. Returns 0 only when that command could not be run at
+// all; otherwise it stays, discarding keys, until the host is gone.
+class PowerConfirmDialog : public Dialog {
+  public:
+    int HandleKey() override;
+    // True when running virtual machines are not to be terminated forcibly.
+    bool KeepVms() const { return _keepVms; }
+
+  protected:
+    PowerConfirmDialog(Frame* parent, bool keepVms, unsigned titleId, unsigned bodyId, std::string command,
+                       ActionHost& host);
+
+  private:
+    bool _keepVms;
+    unsigned _titleId;
+    unsigned _bodyId;
+    std::string _command;
+    ActionHost& _host;
+};
+
+}  // namespace Kovo

@@ -1,0 +1,13 @@
+#include "system/RebootConfirmDialog.h"
+
+namespace Kovo {
+
+namespace {
+constexpr unsigned kTitle = 168, kBody = 169;
+constexpr const char* kCommand = "reboot";
+}  // namespace
+
+RebootConfirmDialog::RebootConfirmDialog(Frame* parent, bool keepVms, ActionHost& host)
+    : PowerConfirmDialog(parent, keepVms, kTitle, kBody, kCommand, host) {}
+
+}  // namespace Kovo

@@ -1,0 +1,108 @@
+#pragma once
+
+// A host for the system-action screens that records every call in order and answers with scripted
+// statuses, plus a key-script screen to run the screens' real loops on.
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "../access/LoginTestScreen.h"
+#include "platform/store/HostStore.h"
+#include "system/ActionHost.h"
+
+namespace Kovo::Testing {
+
+// Thrown where the real host would end the process (it went down).
+struct HostWentDown {};
+
+inline const std::string kF2 = "\033OQ";
+inline const std::string kF11 = "\033[23~";
+
+class RecordingHost : public ActionHost {
+  public:
+    explicit RecordingHost(std::shared_ptr<ZenkCtl::Store::HostStore> store = nullptr)
+        : ActionHost(std::move(store)) {}
+
+    // Every call as one line: "<program>: argv..." for programs, "shell: <line>", "exec: <line>",
+    // "query: <path>", "event: <text>", "powerOffVms[ --terminate]", "thread", "wait", "spin".
+    std::vector<std::string> calls;
+    // Status per call line; 0 for anything not listed.
+    std::map<std::string, int> status;
+    // Standard output per call line, for captured runs.
+    std::map<std::string, std::string> output;
+    std::map<std::string, std::string> errorOutput;
+    // Answers of Query per path; false when not listed.
+    std::map<std::string, bool> answers;
+    // Error number StartThread reports (0: the thread started).
+    int threadError = 0;
+    // Called right after a call has been recorded, with its line.
+    std::function<void(const std::string&)> onCall;
+
+    int Run(const std::string& program, const std::vector<std::string>& argv) override {
+        return Record(program + ":" + Join(argv));
+    }
+    int RunCaptured(const std::string& program, const std::vector<std::string>& argv, std::string& out,
+                    std::string& err, int capacity) override {
+        const std::string line = program + ":" + Join(argv);
+        out = output[line].substr(0, static_cast<size_t>(capacity));
+        err = errorOutput[line].substr(0, static_cast<size_t>(capacity));
+        return Record(line);
+    }
+    int Shell(const std::string& commandLine) override { return Record("shell: " + commandLine); }
+    void PowerOffVms(bool graceful) override { Record(graceful ? "powerOffVms" : "powerOffVms --terminate"); }
+    bool Query(const char* path) override {
+        Record(std::string("query: ") + path);
+        return answers[path];
+    }
+    int Exec(const std::string& commandLine) override { return Record("exec: " + commandLine); }
+    void PostEvent(const std::string& text) override { Record("event: " + text); }
+    int StartThread(void* (*)(void*)) override {
+        Record("thread");
+        return threadError;
+    }
+    void WaitForHostDown(Frame*) override {
+        Record("wait");
+        throw HostWentDown{};
+    }
+    void SpinForHostDown() override {
+        Record("spin");
+        throw HostWentDown{};
+    }
+
+    // The calls whose line starts with `prefix`.
+    std::vector<std::string> CallsStartingWith(const std::string& prefix) const {
+        std::vector<std::string> found;
+        for (const std::string& call : calls)
+            if (call.rfind(prefix, 0) == 0) found.push_back(call);
+        return found;
+    }
+
+  private:
+    static std::string Join(const std::vector<std::string>& argv) {
+        std::string text;
+        for (const std::string& arg : argv) text += " " + arg;
+        return text;
+    }
+    int Record(const std::string& line) {
+        calls.push_back(line);
+        if (onCall) onCall(line);
+        auto found = status.find(line);
+        return found == status.end() ? 0 : found->second;
+    }
+};
+
+// The whole composed screen as text, one line per row.
+inline std::string ScreenText() {
+    std::string text;
+    for (int y = 0; y < getmaxy(curscr); ++y) {
+        for (int x = 0; x < getmaxx(curscr); ++x)
+            text += static_cast<char>(mvwinch(curscr, y, x) & A_CHARTEXT);
+        text += "\n";
+    }
+    return text;
+}
+
+}  // namespace Kovo::Testing

@@ -1,0 +1,112 @@
+#include <gtest/gtest.h>
+
+#include "RecordingHost.h"
+#include "system/RestoreDialog.h"
+#include "system/ShutdownDialog.h"
+
+namespace Kovo {
+namespace {
+
+using namespace Testing;
+using Calls = std::vector<std::string>;
+
+const std::string kShutdownEvent = "event: @&!*@*@(obs.user.kovo.shutdown.host)Shutting down host";
+const std::string kRebootEvent = "event: @&!*@*@(obs.user.kovo.reboot.host)Rebooting host";
+const std::string kResetEvent =
+    "event: @&!*@*@(obs.user.kovo.restore.factory.defaults)Restoring factory defaults";
+const std::string kReset = "shell: /sbin/firmwareConfig.py --reset-only > /dev/null 2>&1";
+
+class ShutdownActions : public ScriptedScreen {
+  protected:
+    // Runs a dialog over the typed keys; -100 when the host went down instead of the dialog returning.
+    template <typename D>
+    int Run(const std::string& keys) {
+        Type(keys);
+        TestRootFrame root;
+        D dialog(&root, host_);
+        try {
+            return dialog.RunModal();
+        } catch (const HostWentDown&) {
+            return -100;
+        }
+    }
+    RecordingHost host_;
+};
+
+TEST_F(ShutdownActions, EscLeavesWithoutTouchingTheHost) {
+    EXPECT_EQ(Run<ShutdownDialog>(" x\n" + Keys::kEsc), 0);
+    EXPECT_TRUE(host_.calls.empty());
+}
+
+TEST_F(ShutdownActions, ShutDownKeepsVmsUnlessTheBoxIsChecked) {
+    std::string screenAtPowerOff;
+    host_.onCall = [&](const std::string& call) {
+        if (call.rfind("powerOffVms", 0) == 0) screenAtPowerOff = ScreenText();
+    };
+    EXPECT_EQ(Run<ShutdownDialog>(kF2), -100);
+    EXPECT_EQ(host_.calls, (Calls{kShutdownEvent, "powerOffVms", "shell: poweroff", "wait"}));
+    // The operator sees what is happening before anything is powered off.
+    EXPECT_NE(screenAtPowerOff.find("Shut Down Host"), std::string::npos) << screenAtPowerOff;
+    EXPECT_NE(screenAtPowerOff.find("Shutdown in progress..."), std::string::npos);
+}
+
+TEST_F(ShutdownActions, RestartWithTheBoxCheckedTerminatesVms) {
+    std::string screenAtPowerOff;
+    host_.onCall = [&](const std::string& call) {
+        if (call.rfind("powerOffVms", 0) == 0) screenAtPowerOff = ScreenText();
+    };
+    EXPECT_EQ(Run<ShutdownDialog>(" " + kF11), -100);
+    EXPECT_EQ(host_.calls, (Calls{kRebootEvent, "powerOffVms --terminate", "shell: reboot", "wait"}));
+    EXPECT_NE(screenAtPowerOff.find("Restart in progress..."), std::string::npos) << screenAtPowerOff;
+}
+
+TEST_F(ShutdownActions, UnrunnablePowerCommandReturnsToTheDialogAndEveryPressPostsAgain) {
+    host_.status["shell: poweroff"] = -1;
+    host_.status["shell: reboot"] = -1;
+    // Space twice leaves the box unchecked again.
+    EXPECT_EQ(Run<ShutdownDialog>(kF2 + "  " + kF2 + " " + kF11 + Keys::kEsc), 0);
+    EXPECT_EQ(host_.calls, (Calls{kShutdownEvent, "powerOffVms", "shell: poweroff",  //
+                                  kShutdownEvent, "powerOffVms", "shell: poweroff",  //
+                                  kRebootEvent, "powerOffVms --terminate", "shell: reboot"}));
+}
+
+TEST_F(ShutdownActions, PowerCommandFailingOtherwiseStillWaitsForTheHost) {
+    // Only "could not run" (-1) comes back; a command that ran and failed leaves the host to act.
+    host_.status["shell: poweroff"] = 1;
+    EXPECT_EQ(Run<ShutdownDialog>(kF2), -100);
+    EXPECT_EQ(host_.calls.back(), "wait");
+}
+
+TEST_F(ShutdownActions, ResetWaitsForF11AndEscCancels) {
+    EXPECT_EQ(Run<RestoreDialog>("\n x" + kF2 + Keys::kEsc), 0);
+    EXPECT_TRUE(host_.calls.empty());
+}
+
+TEST_F(ShutdownActions, FailedResetReturnsSilently) {
+    host_.status[kReset] = 1;
+    EXPECT_EQ(Run<RestoreDialog>(kF11 + "\n"), 0);
+    EXPECT_EQ(host_.calls, (Calls{kResetEvent, kReset}));
+    EXPECT_EQ(ScreenText().find("Default settings are restored"), std::string::npos);
+}
+
+TEST_F(ShutdownActions, AfterResetOnlyEnterRestartsAndNothingIsReadAfterwards) {
+    std::string screenAtReboot;
+    host_.onCall = [&](const std::string& call) {
+        if (call == "shell: reboot -f") screenAtReboot = ScreenText();
+    };
+    // Esc and other keys after the reset are ignored; the key after Enter is never read.
+    EXPECT_EQ(Run<RestoreDialog>(kF11 + Keys::kEsc + "x" + kF11 + "\n" + Keys::kEsc), -100);
+    EXPECT_EQ(host_.calls, (Calls{kResetEvent, kReset, "shell: reboot -f", "spin"}));
+    EXPECT_NE(screenAtReboot.find("Default settings are restored."), std::string::npos) << screenAtReboot;
+    EXPECT_NE(screenAtReboot.find("<Enter> Restart Host"), std::string::npos);
+    EXPECT_EQ(screenAtReboot.find("Reset System Configuration now?"), std::string::npos);
+}
+
+TEST_F(ShutdownActions, UnrunnableRebootAfterResetReturns) {
+    host_.status["shell: reboot -f"] = -1;
+    EXPECT_EQ(Run<RestoreDialog>(kF11 + "\n"), 0);
+    EXPECT_EQ(host_.calls, (Calls{kResetEvent, kReset, "shell: reboot -f"}));
+}
+
+}  // namespace
+}  // namespace Kovo
