@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "../access/LoginTestScreen.h"
+#include "../platform/TempDir.h"
 #include "platform/store/HostStore.h"
 #include "system/ActionHost.h"
 
@@ -94,12 +95,27 @@ class RecordingHost : public ActionHost {
     }
 };
 
-// The whole composed screen as text, one line per row.
-inline std::string ScreenText() {
+// A host configuration store of its own, removed with the test.
+class ScratchStore {
+  public:
+    explicit ScratchStore(const nlohmann::json& document)
+        : _store(std::make_shared<ZenkCtl::Store::HostStore>(_dir.File("host.json"))) {
+        _store->Replace(document);
+    }
+    const std::shared_ptr<ZenkCtl::Store::HostStore>& Get() const { return _store; }
+    nlohmann::json At(const std::string& pointer) const { return _store->Get(pointer); }
+
+  private:
+    TempDir _dir;
+    std::shared_ptr<ZenkCtl::Store::HostStore> _store;
+};
+
+// A window's text (by default the whole composed screen), one line per row.
+inline std::string ScreenText(WINDOW* win = nullptr) {
+    if (!win) win = curscr;
     std::string text;
-    for (int y = 0; y < getmaxy(curscr); ++y) {
-        for (int x = 0; x < getmaxx(curscr); ++x)
-            text += static_cast<char>(mvwinch(curscr, y, x) & A_CHARTEXT);
+    for (int y = 0; y < getmaxy(win); ++y) {
+        for (int x = 0; x < getmaxx(win); ++x) text += static_cast<char>(mvwinch(win, y, x) & A_CHARTEXT);
         text += "\n";
     }
     return text;

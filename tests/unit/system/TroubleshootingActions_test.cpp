@@ -1,0 +1,263 @@
+#include <gtest/gtest.h>
+
+#include "RecordingHost.h"
+#include "system/KovoTimeoutDialog.h"
+#include "system/ShellTimeoutDialog.h"
+#include "system/TroubleShootingWindow.h"
+#include "text/InputItem.h"
+#include "text/LabelItem.h"
+
+namespace Kovo {
+namespace {
+
+using namespace Testing;
+using Calls = std::vector<std::string>;
+using Window = TroubleShootingWindow;
+
+const std::string kShellStatus = "/bin/sh: sh /etc/init.d/QorShell status";
+const std::string kSshStatus = "/bin/sh: sh /etc/init.d/SSH status";
+const std::string kHcl = "/bin/hcl-cmd: hcl-cmd -U root hostsvc/";
+constexpr int kNotRunning = 3;
+
+nlohmann::json HostDocument() {
+    return {
+        {"firewall", {{"rulesets", {{{"id", "sshServer"}, {"enabled", false}}}}}},
+        {"advancedOptions",
+         {{"UserVars", {{"KovoTimeOut", {{"type", "integer"}, {"value", 90}, {"min", 0}, {"max", 3600}}}}}}}};
+}
+
+class TroubleshootingActions : public ScriptedScreen {
+  protected:
+    void SetUp() override {
+        ScriptedScreen::SetUp();
+        Frame::_loginName = "root";
+        Frame::_idleTimeout = 600;
+    }
+    void TearDown() override {
+        Frame::_idleTimeout = 0;
+        ScriptedScreen::TearDown();
+    }
+    // Services as the host reports them when the window is built.
+    void Services(bool shell, bool ssh) {
+        host_.status[kShellStatus] = shell ? 0 : kNotRunning;
+        host_.status[kSshStatus] = ssh ? 0 : kNotRunning;
+    }
+    // Builds the window, runs it over the keys (which must end with Esc) and hands it to `check`.
+    void RunWindow(const std::string& keys, const std::function<void(Window&)>& check = nullptr) {
+        Type(keys);
+        TestRootFrame root;
+        Window window(&root, host_);
+        host_.calls.clear();  // the status queries of the construction are checked on their own
+        EXPECT_EQ(window.RunModal(), 1);
+        if (check) check(window);
+    }
+    template <typename D>
+    int RunDialog(const std::string& keys, const std::function<void(D&)>& check = nullptr) {
+        Type(keys);
+        TestRootFrame root;
+        D dialog(&root, host_);
+        const int result = dialog.RunModal();
+        if (check) check(dialog);
+        return result;
+    }
+
+    ScratchStore store_{HostDocument()};
+    RecordingHost host_{store_.Get()};
+};
+
+TEST_F(TroubleshootingActions, ServiceStatesAreReadOnceAndNameTheEntries) {
+    Services(true, false);
+    Type(Keys::kEsc);
+    TestRootFrame root;
+    Window window(&root, host_);
+    EXPECT_EQ(host_.calls, (Calls{kShellStatus, kSshStatus}));
+    EXPECT_EQ(window.EntryItem(Window::kShellEntry).Text(), "Disable Qori Shell");
+    EXPECT_EQ(window.EntryItem(Window::kSshEntry).Text(), "Enable SSH");
+    EXPECT_EQ(window.RunModal(), 1);
+    EXPECT_EQ(host_.calls.size(), 2u);
+}
+
+TEST_F(TroubleshootingActions, TimeoutsEntryIsGreyAndSkippedWhileSshRunsUntilSshIsDisabled) {
+    Services(false, true);
+    RunWindow(Keys::kDown + Keys::kDown + Keys::kEsc, [](Window& w) {
+        EXPECT_EQ(w.SelectedEntry(), Window::kKovoTimeoutEntry);
+        EXPECT_FALSE(w.EntryItem(Window::kShellTimeoutsEntry).IsEnabled());
+        EXPECT_EQ(w.EntryItem(Window::kShellTimeoutsEntry).Text(),
+                  "{color:dark-grey}Modify Qori Shell and SSH timeouts{/color}");
+    });
+    // Down to SSH, disable it, and the next Down stops on the time-outs.
+    RunWindow(Keys::kDown + "\n" + Keys::kDown + Keys::kEsc, [](Window& w) {
+        EXPECT_FALSE(w.SshEnabled());
+        EXPECT_EQ(w.SelectedEntry(), Window::kShellTimeoutsEntry);
+        EXPECT_EQ(w.EntryItem(Window::kShellTimeoutsEntry).Text(), "Modify Qori Shell and SSH timeouts");
+        EXPECT_EQ(w.EntryItem(Window::kSshEntry).Text(), "Enable SSH");
+    });
+    EXPECT_EQ(host_.calls, (Calls{kHcl + "stop_ssh", kHcl + "disable_ssh"}));
+}
+
+TEST_F(TroubleshootingActions, EnablingTheShellStartsThenEnablesAndGreysTheTimeouts) {
+    Services(false, false);
+    RunWindow("\n" + Keys::kEsc, [](Window& w) {
+        EXPECT_NE(ScreenText(w.Handle()).find("Qori Shell is Enabled"), std::string::npos)
+            << ScreenText(w.Handle());
+        EXPECT_TRUE(w.ShellEnabled());
+        EXPECT_EQ(w.EntryItem(Window::kShellEntry).Text(), "Disable Qori Shell");
+        EXPECT_FALSE(w.EntryItem(Window::kShellTimeoutsEntry).IsEnabled());
+    });
+    EXPECT_EQ(host_.calls, (Calls{kHcl + "start_qor_shell", kHcl + "enable_qor_shell"}));
+}
+
+TEST_F(TroubleshootingActions, FailingHostToolFallsBackToTheInitScriptAndStillInverts) {
+    Services(true, false);
+    host_.status[kHcl + "stop_qor_shell"] = 1;
+    host_.status[kHcl + "disable_qor_shell"] = 1;
+    host_.status["/bin/sh: sh /etc/init.d/QorShell stop"] = 1;
+    RunWindow("\n" + Keys::kEsc, [](Window& w) { EXPECT_FALSE(w.ShellEnabled()); });
+    EXPECT_EQ(host_.calls, (Calls{kHcl + "stop_qor_shell", "/bin/sh: sh /etc/init.d/QorShell stop",
+                                  kHcl + "disable_qor_shell"}));
+    // The shell's fall-back never touches the firewall.
+    EXPECT_EQ(store_.At("/firewall/rulesets/0/enabled"), false);
+}
+
+TEST_F(TroubleshootingActions, SshFallBackOpensAndClosesTheFirewallRuleset) {
+    Services(false, false);
+    host_.status[kHcl + "start_ssh"] = 255;
+    host_.status[kHcl + "stop_ssh"] = 1;
+    RunWindow(Keys::kDown + "\n" + Keys::kEsc);
+    EXPECT_EQ(host_.calls,
+              (Calls{kHcl + "start_ssh", "/bin/sh: sh /etc/init.d/SSH start", kHcl + "enable_ssh"}));
+    EXPECT_EQ(store_.At("/firewall/rulesets/0/enabled"), true);
+
+    host_.calls.clear();
+    Services(false, true);
+    RunWindow(Keys::kDown + "\n" + Keys::kEsc, [](Window& w) { EXPECT_FALSE(w.SshEnabled()); });
+    EXPECT_EQ(host_.calls,
+              (Calls{kHcl + "stop_ssh", "/bin/sh: sh /etc/init.d/SSH stop", kHcl + "disable_ssh"}));
+    EXPECT_EQ(store_.At("/firewall/rulesets/0/enabled"), false);
+}
+
+TEST_F(TroubleshootingActions, MissingFirewallRulesetDoesNotStopTheToggle) {
+    store_.Get()->Update([](nlohmann::json& d) { d["firewall"]["rulesets"] = nlohmann::json::array(); });
+    Services(false, false);
+    host_.status[kHcl + "start_ssh"] = 1;
+    RunWindow(Keys::kDown + "\n" + Keys::kEsc, [](Window& w) { EXPECT_TRUE(w.SshEnabled()); });
+    EXPECT_EQ(host_.calls.back(), kHcl + "enable_ssh");
+}
+
+TEST_F(TroubleshootingActions, DetailPaneFollowsTheCursorWithItsFooter) {
+    Services(false, false);
+    RunWindow(Keys::kDown + Keys::kDown + Keys::kDown + Keys::kDown + Keys::kEsc, [](Window& w) {
+        const std::string screen = ScreenText(w.Handle());
+        EXPECT_NE(screen.find("The management agents are"), std::string::npos) << screen;
+        EXPECT_NE(screen.find("<Enter> Restart"), std::string::npos);
+    });
+}
+
+// Shell time-outs: the option tool prints seconds and a newline.
+void ShellOptions(RecordingHost& host, const std::string& availability, const std::string& idle) {
+    host.output["/sbin/qorcfg-advcfg: qorcfg-advcfg -q -g /UserVars/QoriShellTimeOut"] = availability;
+    host.output["/sbin/qorcfg-advcfg: qorcfg-advcfg -q -g /UserVars/QoriShellInteractiveTimeOut"] = idle;
+}
+std::string SetOption(const char* tool, const char* option, const char* seconds) {
+    return std::string("/sbin/") + tool + ": " + tool + " system settings advanced set -o " + option +
+           " -i " + seconds;
+}
+
+TEST_F(TroubleshootingActions, ShellTimeoutsArePrefilledInWholeMinutes) {
+    ShellOptions(host_, "90\n", "7200\n");
+    EXPECT_EQ(RunDialog<ShellTimeoutDialog>(Keys::kEsc,
+                                            [](ShellTimeoutDialog& d) {
+                                                EXPECT_EQ(d.Field(0).GetValue(), "1");
+                                                EXPECT_EQ(d.Field(1).GetValue(), "120");
+                                            }),
+              0);
+    // Esc writes nothing.
+    EXPECT_TRUE(host_.CallsStartingWith("/sbin/qorcli").empty());
+}
+
+TEST_F(TroubleshootingActions, OutOfRangeAvailabilityIsRefusedWhileAValidIdleValueApplies) {
+    ShellOptions(host_, "600\n", "600\n");
+    // 1441 in the first field, 0 in the second; Enter, then Enter again to close the error.
+    EXPECT_EQ(RunDialog<ShellTimeoutDialog>("1441" + Keys::kDown + "0\n\n"), 1);
+    EXPECT_EQ(host_.CallsStartingWith("/sbin/qorcli"),
+              (Calls{SetOption("qorcli", "/UserVars/QoriShellInteractiveTimeOut", "0")}));
+    EXPECT_TRUE(host_.CallsStartingWith("/sbin/qorlocalcli").empty());
+    // Only a new availability time-out restarts the services.
+    EXPECT_TRUE(host_.CallsStartingWith("/bin/sh").empty());
+}
+
+TEST_F(TroubleshootingActions, UnchangedShellTimeoutsWriteNothing) {
+    ShellOptions(host_, "90\n", "0\n");
+    EXPECT_EQ(RunDialog<ShellTimeoutDialog>("1" + Keys::kDown + "0\n"), 1);
+    EXPECT_EQ(host_.calls.size(), 2u);  // the two reads
+}
+
+TEST_F(TroubleshootingActions, NewAvailabilityFallsBackToTheLocalToolAndRestartsRunningServices) {
+    ShellOptions(host_, "600\n", "600\n");
+    const std::string qorcli = SetOption("qorcli", "/UserVars/QoriShellTimeOut", "1800");
+    host_.status[qorcli] = 1;
+    host_.status[kShellStatus] = kNotRunning;
+    host_.status[kSshStatus] = 0;
+    EXPECT_EQ(RunDialog<ShellTimeoutDialog>("30\n"), 1);
+    EXPECT_EQ(Calls(host_.calls.begin() + 2, host_.calls.end()),
+              (Calls{qorcli, SetOption("qorlocalcli", "/UserVars/QoriShellTimeOut", "1800"), kShellStatus,
+                     kSshStatus, "/bin/sh: sh /etc/init.d/SSH restart"}));
+}
+
+TEST_F(TroubleshootingActions, TimeoutFieldsTakeFiveDigitsAndEditingKeysOnly) {
+    ShellOptions(host_, "600\n", "600\n");
+    // Letters, Tab and a dash reach no field (a key reaching it would clear the armed value); then
+    // more digits than fit, of which five are kept: 14401 is out of range.
+    RunDialog<ShellTimeoutDialog>("a\t-z" + Keys::kDown + "1440123" + Keys::kEsc, [](ShellTimeoutDialog& d) {
+        EXPECT_EQ(d.Field(0).GetValue(), "10");
+        EXPECT_EQ(d.Field(1).GetValue(), "14401");
+    });
+    RunDialog<ShellTimeoutDialog>(
+        Keys::kEnd + Keys::kBackspace + Keys::kBackspace + "5" + Keys::kHome + "2" + Keys::kEsc,
+        [](ShellTimeoutDialog& d) { EXPECT_EQ(d.Field(0).GetValue(), "25"); });
+}
+
+TEST_F(TroubleshootingActions, ConsoleTimeoutShowsTruncatedMinutesAndAppliesAtOnce) {
+    EXPECT_EQ(RunDialog<KovoTimeoutDialog>(
+                  Keys::kEsc, [](KovoTimeoutDialog& d) { EXPECT_EQ(d.Field(0).GetValue(), "1"); }),
+              0);
+    EXPECT_EQ(store_.At("/advancedOptions/UserVars/KovoTimeOut/value"), 90);
+
+    EXPECT_EQ(RunDialog<KovoTimeoutDialog>("5\n"), 1);
+    EXPECT_EQ(store_.At("/advancedOptions/UserVars/KovoTimeOut/value"), 300);
+    EXPECT_EQ(Frame::_idleTimeout, 300u);
+
+    EXPECT_EQ(RunDialog<KovoTimeoutDialog>("0\n"), 1);
+    EXPECT_EQ(store_.At("/advancedOptions/UserVars/KovoTimeOut/value"), 0);
+    EXPECT_EQ(Frame::_idleTimeout, 0u);
+}
+
+TEST_F(TroubleshootingActions, ConsoleTimeoutRefusalsLeaveTheOptionAlone) {
+    // Out of range, then empty, then one the host's option refuses (above its maximum of an hour): each
+    // closes the dialog with the option and the session unchanged.
+    for (const std::string& keys : std::vector<std::string>{"1441\n\n", Keys::kBackspace + "\n", "61\n\n"}) {
+        Frame::_idleTimeout = 600;
+        EXPECT_EQ(RunDialog<KovoTimeoutDialog>(keys), 1) << keys;
+        EXPECT_EQ(store_.At("/advancedOptions/UserVars/KovoTimeOut/value"), 90) << keys;
+        EXPECT_EQ(Frame::_idleTimeout, 600u) << keys;
+    }
+}
+
+TEST_F(TroubleshootingActions, ConsoleTimeoutComparesSecondsSoOnlyTheSameSecondsAreUnchanged) {
+    // 90 s shows as 1 minute, and 1 minute is 60 s: a change.
+    EXPECT_EQ(RunDialog<KovoTimeoutDialog>("\n"), 1);
+    EXPECT_EQ(store_.At("/advancedOptions/UserVars/KovoTimeOut/value"), 60);
+    // 60 s shows as 1 minute again, and now Enter leaves the session's time-out alone.
+    Frame::_idleTimeout = 600;
+    EXPECT_EQ(RunDialog<KovoTimeoutDialog>("\n"), 1);
+    EXPECT_EQ(Frame::_idleTimeout, 600u);
+}
+
+TEST_F(TroubleshootingActions, HostWithoutTheConsoleTimeoutOptionReadsTenMinutesAndWritesNothing) {
+    store_.Get()->Update([](nlohmann::json& d) { d.erase("advancedOptions"); });
+    RunDialog<KovoTimeoutDialog>("3\n", [](KovoTimeoutDialog& d) { EXPECT_EQ(d.CurrentSeconds(), 600u); });
+    EXPECT_TRUE(store_.At("/advancedOptions").is_null());
+}
+
+}  // namespace
+}  // namespace Kovo
