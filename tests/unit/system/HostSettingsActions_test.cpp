@@ -1,0 +1,200 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "RecordingHost.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "system/KeyboardDialog.h"
+#include "system/KovoTimeoutDialog.h"
+#include "system/LockdownDialog.h"
+#include "system/RestartAgentsDialog.h"
+#include "system/RestoreDialog.h"
+#include "system/ShellTimeoutDialog.h"
+#include "system/ShutdownDialog.h"
+
+namespace Kovo {
+namespace {
+
+using namespace Testing;
+using Calls = std::vector<std::string>;
+
+const std::string kAgentsEvent = "event: @&!*@*@(obs.user.kovo.restarting.hostagents)Restarting host agents";
+const std::string kStop = "exec: /bin/sh /sbin/services.sh stop";
+const std::string kStart = "exec: /bin/sh /sbin/services.sh start";
+const std::string kLockdownQuery = "query: hclsvc/auth/lockdown_is_enabled";
+const std::string kEnterLockdown = "/bin/hcl-cmd: hcl-cmd -U kovo hclsvc/auth/lockdown_mode_enter";
+const std::string kExitLockdown = "/bin/hcl-cmd: hcl-cmd -U kovo hclsvc/auth/lockdown_mode_exit";
+
+nlohmann::json KeyboardHost(const std::string& layout) {
+    nlohmann::json layouts = nlohmann::json::array();
+    for (int i = 0; i < 12; ++i) layouts.push_back("Layout " + std::to_string(i));
+    return {{"system", {{"keyboard", {{"layout", layout}, {"mappingsLoaded", ""}, {"layouts", layouts}}}}}};
+}
+
+class HostSettingsActions : public ScriptedScreen {
+  protected:
+    void SetUp() override {
+        ScriptedScreen::SetUp();
+        // The operator is not who the lockdown commands run as.
+        Frame::_loginName = "root";
+    }
+    template <typename D>
+    int Run(const std::string& keys, const std::function<void(D&)>& check = nullptr) {
+        Type(keys);
+        TestRootFrame root;
+        D dialog(&root, host_);
+        const int result = dialog.RunModal();
+        if (check) check(dialog);
+        return result;
+    }
+    // The progress area as it looked when a call was made.
+    void ScreenAt(const std::string& call, std::string& screen) {
+        host_.onCall = [call, &screen](const std::string& made) {
+            if (made == call) screen = ScreenText();
+        };
+    }
+
+    ScratchStore store_{KeyboardHost("Layout 9")};
+    RecordingHost host_{store_.Get()};
+};
+
+TEST_F(HostSettingsActions, AgentsEscBeforeF11RestartsNothing) {
+    EXPECT_EQ(Run<RestartAgentsDialog>(" \nx" + Keys::kEsc), 0);
+    EXPECT_TRUE(host_.calls.empty());
+}
+
+TEST_F(HostSettingsActions, AgentsRestartWithoutCaptureShowsEachStepAndIgnoresEscAtTheEnd) {
+    std::string duringStop, duringStart;
+    host_.onCall = [&](const std::string& made) {
+        if (made == kStop) duringStop = ScreenText();
+        if (made == kStart) duringStart = ScreenText();
+    };
+    EXPECT_EQ(Run<RestartAgentsDialog>(kF11 + Keys::kEsc + "\n"), 1);
+    EXPECT_EQ(host_.calls, (Calls{kAgentsEvent, kStop, kStart}));
+    EXPECT_NE(duringStop.find("Stopping management agents."), std::string::npos) << duringStop;
+    EXPECT_EQ(duringStop.find("Stopping management agents. Done."), std::string::npos);
+    EXPECT_NE(duringStart.find("Stopping management agents. Done."), std::string::npos) << duringStart;
+    EXPECT_EQ(duringStart.find("Collecting host agent live core"), std::string::npos);
+}
+
+TEST_F(HostSettingsActions, AgentsStepsAreDoneEvenWhenTheScriptsFail) {
+    host_.status[kStop] = 1;
+    host_.status[kStart] = -1;
+    // The dialog's own window still holds its last lines after it closed.
+    Type(kF11 + "\n");
+    TestRootFrame root;
+    RestartAgentsDialog dialog(&root, host_);
+    EXPECT_EQ(dialog.RunModal(), 1);
+    const std::string screen = ScreenText(dialog.Handle());
+    EXPECT_NE(screen.find("Stopping management agents. Done."), std::string::npos) << screen;
+    EXPECT_NE(screen.find("Starting management agents. Done."), std::string::npos) << screen;
+}
+
+TEST_F(HostSettingsActions, AgentsCaptureStartsFirstAndItsFailureOnlySkipsItsLine) {
+    std::string duringStop;
+    ScreenAt(kStop, duringStop);
+    EXPECT_EQ(Run<RestartAgentsDialog>(" " + kF11 + "\n"), 1);
+    EXPECT_EQ(host_.calls, (Calls{kAgentsEvent, "thread", kStop, kStart}));
+    EXPECT_NE(duringStop.find("Collecting host agent live core information. Done."), std::string::npos)
+        << duringStop;
+
+    host_.calls.clear();
+    host_.threadError = EAGAIN;
+    EXPECT_EQ(Run<RestartAgentsDialog>(" " + kF11 + "\n"), 1);
+    EXPECT_EQ(host_.calls, (Calls{kAgentsEvent, "thread", kStop, kStart}));
+    EXPECT_EQ(duringStop.find("Collecting host agent"), std::string::npos) << duringStop;
+}
+
+TEST_F(HostSettingsActions, LockdownEnterWithoutChangeRunsNothing) {
+    host_.answers["hclsvc/auth/lockdown_is_enabled"] = true;
+    EXPECT_EQ(Run<LockdownDialog>("\n", [](LockdownDialog& d) { EXPECT_TRUE(d.LockdownEnabled()); }), 1);
+    // Toggled twice is no change either; Esc after a toggle runs nothing.
+    EXPECT_EQ(Run<LockdownDialog>("  \n"), 1);
+    EXPECT_EQ(Run<LockdownDialog>(" " + Keys::kEsc), 0);
+    EXPECT_EQ(host_.calls, (Calls{kLockdownQuery, kLockdownQuery, kLockdownQuery}));
+}
+
+TEST_F(HostSettingsActions, FailedLockdownEnterKeepsTheStateSoTheNextAttemptRunsAgain) {
+    host_.status[kEnterLockdown] = 1;
+    host_.errorOutput[kEnterLockdown] = "Lockdown mode is not possible";
+    Type(" \n");
+    TestRootFrame root;
+    LockdownDialog dialog(&root, host_);
+    EXPECT_EQ(dialog.RunModal(), 1);
+    EXPECT_FALSE(dialog.LockdownEnabled());
+    host_.status[kEnterLockdown] = 0;
+    Type("\n");
+    EXPECT_EQ(dialog.RunModal(), 1);
+    EXPECT_TRUE(dialog.LockdownEnabled());
+    EXPECT_EQ(host_.calls, (Calls{kLockdownQuery, kEnterLockdown, kEnterLockdown}));
+}
+
+TEST_F(HostSettingsActions, LockdownExitRunsAsTheConsoleUser) {
+    host_.answers["hclsvc/auth/lockdown_is_enabled"] = true;
+    EXPECT_EQ(Run<LockdownDialog>(" \n", [](LockdownDialog& d) { EXPECT_FALSE(d.LockdownEnabled()); }), 1);
+    EXPECT_EQ(host_.calls, (Calls{kLockdownQuery, kExitLockdown}));
+}
+
+TEST_F(HostSettingsActions, KeyboardEnterWithoutMovingReappliesTheCurrentLayout) {
+    EXPECT_EQ(Run<KeyboardDialog>("\n", [](KeyboardDialog& d) { EXPECT_EQ(d.ChosenIndex(), 9); }), 1);
+    EXPECT_EQ(store_.At("/system/keyboard/mappingsLoaded"), "Layout 9");
+    EXPECT_EQ(store_.At("/system/keyboard/layout"), "Layout 9");
+}
+
+TEST_F(HostSettingsActions, KeyboardSpaceChoosesTheLayoutUnderTheCursor) {
+    // Moving alone chooses nothing.
+    EXPECT_EQ(Run<KeyboardDialog>(Keys::kUp + Keys::kUp + "\n"), 1);
+    EXPECT_EQ(store_.At("/system/keyboard/layout"), "Layout 9");
+    // The cursor starts on the current layout (scrolled into view); two up and Space chooses 7.
+    EXPECT_EQ(Run<KeyboardDialog>(Keys::kUp + Keys::kUp + " " + Keys::kDown + "\n",
+                                  [](KeyboardDialog& d) { EXPECT_EQ(d.ChosenIndex(), 7); }),
+              1);
+    EXPECT_EQ(store_.At("/system/keyboard/layout"), "Layout 7");
+    EXPECT_EQ(store_.At("/system/keyboard/mappingsLoaded"), "Layout 7");
+}
+
+TEST_F(HostSettingsActions, KeyboardEscChangesNothing) {
+    EXPECT_EQ(Run<KeyboardDialog>(Keys::kDown + " " + Keys::kEsc), 0);
+    EXPECT_EQ(store_.At("/system/keyboard/layout"), "Layout 9");
+    EXPECT_EQ(store_.At("/system/keyboard/mappingsLoaded"), "");
+}
+
+TEST_F(HostSettingsActions, KeyboardWithAnUnknownCurrentLayoutAppliesNothingUntilOneIsChosen) {
+    store_.Get()->Update([](nlohmann::json& d) { d["system"]["keyboard"]["layout"] = "Gone"; });
+    EXPECT_EQ(Run<KeyboardDialog>("\n", [](KeyboardDialog& d) { EXPECT_EQ(d.ChosenIndex(), -1); }), 1);
+    EXPECT_EQ(store_.At("/system/keyboard/layout"), "Gone");
+    EXPECT_EQ(Run<KeyboardDialog>(Keys::kDown + " \n"), 1);
+    EXPECT_EQ(store_.At("/system/keyboard/layout"), "Layout 1");
+}
+
+TEST_F(HostSettingsActions, KeyboardStoreFailurePassesToTheCaller) {
+    std::ofstream(store_.Get()->Path()) << "{ not a document";
+    TestRootFrame root;
+    EXPECT_THROW(KeyboardDialog(&root, host_), HostCtl::Lib::HostCtlException);
+}
+
+// Each dialog's message ends on a line its header still shows, and its footer is drawn.
+TEST_F(HostSettingsActions, DialogTextsFitTheirHeaders) {
+    auto shows = [&](auto* tag, const std::string& lastWords, const std::string& footerWords) {
+        using D = std::remove_pointer_t<decltype(tag)>;
+        Type(Keys::kEsc);
+        TestRootFrame root;
+        D dialog(&root, host_);
+        dialog.RunModal();
+        const std::string screen = ScreenText(dialog.Handle());
+        EXPECT_NE(screen.find(lastWords), std::string::npos) << screen;
+        EXPECT_NE(screen.find(footerWords), std::string::npos) << screen;
+    };
+    shows(static_cast<ShutdownDialog*>(nullptr), "  terminated.", "<F2> Shut Down  <F11> Restart");
+    shows(static_cast<RestoreDialog*>(nullptr), "  be lost.", "<F11> OK  <Esc> Cancel");
+    shows(static_cast<ShellTimeoutDialog*>(nullptr), "  value is 1440 minutes.",
+          "<Enter> OK  <Esc> Cancel");
+    shows(static_cast<KovoTimeoutDialog*>(nullptr), "  value is 1440 minutes.",
+          "<Enter> OK  <Esc> Cancel");
+    shows(static_cast<RestartAgentsDialog*>(nullptr), "time.", "[ ] Collect extra");
+    shows(static_cast<LockdownDialog*>(nullptr), "host.", "<Space> Toggle Selected");
+    shows(static_cast<KeyboardDialog*>(nullptr), "below.", "(o) Layout 9");
+}
+
+}  // namespace
+}  // namespace Kovo
