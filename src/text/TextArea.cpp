@@ -8,7 +8,11 @@ TextArea::TextArea(Window* parent, int dx, int dy, int width, int height, int ba
     _colors = {
         {"white", 7}, {"black", 0}, {"dark-grey", 6}, {"light-grey", 2}, {"yellow", 3}, {"red", 1},
     };
-    _variables = {
+    _variables = VariableTable();
+}
+
+const MarkupVariables& TextArea::VariableTable() {
+    static const MarkupVariables table = {
         {"ip", &GetIpValue},
         {"ssl-thumbprint", &GetSSLThumbprintValue},
         {"ssh-dsa-fingerprint", &GetSSHDsaKeyFingerprintValue},
@@ -27,6 +31,7 @@ TextArea::TextArea(Window* parent, int dx, int dy, int width, int height, int ba
         {"CPLDversion", &GetCPLDVersion},
         {"PLSAversion", &GetPLSAVersion},
     };
+    return table;
 }
 
 void TextArea::SetActive(bool active) {

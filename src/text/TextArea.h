@@ -28,6 +28,9 @@ public:
     const MarkupColors& Colors() const { return _colors; }
     const MarkupVariables& Variables() const { return _variables; }
 
+    // Every variable markup can name, with the host value that serves it.
+    static const MarkupVariables& VariableTable();
+
     // Host values that texts can name as variables; each call reads the host anew.
     static std::string GetIpValue();
     static std::string GetSSLThumbprintValue();

@@ -115,7 +115,10 @@ std::string TextArea::GetSSLThumbprintValue() {
     Captured r = Run("/bin/openssl", {"openssl", "x509", "-in", kSslCertificate, "-noout", "-fingerprint", "-sha1"});
     if (r.status != 0) return {};
     char word[256] = {};
-    if (sscanf(r.out.c_str(), "SHA1 Fingerprint=%255s", word) != 1) return {};
+    // Newer openssl names the digest in lower case.
+    if (sscanf(r.out.c_str(), "SHA1 Fingerprint=%255s", word) != 1 &&
+        sscanf(r.out.c_str(), "sha1 Fingerprint=%255s", word) != 1)
+        return {};
     return word;
 }
 

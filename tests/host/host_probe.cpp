@@ -1,0 +1,41 @@
+// Runs console functions inside a simulated host and prints what they returned, so that a test outside
+// can compare that with what the host holds and recorded.
+//   host_probe hcl <user> <command path>   -> "status=<n>"
+//   host_probe query <command path>        -> "true" or "false"
+//   host_probe value <variable>            -> the variable's value as markup shows it
+#include <syslog.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "app/CommandRunner.h"
+#include "text/TextArea.h"
+
+int main(int argc, char** argv) {
+    openlog("KOVO", LOG_PID, LOG_USER);
+    if (argc == 4 && strcmp(argv[1], "hcl") == 0) {
+        char out[256];
+        int outLength = sizeof out;
+        printf("status=%d\n", Kovo::RunHclCmd({"hcl-cmd", "-U", argv[2], argv[3]}, out, &outLength));
+        return 0;
+    }
+    if (argc == 3 && strcmp(argv[1], "query") == 0) {
+        puts(Kovo::HclCmdQuery(argv[2]) ? "true" : "false");
+        return 0;
+    }
+    if (argc == 3 && strcmp(argv[1], "value") == 0) {
+        // The same table markup looks variables up in, without a screen.
+        for (const auto& [name, value] : Kovo::TextArea::VariableTable()) {
+            if (name == argv[2]) {
+                puts(value().c_str());
+                return 0;
+            }
+        }
+        fprintf(stderr, "unknown variable %s\n", argv[2]);
+        return 2;
+    }
+    if (argc == 2 && strcmp(argv[1], "nothing") == 0) return 0;
+    fprintf(stderr, "usage: host_probe hcl USER PATH | query PATH | value NAME | nothing\n");
+    return 2;
+}
