@@ -1,0 +1,135 @@
+// Changing the login password from the menu of the real console, through the real PAM stack and the
+// simulated host's password rule: every refusal, the warning for an unchanged password, and a change
+// with its records, after which only the new password logs in.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "login_e2e_support.h"
+
+using namespace KovoLoginE2e;
+
+namespace {
+
+constexpr const char* kDialogText = "Setting the password will prevent unauthorized access";
+constexpr const char* kSameWarning = "New password is same as old password. Are you sure?";
+constexpr const char* kChanged = "]: Login password for user root has changed";
+// The backup program is a script: the host records it by its path, whatever name it was started with.
+constexpr const char* kBackup = "\"program\":\"backup.sh\"";
+constexpr const char* kRefresh = "\"argv\":[\"hcl-cmd\",\"-U\",\"root\",\"internalsvc/refresh\"]";
+constexpr const char* kChangedEvent =
+    "@&!*@*@(obs.user.kovo.login.passwd.changed)Login password for user root changed";
+
+// Logs in as root and opens Configure Password, the menu's first entry.
+bool OpenPasswordDialog(HostConsole& host) {
+    if (!LogIn(host, "", kRootPassword)) return false;
+    host.Term().Press(Key::Enter);
+    return host.Term().WaitForText(kDialogText) && host.Term().WaitForQuiet(200ms);
+}
+
+void Enter(HostConsole& host, const std::string& text) {
+    host.Term().Type(text);
+    host.Term().Press(Key::Enter);
+}
+
+}  // namespace
+
+TEST(PasswordChange, EveryRefusalKeepsTheDialogAndChangesNothing) {
+    auto host = MakeHost("default");
+    auto& term = host->Term();
+    ASSERT_TRUE(OpenPasswordDialog(*host)) << term.Dump();
+
+    Enter(*host, "Not-It-42");
+    ASSERT_TRUE(Acknowledge(*host, "The old password you entered is incorrect")) << term.Dump();
+    Enter(*host, kRootPassword);  // the old password field was cleared and keeps the focus
+    Enter(*host, "Abc-Defg1");
+    Enter(*host, "Abc-Defg2");
+    ASSERT_TRUE(Acknowledge(*host, "The new password and the confirmed password do not match."))
+        << term.Dump();
+
+    // Tab goes back up to the new password; Delete clears a freshly focused field.
+    term.Press(Key::Tab);
+    term.Press(Key::Delete);
+    term.Press(Key::Enter);
+    term.Press(Key::Delete);
+    term.Press(Key::Enter);
+    ASSERT_TRUE(Acknowledge(*host, "Empty passwords are not allowed.")) << term.Dump();
+
+    term.Press(Key::Tab);
+    Enter(*host, kRootPassword);
+    Enter(*host, kRootPassword);
+    ASSERT_TRUE(term.WaitForText(kSameWarning)) << term.Dump();
+    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    term.Press(Key::Escape);
+    ASSERT_TRUE(term.WaitForTextGone(kSameWarning)) << term.Dump();
+    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    EXPECT_TRUE(term.Screen().Contains(kDialogText));
+
+    // Too weak for the host's rule.
+    term.Press(Key::Tab);
+    Enter(*host, "weak");
+    Enter(*host, "weak");
+    ASSERT_TRUE(Acknowledge(*host, "The password change operation failed.")) << term.Dump();
+    EXPECT_TRUE(term.Screen().Contains(kDialogText));
+
+    term.Press(Key::Escape);
+    ASSERT_TRUE(term.WaitForTextGone(kDialogText)) << term.Dump();
+    ASSERT_TRUE(term.WaitFor(MenuShown)) << term.Dump();
+    EXPECT_TRUE(host->SyslogLines({kChanged}).empty()) << host->Syslog();
+    EXPECT_TRUE(Lines(HostRecords(*host, "commands.log"), kBackup).empty())
+        << HostRecords(*host, "commands.log");
+    EXPECT_TRUE(Lines(HostRecords(*host, "events.log"), "passwd.changed").empty());
+    ExpectSecretNowhere(*host, "Abc-Defg1");
+    ExpectSecretNowhere(*host, kRootPassword);
+}
+
+TEST(PasswordChange, SamePasswordConfirmedIsSetAgain) {
+    auto host = MakeHost("default");
+    auto& term = host->Term();
+    ASSERT_TRUE(OpenPasswordDialog(*host)) << term.Dump();
+    Enter(*host, kRootPassword);
+    Enter(*host, kRootPassword);
+    Enter(*host, kRootPassword);
+    ASSERT_TRUE(term.WaitForText(kSameWarning)) << term.Dump();
+    EXPECT_TRUE(term.Screen().Contains("<Enter> Confirm")) << term.Screen().ScreenText();
+    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForTextGone(kDialogText)) << term.Dump();
+    ASSERT_TRUE(host->WaitForSyslog({" user.info ", kChanged})) << host->Syslog();
+    EXPECT_TRUE(WaitForRecords(*host, "commands.log", kBackup)) << HostRecords(*host, "commands.log");
+}
+
+TEST(PasswordChange, ChangeIsSavedAnnouncedAndOnlyTheNewPasswordLogsIn) {
+    auto host = MakeHost("default");
+    auto& term = host->Term();
+    ASSERT_TRUE(OpenPasswordDialog(*host)) << term.Dump();
+    const std::string fresh = "Brand-New5";
+    Enter(*host, kRootPassword);
+    Enter(*host, fresh);
+    Enter(*host, fresh);
+    ASSERT_TRUE(term.WaitForTextGone(kDialogText)) << term.Dump();
+    ASSERT_TRUE(term.WaitFor(MenuShown)) << term.Dump();
+
+    ASSERT_TRUE(host->WaitForSyslog({" user.info ", kChanged})) << host->Syslog();
+    ASSERT_TRUE(WaitForRecords(*host, "commands.log", kRefresh)) << HostRecords(*host, "commands.log");
+    const std::string commands = HostRecords(*host, "commands.log");
+    ASSERT_EQ(Lines(commands, kBackup).size(), 1u) << commands;
+    // The configuration is saved before the host agent is told.
+    EXPECT_LT(commands.find(kBackup), commands.find(kRefresh)) << commands;
+    ASSERT_TRUE(WaitForRecords(*host, "events.log", "passwd.changed"));
+    EXPECT_EQ(Lines(HostRecords(*host, "events.log"), "passwd.changed"),
+              std::vector<std::string>{kChangedEvent});
+
+    // Out of the menu, then the old password is refused and the new one accepted.
+    term.Press(Key::Escape);
+    ASSERT_TRUE(term.WaitForText(kWelcomeKeys)) << term.Dump();
+    ASSERT_TRUE(term.WaitForTextGone(kMenuTitle)) << term.Dump();
+    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    ASSERT_TRUE(OpenLogin(*host)) << term.Dump();
+    Submit(*host, "", kRootPassword);
+    ASSERT_TRUE(Acknowledge(*host, "Invalid login or password.")) << term.Dump();
+    Enter(*host, fresh);
+    ASSERT_TRUE(term.WaitFor(MenuShown)) << term.Dump();
+    EXPECT_EQ(host->SyslogLines({"]: User root logged in"}).size(), 2u) << host->Syslog();
+    ExpectSecretNowhere(*host, fresh);
+}
