@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "access/ChangePasswordDialog.h"
 #include "app/CommandRunner.h"
 #include "app/KeyReader.h"
 #include "app/MessageDialog.h"
@@ -218,6 +219,11 @@ void GeneralWindow::Notification() {
 
 void GeneralWindow::Choose(unsigned code) {
     switch (code) {
+        case kConfigurePassword:
+            ChangePasswordDialog(this).RunModal();
+            // A password set where there was none changes what the pane asks for.
+            DrawDetails();
+            break;
         case kRestartNetwork:
             if (!LookUpManagementInterface()) {
                 MessageDialog(this, kRestartNetworkError, kNoManagementInterface).RunModal();

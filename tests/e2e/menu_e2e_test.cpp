@@ -1,0 +1,406 @@
+// The System Customization menu of the real console on simulated hosts: its entries and what disables
+// them, the log pager behind View System Logs, the pages of View Support Information and the idle logout.
+// Every test logs in through the real login dialog and PAM.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "HostConsole.h"
+
+using namespace std::chrono_literals;
+using KovoE2e::ConsoleStart;
+using KovoE2e::FreshHostDir;
+using KovoE2e::HostConsole;
+using KovoTerm::Key;
+using KovoTerm::VirtualTerminal;
+
+extern char** environ;
+
+namespace {
+
+// root's password on every host made here (the hash is of this password, made with its own salt).
+constexpr const char* kPassword = "Menu-Pass1";
+constexpr const char* kPasswordHash =
+    "\"$6$kovomenu$67oiz3OXRlS/m.C8ed7OlBtPj7D2HsJTN0VQrzCD59uSats95fQMeZtYeSG0QxLRGMsRMJ3hF0Sn8AX6NH4qg1\"";
+
+constexpr const char* kMenuTitle = "System Customization";
+constexpr const char* kWelcomeKeys = "<F12> Shut Down/Restart";
+// Where the menu's entry list starts on the screen.
+constexpr int kListRow = 4, kListColumn = 2, kListWidth = 37;
+
+using StoreChanges = std::vector<std::pair<std::string, std::string>>;
+
+// Runs the simulated host's launcher to completion with its output discarded; true when it exits 0.
+bool Launcher(const std::vector<std::string>& arguments) {
+    std::vector<std::string> all{KOVO_E2E_LAUNCHER};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    for (auto& a : all) argv.push_back(a.data());
+    argv.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+    pid_t pid = -1;
+    const int error = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) return false;
+    int status = 0;
+    while (waitpid(pid, &status, 0) < 0) {
+        if (errno != EINTR) return false;
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+// A host made from `scenario` with root's password set as above and `changes` made to its store (JSON
+// pointer, JSON value), then its console started.
+std::unique_ptr<HostConsole> MakeHost(const std::string& scenario, StoreChanges changes = {},
+                                      const ConsoleStart& start = ConsoleStart{}) {
+    const std::string dir = FreshHostDir();
+    // A first boot with a console that ends at once makes the host's disk from the scenario.
+    EXPECT_TRUE(Launcher({"run", "--dir", dir, "--scenario", scenario, "--once", "--kovo", "/bin/true"}));
+    changes.emplace_back("/users/0/passwordHash", kPasswordHash);
+    for (const auto& [pointer, value] : changes)
+        EXPECT_TRUE(Launcher({"set", dir, pointer, value})) << pointer << " = " << value;
+    auto host = std::make_unique<HostConsole>(dir, start);
+    EXPECT_TRUE(host->WaitForFirstPaint()) << host->Term().Dump();
+    return host;
+}
+
+ConsoleStart FastClock() {
+    ConsoleStart start;
+    start.consoleOnlyEnvironment = {{"LD_PRELOAD", KOVO_E2E_FAKETIME}, {"FAKETIME", "+0 x20"}};
+    return start;
+}
+
+std::string Trimmed(std::string text) {
+    const auto last = text.find_last_not_of(' ');
+    return last == std::string::npos ? std::string() : text.substr(0, last + 1);
+}
+
+// The text of the entry list's cells on `row` (rows hold multi-byte box characters, so cells, not bytes).
+std::string ListCells(const VirtualTerminal& screen, int row) {
+    std::string text;
+    for (int column = kListColumn; column < kListColumn + kListWidth; ++column) {
+        const std::string cell = screen.CellAt(row, column).text;
+        text += cell.empty() ? " " : cell;
+    }
+    return Trimmed(text);
+}
+
+// The text of entry line `index` of the menu.
+std::string EntryText(const VirtualTerminal& screen, int index) {
+    return ListCells(screen, kListRow + index);
+}
+
+// The selection: the entry drawn white on black, or in standout on a terminal without colours. Empty
+// when none is (a dimmed or covered menu, where the pane's border is dark too).
+std::string SelectedEntry(const VirtualTerminal& screen) {
+    auto dark = [](const KovoTerm::Cell& cell) { return cell.reverse || cell.bg.IsIndex(0); };
+    for (int row = kListRow; row < screen.Rows() - 3; ++row) {
+        const auto cell = screen.CellAt(row, kListColumn);
+        if (dark(cell) && (cell.reverse || cell.fg.IsIndex(7)) && !dark(screen.CellAt(row, 0)))
+            return ListCells(screen, row);
+    }
+    return {};
+}
+
+bool MenuShown(const VirtualTerminal& screen) {
+    return screen.Contains(kMenuTitle) && !SelectedEntry(screen).empty();
+}
+
+// F2, the login dialog as root, and the menu. False (with the screen in the failure message) when any
+// step does not happen.
+bool LogIn(HostConsole& host) {
+    auto& term = host.Term();
+    term.Press(Key::F2);
+    if (!term.WaitForText("Authentication Required")) return false;
+    if (!term.WaitForQuiet(200ms)) return false;
+    // The fields follow the keyboard line when there is one; Down reaches the password last.
+    const bool keyboardLine = term.Screen().Contains("Configured Keyboard");
+    for (int i = 0; i < (keyboardLine ? 2 : 1); ++i) term.Press(Key::Down);
+    term.Type(kPassword);
+    term.Press(Key::Enter);
+    return term.WaitFor(MenuShown) && term.WaitForQuiet(200ms);
+}
+
+// Moves the selection down until `entry` is selected; false when the selection stops elsewhere.
+bool SelectDown(HostConsole& host, const std::string& entry) {
+    auto& term = host.Term();
+    for (int presses = 0; presses < 20; ++presses) {
+        const std::string now = SelectedEntry(term.Screen());
+        if (now == entry) return term.WaitForQuiet(100ms);
+        term.Press(Key::Down);
+        // Mid-repaint no line may look selected; wait for the new selection itself.
+        auto moved = [&](const VirtualTerminal& s) {
+            const std::string next = SelectedEntry(s);
+            return !next.empty() && next != now;
+        };
+        if (!term.WaitFor(moved, 3000ms)) return false;
+    }
+    return false;
+}
+
+}  // namespace
+
+// --- entries -----------------------------------------------------------------------------------------
+
+TEST(MainMenu, LocalKeyboardHostOffersEveryEntryWithTheVersionLineBelow) {
+    ConsoleStart start;
+    start.term = "xterm";  // a local keyboard
+    auto host = MakeHost("default", {}, start);
+    ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
+    const auto& screen = host->Term().Screen();
+    const std::vector<std::string> expected{"Configure Password",
+                                            "Configure Lockdown Mode",
+                                            "",
+                                            "Configure Management Network",
+                                            "Restart Management Network",
+                                            "Test Management Network",
+                                            "Network Restore Options",
+                                            "",
+                                            "Configure Keyboard",
+                                            "Troubleshooting Options",
+                                            "",
+                                            "View System Logs",
+                                            "",
+                                            "View Support Information",
+                                            "",
+                                            "Reset System Configuration"};
+    for (int i = 0; i < static_cast<int>(expected.size()); ++i)
+        EXPECT_EQ(EntryText(screen, i), expected[static_cast<std::size_t>(i)]) << i << "\n"
+                                                                               << screen.ScreenText();
+    EXPECT_EQ(SelectedEntry(screen), "Configure Password");
+    // The host's version line, centred on the bottom row.
+    const std::string status = screen.RowText(screen.Rows() - 1);
+    const auto first = status.find_first_not_of(' ');
+    ASSERT_NE(first, std::string::npos) << screen.ScreenText();
+    EXPECT_NE(status.find("Build 24680"), std::string::npos) << status;
+    const int middle = static_cast<int>(first + (status.size() - first) / 2);
+    EXPECT_NEAR(middle, screen.Columns() / 2, 1) << status;
+    EXPECT_TRUE(host->WaitForSyslog({"user.info", "]: COLS=80, LINES=25"})) << host->Syslog();
+
+    ASSERT_TRUE(SelectDown(*host, "Reset System Configuration")) << host->Term().Dump();
+}
+
+TEST(MainMenu, RemoteTerminalHasNoKeyboardEntryButKeepsTheBlankLine) {
+    ConsoleStart start;
+    start.term = "xterm";
+    start.environment = {{"SSH_CLIENT", "192.0.2.7 50022 22"}};
+    auto host = MakeHost("default", {}, start);
+    ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
+    const auto& screen = host->Term().Screen();
+    EXPECT_FALSE(screen.Contains("Configure Keyboard")) << screen.ScreenText();
+    EXPECT_EQ(EntryText(screen, 6), "Network Restore Options");
+    EXPECT_EQ(EntryText(screen, 7), "");
+    EXPECT_EQ(EntryText(screen, 8), "Troubleshooting Options");
+}
+
+TEST(MainMenu, HostWithoutManagementInterfaceGreysTheNetworkEntriesAndSkipsThem) {
+    auto host = MakeHost("no-nic");
+    ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
+    auto& term = host->Term();
+    for (int index : {3, 4, 5}) {
+        const auto cell = term.Screen().CellAt(kListRow + index, kListColumn);
+        EXPECT_TRUE(cell.fg.IsIndex(6) && cell.bg.IsIndex(3)) << index << ": " << cell.Describe();
+    }
+    EXPECT_EQ(EntryText(term.Screen(), 3), "Configure Management Network");
+    term.Press(Key::Down);
+    ASSERT_TRUE(term.WaitFor([](const VirtualTerminal& s) {
+        return SelectedEntry(s) == "Configure Lockdown Mode";
+    })) << term.Dump();
+    term.Press(Key::Down);
+    EXPECT_TRUE(term.WaitFor([](const VirtualTerminal& s) {
+        return SelectedEntry(s) == "Network Restore Options";
+    })) << term.Dump();
+}
+
+TEST(MainMenu, HostWhereLockdownIsImpossibleSkipsItsEntry) {
+    auto host = MakeHost("default", {{"/services/lockdown/possible", "false"}});
+    ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
+    auto& term = host->Term();
+    const auto cell = term.Screen().CellAt(kListRow + 1, kListColumn);
+    EXPECT_TRUE(cell.fg.IsIndex(6)) << cell.Describe();
+    term.Press(Key::Down);
+    EXPECT_TRUE(term.WaitFor([](const VirtualTerminal& s) {
+        return SelectedEntry(s) == "Configure Management Network";
+    })) << term.Dump();
+    // Both questions went to the host tool as the console's own user.
+    EXPECT_FALSE(host->SyslogLines({"hcl-cmd invocation: get hclsvc/auth/lockdown_is_possible"}).empty())
+        << host->Syslog();
+}
+
+TEST(MainMenu, NetworkBootedHostShowsResetButTheSelectionNeverReachesIt) {
+    auto host = MakeHost("pxe-boot");
+    ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
+    auto& term = host->Term();
+    EXPECT_TRUE(term.Screen().Contains("Reset System Configuration"));
+    ASSERT_TRUE(SelectDown(*host, "View Support Information")) << term.Dump();
+    // Down from the last choosable entry stays put: Up then lands one entry higher, not on Support.
+    term.Press(Key::Down);
+    term.Press(Key::Up);
+    EXPECT_TRUE(term.WaitFor([](const VirtualTerminal& s) { return SelectedEntry(s) == "View System Logs"; }))
+        << term.Dump();
+}
+
+// --- View Support Information -------------------------------------------------------------------------
+
+TEST(MainMenu, SupportPagesTurnWithPageKeysAndStopAtBothEnds) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
+    auto& term = host->Term();
+    ASSERT_TRUE(SelectDown(*host, "View Support Information")) << term.Dump();
+    ASSERT_TRUE(term.WaitForText("Page 1 of 3")) << term.Dump();
+    EXPECT_TRUE(term.Screen().Contains("NW22-0007731")) << term.Dump();  // the scenario's serial number
+    EXPECT_TRUE(term.Screen().Contains("4QK7Z21")) << term.Dump();       // and service tag
+
+    term.Press(Key::PageUp);  // before the first page: nothing
+    term.Press(Key::PageDown);
+    ASSERT_TRUE(term.WaitForText("Page 2 of 3")) << term.Dump();
+    EXPECT_TRUE(term.WaitForText("SSL Thumbprint")) << term.Dump();
+    term.Press(Key::PageDown);
+    term.Press(Key::PageDown);  // past the last page: nothing
+    term.Press(Key::PageUp);
+    // From page 3 one step back is page 2; had the extra Page Down wrapped or run over, it would not be.
+    ASSERT_TRUE(term.WaitForText("Page 2 of 3")) << term.Dump();
+    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    EXPECT_TRUE(term.Screen().Contains("Page 2 of 3")) << term.Dump();
+}
+
+// --- View System Logs ---------------------------------------------------------------------------------
+
+class SystemLogsMenu : public ::testing::Test {
+  protected:
+    // A host with the logs at `rows` (1-based) present, each holding a line that names it, and at
+    // `pipeRow` (when given) a pipe instead of a file; logged in, with View System Logs selected.
+    void Start(const std::vector<int>& rows, int pipeRow = 0) {
+        _host = MakeHost("default");
+        const pid_t console = _host->WaitForConsole();
+        ASSERT_GT(console, 0);
+        const char* paths[] = {"/var/log/syslog.log",  "/var/log/zenkernel.log",  "/var/log/sysboot.log",
+                               "/var/log/hagentd.log", "/var/log/hostagent2.log", "/var/log/haagent.log",
+                               "/var/log/obsd.log"};
+        for (int row : rows) {
+            if (row == 1) continue;  // the host's own syslog is always there
+            ASSERT_TRUE(HostConsole::WriteHostFile(console, paths[row - 1], Marker(row) + "\n"));
+        }
+        if (pipeRow) {
+            _pipe = "/proc/" + std::to_string(console) + "/root" + paths[pipeRow - 1];
+            ASSERT_EQ(mkfifo(_pipe.c_str(), 0644), 0) << _pipe;
+        }
+        ASSERT_TRUE(LogIn(*_host)) << _host->Term().Dump();
+        ASSERT_TRUE(SelectDown(*_host, "View System Logs")) << _host->Term().Dump();
+    }
+    static std::string Marker(int row) { return "marker line of log row " + std::to_string(row); }
+    // Waits for the pager to show the log of `row`, quits it and waits for the menu to be back as it was.
+    void ExpectPagerShows(int row) {
+        auto& term = _host->Term();
+        ASSERT_TRUE(term.WaitForText(Marker(row))) << term.Dump();
+        ASSERT_TRUE(term.WaitForText("<Q> Quit </> RegExp Search <H> Help")) << term.Dump();
+        term.Type("q");
+        ASSERT_TRUE(term.WaitFor([](const VirtualTerminal& s) {
+            return MenuShown(s) && SelectedEntry(s) == "View System Logs";
+        })) << term.Dump();
+        ASSERT_TRUE(term.WaitForQuiet(200ms));
+    }
+    void ExpectDigitOpens(char digit, int row) {
+        _host->Term().Type(std::string(1, digit));
+        ExpectPagerShows(row);
+    }
+
+    std::string _pipe;
+    std::unique_ptr<HostConsole> _host;
+};
+
+TEST_F(SystemLogsMenu, DigitsCountOnlyThePresentLogsAndThePagerGivesTheMenuBackIntact) {
+    Start({1, 3, 5});
+    auto& term = _host->Term();
+    // Shown numbered as the digits count them.
+    EXPECT_TRUE(term.Screen().Contains("<1> Syslog")) << term.Dump();
+    EXPECT_TRUE(term.Screen().Contains("<2> Config")) << term.Dump();
+    EXPECT_TRUE(term.Screen().Contains("<3> xCenter Agent (hostagent2)")) << term.Dump();
+    ExpectDigitOpens('2', 3);
+    ExpectDigitOpens('3', 5);
+    // The whole menu is back: every entry, the details of the selected one, the version line.
+    const auto& screen = term.Screen();
+    EXPECT_EQ(EntryText(screen, 0), "Configure Password");
+    EXPECT_EQ(EntryText(screen, 14), "Reset System Configuration");
+    EXPECT_TRUE(screen.Contains("Press <Q> to return to this screen.")) << term.Dump();
+    EXPECT_NE(screen.RowText(screen.Rows() - 1).find("Build 24680"), std::string::npos) << term.Dump();
+    // And it still takes keys.
+    term.Press(Key::Down);
+    EXPECT_TRUE(term.WaitFor([](const VirtualTerminal& s) {
+        return SelectedEntry(s) == "View Support Information";
+    })) << term.Dump();
+}
+
+TEST_F(SystemLogsMenu, DigitPastThePresentLogsOpensTheNextRowEvenIfItIsNoLog) {
+    // The fourth log is a pipe, not a file: not offered, yet digit 5 opens it.
+    Start({1, 2, 3}, 4);
+    auto& term = _host->Term();
+    EXPECT_FALSE(term.Screen().Contains("<4>")) << term.Dump();
+    term.Type("5");
+    // The pager opens the pipe for reading; then there is a writer to give it its text.
+    EXPECT_TRUE(term.WaitUntil([&] {
+        const int fd = open(_pipe.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+        if (fd < 0) return false;
+        const std::string text = "marker line of log row 4\n";
+        const bool written = write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+        close(fd);
+        return written;
+    })) << term.Dump();
+    ExpectPagerShows(4);
+}
+
+TEST_F(SystemLogsMenu, PagerCannotRunCommandsOrOpenOtherFiles) {
+    Start({1});
+    auto& term = _host->Term();
+    term.Type("1");
+    ASSERT_TRUE(term.WaitForText("<Q> Quit </> RegExp Search <H> Help")) << term.Dump();
+    term.Type("!");
+    EXPECT_TRUE(term.WaitForText("Command not available")) << term.Dump();
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    term.Type(":e");
+    EXPECT_TRUE(term.WaitForText("Command not available")) << term.Dump();
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    term.Type("q");
+    EXPECT_TRUE(term.WaitFor(MenuShown)) << term.Dump();
+}
+
+// --- leaving ------------------------------------------------------------------------------------------
+
+TEST(MainMenu, EscapeLogsOutToTheWelcomeScreen) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
+    host->Term().Press(Key::Escape);
+    EXPECT_TRUE(host->Term().WaitForTextGone(kMenuTitle)) << host->Term().Dump();
+    EXPECT_TRUE(host->Term().WaitForText(kWelcomeKeys)) << host->Term().Dump();
+    EXPECT_TRUE(host->WaitForSyslog({"user.info", "]: User root logged out"})) << host->Syslog();
+    EXPECT_TRUE(host->SyslogLines({"logged out due to time out"}).empty()) << host->Syslog();
+}
+
+TEST(MainMenu, IdleTimeoutLogsOutFromTheMenuToTheWelcomeScreen) {
+    // Two minutes of the console's clock, six seconds here.
+    auto host = MakeHost("default", {{"/advancedOptions/UserVars/KovoTimeOut/value", "120"}}, FastClock());
+    ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
+    const auto loggedIn = std::chrono::steady_clock::now();
+    auto& term = host->Term();
+    ASSERT_TRUE(term.WaitForTextGone(kMenuTitle, 60000ms)) << term.Dump();
+    EXPECT_GE(std::chrono::steady_clock::now() - loggedIn, 120s / 20 - 1s);
+    EXPECT_TRUE(term.WaitForText(kWelcomeKeys)) << term.Dump();
+    EXPECT_TRUE(host->WaitForSyslog({"user.info", "]: User root logged out due to time out"}))
+        << host->Syslog();
+    EXPECT_TRUE(term.Running());
+}
