@@ -16,6 +16,7 @@
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/zenkctl/DnsConfigImpl.h"
 #include "platform/zenkctl/SystemInfoImpl.h"
+#include "system/KeyboardDialog.h"
 #include "text/InputItem.h"
 #include "text/ItemList.h"
 #include "text/LabelItem.h"
@@ -185,9 +186,7 @@ int LoginDialog::HandleKey() {
                 _list->Draw();
                 break;
             case LoginKey::Keyboard:
-                // The layout may have been changed meanwhile; show the one the host uses now.
-                _keyboard->SetText(KeyboardText());
-                _list->Draw();
+                ChangeKeyboard();
                 break;
             case LoginKey::Submit:
                 if (TryLogin()) {
@@ -202,6 +201,18 @@ int LoginDialog::HandleKey() {
                 break;
         }
     }
+}
+
+void LoginDialog::ChangeKeyboard() {
+    try {
+        KeyboardDialog keyboard(this);
+        keyboard.RunModal();
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        syslog(LOG_ERR, "Unable to change the keyboard layout: %s", e.what());
+    }
+    // Show the layout the host uses now, whatever the dialog managed to do.
+    _keyboard->SetText(KeyboardText());
+    _list->Draw();
 }
 
 void LoginDialog::SetSessionUser() {

@@ -190,3 +190,28 @@ TEST(Login, RandomBytesAndLongInputInEveryFieldNeverBreakTheConsole) {
     // And it still logs in.
     ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << term.Dump();
 }
+
+TEST(Login, KeyboardLineOpensTheLayoutDialogAndShowsTheLayoutAfterwards) {
+    ConsoleStart start;
+    start.term = "xterm";  // the machine's own keyboard
+    auto host = MakeHost("default", {}, start);
+    auto& term = host->Term();
+    term.Press(Key::F2);
+    ASSERT_TRUE(term.WaitForText("Configured Keyboard (US Default)")) << term.Dump();
+    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    // Typing on the keyboard line goes nowhere; Enter opens the layout dialog.
+    term.Type("zz");
+    ASSERT_TRUE(SetStore(*host, "/system/keyboard/layout", "\"German\""));
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForText("(o) German")) << term.Dump();
+    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForText("Configured Keyboard (German)")) << term.Dump();
+    EXPECT_TRUE(term.Screen().Contains(kLoginTitle));
+    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    // Then down to the fields: the name is still root, and the login goes through.
+    term.Press(Key::Down);
+    Submit(*host, "", kRootPassword);
+    ASSERT_TRUE(term.WaitFor(MenuShown)) << term.Dump();
+    ASSERT_TRUE(host->WaitForSyslog({"]: User root logged in"})) << host->Syslog();
+}
