@@ -14,8 +14,12 @@
 #include "platform/hostctl/ZenkNic.h"
 #include "platform/zenkctl/NetworkInfoImpl.h"
 #include "platform/zenkctl/UserAdvancedOptionImpl.h"
+#include "system/KeyboardDialog.h"
+#include "system/LockdownDialog.h"
 #include "system/LogPager.h"
 #include "system/MenuCodes.h"
+#include "system/RestoreDialog.h"
+#include "system/TroubleShootingWindow.h"
 #include "text/ItemList.h"
 #include "text/LabelItem.h"
 #include "text/StringFactory.h"
@@ -224,12 +228,27 @@ void GeneralWindow::Choose(unsigned code) {
             // A password set where there was none changes what the pane asks for.
             DrawDetails();
             break;
+        case kConfigureLockdown:
+            if (LockdownDialog(this).RunModal() != 0) {
+                _lockdownEnabled = HclCmdQuery("hclsvc/auth/lockdown_is_enabled");
+                DrawDetails();
+            }
+            break;
         case kRestartNetwork:
             if (!LookUpManagementInterface()) {
                 MessageDialog(this, kRestartNetworkError, kNoManagementInterface).RunModal();
             }
             break;
-        // The other entries open their screens here as those screens come; until then Enter on them
+        case kTroubleshooting:
+            TroubleShootingWindow(this).RunModal();
+            break;
+        case kResetConfiguration:
+            RestoreDialog(this).RunModal();
+            break;
+        case kConfigureKeyboard:
+            KeyboardDialog(this).RunModal();
+            break;
+        // The network entries open their screens here as those screens come; until then Enter on them
         // leaves the menu as it is.
         default:
             break;
