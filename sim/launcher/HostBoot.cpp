@@ -319,9 +319,10 @@ void HostBoot::StartNetwork(const json& store, const json& scenario) {
             if (server == address) listen.push_back(address);
     }
     if (listen.empty()) return;
-    std::vector<std::string> dnsmasq = {"dnsmasq", "--keep-in-foreground", "--conf-file=/dev/null", "--no-resolv",
-                                        "--no-hosts", "--no-poll", "--bind-interfaces", "--user=root", "--group=root",
-                                        "--pid-file"};
+    // --no-daemon keeps it in the foreground and, unlike --keep-in-foreground, leaves user and groups alone:
+    // in an unprivileged user namespace there is no other group to change to.
+    std::vector<std::string> dnsmasq = {"dnsmasq", "--no-daemon", "--conf-file=/dev/null", "--no-resolv",
+                                        "--no-hosts", "--no-poll", "--bind-interfaces"};
     for (const auto& address : listen) dnsmasq.push_back("--listen-address=" + address);
     for (const auto& [name, address] : DnsNames(store, scenario)) dnsmasq.push_back("--host-record=" + name + "," + address);
     RunQuietly(dnsmasq, true);

@@ -63,6 +63,10 @@ void HostNamespace::Create() {
 }
 
 int HostNamespace::Mount(const HostLayout& layout) {
+    // PID 1 mounts in a mount namespace of its own: the launcher that waits for it keeps the machine's
+    // /proc (its own tools, and the sanitizers' leak check, read /proc/self).
+    if (::unshare(CLONE_NEWNS) != 0) Fail("unshare");
+    DoMount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE);
     // Overlays first, while the machine's /dev and /proc are still in place.
     const std::string xattr = InUserNamespace() ? ",userxattr" : "";
     for (const char* path : HostLayout::kOverlays) {

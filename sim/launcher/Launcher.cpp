@@ -5,6 +5,7 @@
 #include <sys/file.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -57,6 +58,11 @@ int ReadPid(const std::string& path) {
 void WriteText(const std::string& path, const std::string& text) {
     std::ofstream file(path, std::ios::trunc);
     file << text;
+}
+
+bool InsideAHost() {
+    // Every boot of a simulated host makes this directory on its own tmpfs; the machine has none.
+    return fs::is_directory("/run/kovo-sim") && fs::exists(ZenkCtl::Store::HostStore::kHostPath);
 }
 
 sigset_t LauncherSignals() {
@@ -250,6 +256,9 @@ int Launcher::Boot(const HostLayout& layout, Supervisor::Config config) {
     }
 
     WriteText(layout.State("init.pid"), std::to_string(init));
+    // A console killed while the host went down cannot restore the terminal; the launcher does.
+    struct termios terminal {};
+    const bool haveTerminal = ::tcgetattr(STDIN_FILENO, &terminal) == 0;
     int status = 0;
     for (;;) {
         siginfo_t info{};
@@ -266,6 +275,7 @@ int Launcher::Boot(const HostLayout& layout, Supervisor::Config config) {
         if ((info.si_signo == SIGINT || info.si_signo == SIGQUIT) && info.si_code == SI_KERNEL) continue;
         ::kill(init, SIGTERM);
     }
+    if (haveTerminal) ::tcsetattr(STDIN_FILENO, TCSANOW, &terminal);
     ::unlink(layout.State("init.pid").c_str());
     ::unlink(layout.State("console.pid").c_str());
     ::sigprocmask(SIG_SETMASK, &previous, nullptr);
@@ -273,7 +283,6 @@ int Launcher::Boot(const HostLayout& layout, Supervisor::Config config) {
 }
 
 int Launcher::Join(int init, const std::vector<std::string>& command) {
-    HostNamespace::Join(init);
     std::vector<std::string> args = command;
     std::vector<char*> argv;
     for (auto& arg : args) argv.push_back(arg.data());
@@ -283,23 +292,45 @@ int Launcher::Join(int init, const std::vector<std::string>& command) {
     ignore.sa_handler = SIG_IGN;
     ::sigaction(SIGINT, &ignore, &oldInt);
     ::sigaction(SIGQUIT, &ignore, &oldQuit);
+    // A child enters the host, so the launcher itself stays in the machine's namespaces; the host's PID
+    // namespace takes only the grandchild.
     const pid_t child = ::fork();
     if (child < 0) throw std::system_error(errno, std::generic_category(), "fork");
     if (child == 0) {
-        ::sigaction(SIGINT, &oldInt, nullptr);
-        ::sigaction(SIGQUIT, &oldQuit, nullptr);
-        if (::chdir("/") != 0) _exit(127);
-        ::execvp(argv[0], argv.data());
-        std::cerr << "kovo-sim: cannot run " << args[0] << ": " << std::strerror(errno) << "\n";
-        _exit(127);
+        try {
+            HostNamespace::Join(init);
+        } catch (const std::exception& e) {
+            std::cerr << "kovo-sim: cannot enter the host: " << e.what() << "\n";
+            _exit(1);
+        }
+        const pid_t inside = ::fork();
+        if (inside < 0) _exit(1);
+        if (inside == 0) {
+            ::sigaction(SIGINT, &oldInt, nullptr);
+            ::sigaction(SIGQUIT, &oldQuit, nullptr);
+            if (::chdir("/") != 0) _exit(127);
+            ::execvp(argv[0], argv.data());
+            std::cerr << "kovo-sim: cannot run " << args[0] << ": " << std::strerror(errno) << "\n";
+            _exit(127);
+        }
+        int status = 0;
+        while (::waitpid(inside, &status, 0) < 0 && errno == EINTR) {
+        }
+        _exit(RestartPolicy::ExitCode(status));
     }
     int status = 0;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
+    ::sigaction(SIGINT, &oldInt, nullptr);
+    ::sigaction(SIGQUIT, &oldQuit, nullptr);
     return RestartPolicy::ExitCode(status);
 }
 
 int Launcher::InHostGet(const std::string& pointer) {
+    if (!InsideAHost()) {
+        std::cerr << "kovo-sim: in-host-get runs only inside a simulated host; use: kovo-sim get DIR POINTER\n";
+        return kUsageStatus;
+    }
     try {
         const auto value = ZenkCtl::Store::HostStore().Get(pointer);
         std::cout << value.dump(2) << "\n";
@@ -311,6 +342,10 @@ int Launcher::InHostGet(const std::string& pointer) {
 }
 
 int Launcher::InHostSet(const std::string& pointer, const std::string& value) {
+    if (!InsideAHost()) {
+        std::cerr << "kovo-sim: in-host-set runs only inside a simulated host; use: kovo-sim set DIR POINTER JSON\n";
+        return kUsageStatus;
+    }
     nlohmann::json parsed;
     try {
         parsed = nlohmann::json::parse(value);

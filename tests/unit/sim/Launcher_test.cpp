@@ -238,6 +238,11 @@ TEST_F(LauncherTest, BadInputGetsAMessageAndAUsageStatus) {
 
     auto paths = RunProgram({kSim, "paths", Host()});
     EXPECT_EQ(paths.status, 2);  // nothing booted there yet
+
+    // The store commands that work inside a host refuse to act on the machine.
+    auto outside = RunProgram({kSim, "in-host-set", "/x", "1"});
+    EXPECT_EQ(outside.status, 2);
+    EXPECT_NE(outside.err.find("only inside a simulated host"), std::string::npos) << outside.err;
 }
 
 TEST_F(LauncherTest, AnUnprivilegedUserGetsTheSameHost) {
@@ -261,6 +266,10 @@ TEST_F(LauncherTest, AnUnprivilegedUserGetsTheSameHost) {
 
     auto paths = RunProgram({kSim, "paths", Host()});
     EXPECT_NE(paths.out.find("syslog\t" + Syslog() + "\n"), std::string::npos) << paths.out;
+
+    // The host's name server runs for the unprivileged user too.
+    auto resolved = RunProgram({kSim, "exec", Host(), "--", "getent", "hosts", "ntp.lab.example"}, {.env = {}, .uid = kNobody});
+    EXPECT_NE(resolved.out.find("10.20.30.5"), std::string::npos) << resolved.out << resolved.err;
 }
 
 }  // namespace
