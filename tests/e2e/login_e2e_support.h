@@ -120,11 +120,12 @@ inline bool WaitForSyslogCount(HostConsole& host, const std::vector<std::string>
 }
 
 // F2 and the login dialog, ready for typing with the name field focused.
+// Every screen discards keys typed while it is being shown, so each step waits for the screen to settle.
 inline bool OpenLogin(HostConsole& host) {
     auto& term = host.Term();
     term.Press(Key::F2);
     if (!term.WaitForText(kLoginTitle)) return false;
-    if (!term.WaitForQuiet(200ms)) return false;
+    if (!term.WaitForQuiet(300ms)) return false;
     // With the keyboard line, focus starts there; the name field is one down.
     if (term.Screen().Contains("Configured Keyboard")) term.Press(Key::Down);
     return true;
@@ -147,17 +148,17 @@ inline bool MenuShown(const VirtualTerminal& screen) {
 inline bool LogIn(HostConsole& host, const std::string& user, const std::string& secret) {
     if (!OpenLogin(host)) return false;
     Submit(host, user, secret);
-    return host.Term().WaitFor(MenuShown) && host.Term().WaitForQuiet(200ms);
+    return host.Term().WaitFor(MenuShown) && host.Term().WaitForQuiet(300ms);
 }
 
 // Closes a message dialog showing `text` with Enter and waits for it to go.
 inline bool Acknowledge(HostConsole& host, const std::string& text) {
     auto& term = host.Term();
     if (!term.WaitForText(text)) return false;
-    if (!term.WaitForQuiet(100ms)) return false;
+    if (!term.WaitForQuiet(300ms)) return false;
     term.Press(Key::Enter);
     // The dialog behind discards keys typed while it comes back: wait until it has settled.
-    return term.WaitForTextGone(text) && term.WaitForQuiet(200ms);
+    return term.WaitForTextGone(text) && term.WaitForQuiet(300ms);
 }
 
 // No secret anywhere an operator or an administrator could read it.

@@ -97,7 +97,7 @@ TEST(Login, ExpiredPasswordIsChangedThenTheNewOneLogsIn) {
     Submit(*host, "newadmin", kExpiredPassword);
     ASSERT_TRUE(Acknowledge(*host, kExpired)) << term.Dump();
     ASSERT_TRUE(term.WaitForText("Configure Password")) << term.Dump();
-    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    ASSERT_TRUE(term.WaitForQuiet(300ms));
     const std::string fresh = "Fresh-Admin7";
     for (const std::string& field : {std::string(kExpiredPassword), fresh, fresh}) {
         term.Type(field);
@@ -118,7 +118,7 @@ TEST(Login, ExpiredPasswordIsChangedThenTheNewOneLogsIn) {
     EXPECT_EQ(Lines(HostRecords(*host, "events.log"), kFailedEvent),
               std::vector<std::string>{std::string(kFailedEvent) + "Access denied for user newadmin"});
 
-    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    ASSERT_TRUE(term.WaitForQuiet(300ms));
     term.Type(fresh);  // the password field has focus and was cleared
     term.Press(Key::Enter);
     ASSERT_TRUE(term.WaitFor(MenuShown)) << term.Dump();
@@ -148,7 +148,7 @@ TEST(Login, WithoutTheMarkerTheConsoleRefusesEveryLogin) {
     for (Key key : {Key::F2, Key::F12}) {
         term.Press(key);
         ASSERT_TRUE(term.WaitForText("Authentication Denied")) << term.Dump();
-        ASSERT_TRUE(term.WaitForQuiet(100ms));
+        ASSERT_TRUE(term.WaitForQuiet(300ms));
         // The text wraps in the dialog; the host's name and domain follow it.
         EXPECT_TRUE(term.Screen().Contains("Direct console access has been disabled by the"))
             << term.Screen().ScreenText();
@@ -157,6 +157,7 @@ TEST(Login, WithoutTheMarkerTheConsoleRefusesEveryLogin) {
         EXPECT_FALSE(term.Screen().Contains("Login Name:"));
         term.Press(key == Key::F2 ? Key::Enter : Key::Escape);
         ASSERT_TRUE(term.WaitForTextGone("Authentication Denied")) << term.Dump();
+        ASSERT_TRUE(term.WaitForQuiet(300ms));
     }
     EXPECT_TRUE(host->SyslogLines({"Authentication of user"}).empty());
 }
@@ -198,17 +199,17 @@ TEST(Login, KeyboardLineOpensTheLayoutDialogAndShowsTheLayoutAfterwards) {
     auto& term = host->Term();
     term.Press(Key::F2);
     ASSERT_TRUE(term.WaitForText("Configured Keyboard (US Default)")) << term.Dump();
-    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    ASSERT_TRUE(term.WaitForQuiet(300ms));
     // Typing on the keyboard line goes nowhere; Enter opens the layout dialog.
     term.Type("zz");
     ASSERT_TRUE(SetStore(*host, "/system/keyboard/layout", "\"German\""));
     term.Press(Key::Enter);
     ASSERT_TRUE(term.WaitForText("(o) German")) << term.Dump();
-    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    ASSERT_TRUE(term.WaitForQuiet(300ms));
     term.Press(Key::Enter);
     ASSERT_TRUE(term.WaitForText("Configured Keyboard (German)")) << term.Dump();
     EXPECT_TRUE(term.Screen().Contains(kLoginTitle));
-    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    ASSERT_TRUE(term.WaitForQuiet(300ms));
     // Then down to the fields: the name is still root, and the login goes through.
     term.Press(Key::Down);
     Submit(*host, "", kRootPassword);

@@ -24,7 +24,7 @@ constexpr const char* kChangedEvent =
 bool OpenPasswordDialog(HostConsole& host) {
     if (!LogIn(host, "", kRootPassword)) return false;
     host.Term().Press(Key::Enter);
-    return host.Term().WaitForText(kDialogText) && host.Term().WaitForQuiet(200ms);
+    return host.Term().WaitForText(kDialogText) && host.Term().WaitForQuiet(300ms);
 }
 
 void Enter(HostConsole& host, const std::string& text) {
@@ -59,10 +59,10 @@ TEST(PasswordChange, EveryRefusalKeepsTheDialogAndChangesNothing) {
     Enter(*host, kRootPassword);
     Enter(*host, kRootPassword);
     ASSERT_TRUE(term.WaitForText(kSameWarning)) << term.Dump();
-    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    ASSERT_TRUE(term.WaitForQuiet(300ms));
     term.Press(Key::Escape);
     ASSERT_TRUE(term.WaitForTextGone(kSameWarning)) << term.Dump();
-    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    ASSERT_TRUE(term.WaitForQuiet(300ms));
     EXPECT_TRUE(term.Screen().Contains(kDialogText));
 
     // Too weak for the host's rule.
@@ -75,6 +75,7 @@ TEST(PasswordChange, EveryRefusalKeepsTheDialogAndChangesNothing) {
     term.Press(Key::Escape);
     ASSERT_TRUE(term.WaitForTextGone(kDialogText)) << term.Dump();
     ASSERT_TRUE(term.WaitFor(MenuShown)) << term.Dump();
+    ASSERT_TRUE(term.WaitForQuiet(300ms));
     EXPECT_TRUE(host->SyslogLines({kChanged}).empty()) << host->Syslog();
     EXPECT_TRUE(Lines(HostRecords(*host, "commands.log"), kBackup).empty())
         << HostRecords(*host, "commands.log");
@@ -92,7 +93,7 @@ TEST(PasswordChange, SamePasswordConfirmedIsSetAgain) {
     Enter(*host, kRootPassword);
     ASSERT_TRUE(term.WaitForText(kSameWarning)) << term.Dump();
     EXPECT_TRUE(term.Screen().Contains("<Enter> Confirm")) << term.Screen().ScreenText();
-    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    ASSERT_TRUE(term.WaitForQuiet(300ms));
     term.Press(Key::Enter);
     ASSERT_TRUE(term.WaitForTextGone(kDialogText)) << term.Dump();
     ASSERT_TRUE(host->WaitForSyslog({" user.info ", kChanged})) << host->Syslog();
@@ -121,10 +122,11 @@ TEST(PasswordChange, ChangeIsSavedAnnouncedAndOnlyTheNewPasswordLogsIn) {
               std::vector<std::string>{kChangedEvent});
 
     // Out of the menu, then the old password is refused and the new one accepted.
+    ASSERT_TRUE(term.WaitForQuiet(300ms));
     term.Press(Key::Escape);
     ASSERT_TRUE(term.WaitForText(kWelcomeKeys)) << term.Dump();
     ASSERT_TRUE(term.WaitForTextGone(kMenuTitle)) << term.Dump();
-    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    ASSERT_TRUE(term.WaitForQuiet(300ms));
     ASSERT_TRUE(OpenLogin(*host)) << term.Dump();
     Submit(*host, "", kRootPassword);
     ASSERT_TRUE(Acknowledge(*host, "Invalid login or password.")) << term.Dump();

@@ -50,7 +50,7 @@ TEST(SmartCard, InsertedCardOpensPinModeAndF3SwitchesBothWays) {
     EXPECT_FALSE(term.Screen().Contains("Login Id:"));
     term.Press(Key::F3);
     ASSERT_TRUE(Shows(*host, {kPinPrompt, "Login Id:", "PIN:"})) << term.Dump();
-    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    ASSERT_TRUE(term.WaitForQuiet(300ms));
 
     // The login id is filled in; the PIN goes through PAM like a password.
     Submit(*host, "", kRootPassword);
