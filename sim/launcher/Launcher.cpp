@@ -224,41 +224,65 @@ int Launcher::Boot(const HostLayout& layout, Supervisor::Config config) {
     const sigset_t signals = LauncherSignals();
     sigset_t previous;
     ::sigprocmask(SIG_BLOCK, &signals, &previous);
-    HostNamespace::Create();
     std::cout.flush();
     std::cerr.flush();
-    const pid_t init = ::fork();
-    if (init < 0) throw std::system_error(errno, std::generic_category(), "fork");
-    if (init == 0) {
+    // The launcher stays in the machine's namespaces; a child makes the host's and forks its PID 1.
+    // (A process whose PID namespace lost its init cannot fork again, not even a sanitizer's thread.)
+    const pid_t maker = ::fork();
+    if (maker < 0) throw std::system_error(errno, std::generic_category(), "fork");
+    if (maker == 0) {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        int status = 1;
         try {
-            const nlohmann::json scenario = LoadScenario(layout.State("scenario.json"));
-            const std::string beside = fs::path(SelfPath()).parent_path().string();
-            const HostBoot::Products products{beside + "/kovo-sim-host", beside + "/pam_kovo_sim.so"};
-            config.machineProc = HostNamespace::Mount(layout);
-            const bool made = !fs::exists(ZenkCtl::Store::HostStore::kHostPath);
-            if (made) HostBoot::Provision(scenario);
-            config.boot = [scenario, products, first = made]() mutable {
-                auto daemons = HostBoot::Start(scenario, products, first);
-                first = false;
-                return daemons;
-            };
-            config.clearRun = [] { HostNamespace::RemountRun(); };
-            SyslogReceiver syslog("/dev/log", "/var/log/syslog.log");
-            Supervisor supervisor(std::move(config), syslog);
-            status = supervisor.Run();
+            HostNamespace::Create();
         } catch (const std::exception& e) {
-            std::cerr << "kovo-sim: cannot boot the simulated host: " << e.what() << "\n";
+            std::cerr << "kovo-sim: cannot make the simulated host's namespaces: " << e.what() << "\n";
+            _exit(1);
         }
-        std::cout.flush();
-        _exit(status);
+        const pid_t init = ::fork();
+        if (init < 0) _exit(1);
+        if (init == 0) _exit(RunInit(layout, std::move(config)));
+        WriteText(layout.State("init.pid"), std::to_string(init));
+        _exit(RestartPolicy::ExitCode(ForwardUntilEnd(init, signals)));
     }
 
-    WriteText(layout.State("init.pid"), std::to_string(init));
     // A console killed while the host went down cannot restore the terminal; the launcher does.
     struct termios terminal {};
     const bool haveTerminal = ::tcgetattr(STDIN_FILENO, &terminal) == 0;
+    const int status = ForwardUntilEnd(maker, signals);
+    if (haveTerminal) ::tcsetattr(STDIN_FILENO, TCSANOW, &terminal);
+    ::unlink(layout.State("init.pid").c_str());
+    ::unlink(layout.State("console.pid").c_str());
+    ::sigprocmask(SIG_SETMASK, &previous, nullptr);
+    return RestartPolicy::ExitCode(status);
+}
+
+int Launcher::RunInit(const HostLayout& layout, Supervisor::Config config) {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    try {
+        const nlohmann::json scenario = LoadScenario(layout.State("scenario.json"));
+        const std::string beside = fs::path(SelfPath()).parent_path().string();
+        const HostBoot::Products products{beside + "/kovo-sim-host", beside + "/pam_kovo_sim.so"};
+        config.machineProc = HostNamespace::Mount(layout);
+        const bool made = !fs::exists(ZenkCtl::Store::HostStore::kHostPath);
+        if (made) HostBoot::Provision(scenario);
+        config.boot = [scenario, products, first = made]() mutable {
+            auto daemons = HostBoot::Start(scenario, products, first);
+            first = false;
+            return daemons;
+        };
+        config.clearRun = [] { HostNamespace::RemountRun(); };
+        SyslogReceiver syslog("/dev/log", "/var/log/syslog.log");
+        Supervisor supervisor(std::move(config), syslog);
+        const int status = supervisor.Run();
+        std::cout.flush();
+        return status;
+    } catch (const std::exception& e) {
+        std::cerr << "kovo-sim: cannot boot the simulated host: " << e.what() << "\n";
+        return 1;
+    }
+}
+
+int Launcher::ForwardUntilEnd(pid_t child, const sigset_t& signals) {
     int status = 0;
     for (;;) {
         siginfo_t info{};
@@ -267,19 +291,14 @@ int Launcher::Boot(const HostLayout& layout, Supervisor::Config config) {
             throw std::system_error(errno, std::generic_category(), "sigwaitinfo");
         }
         if (info.si_signo == SIGCHLD) {
-            if (::waitpid(init, &status, WNOHANG) == init) break;
+            if (::waitpid(child, &status, WNOHANG) == child) return status;
             continue;
         }
         // The terminal's Ctrl-C already reached the host's processes; a signal sent to the launcher
         // itself stops the host.
         if ((info.si_signo == SIGINT || info.si_signo == SIGQUIT) && info.si_code == SI_KERNEL) continue;
-        ::kill(init, SIGTERM);
+        ::kill(child, SIGTERM);
     }
-    if (haveTerminal) ::tcsetattr(STDIN_FILENO, TCSANOW, &terminal);
-    ::unlink(layout.State("init.pid").c_str());
-    ::unlink(layout.State("console.pid").c_str());
-    ::sigprocmask(SIG_SETMASK, &previous, nullptr);
-    return RestartPolicy::ExitCode(status);
 }
 
 int Launcher::Join(int init, const std::vector<std::string>& command) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <signal.h>
+
 #include <string>
 #include <vector>
 
@@ -30,6 +32,10 @@ private:
     // (recorded in DIR/state/scenario.json). Throws std::invalid_argument for an unusable scenario.
     static nlohmann::json HostScenario(const HostLayout& layout, const LauncherOptions& options);
     static nlohmann::json LoadScenario(const std::string& nameOrFile);
+    // PID 1 of a new host: mounts, makes the host when new, and supervises it. Returns the exit status.
+    static int RunInit(const HostLayout& layout, Supervisor::Config config);
+    // Waits for a child, passing termination on to it; returns its wait status.
+    static int ForwardUntilEnd(pid_t child, const sigset_t& signals);
     // Runs a command inside the running host whose PID 1 is init.
     static int Join(int init, const std::vector<std::string>& command);
 

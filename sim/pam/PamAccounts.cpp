@@ -27,7 +27,9 @@ bool Matches(const std::string& password, const std::string& hash) {
     if (hash.size() < 13 || hash[0] == '!' || hash[0] == '*') return false;
     struct crypt_data data;
     std::memset(&data, 0, sizeof data);
-    const char* result = ::crypt_r(password.c_str(), hash.c_str(), &data);
+    // crypt_rn, not crypt_r: sanitizer runtimes intercept crypt_r and fail when libcrypt arrives only
+    // with this module, after the program started.
+    const char* result = ::crypt_rn(password.c_str(), hash.c_str(), &data, sizeof data);
     return result && result[0] != '*' && hash == result;
 }
 
@@ -40,7 +42,7 @@ std::string PamAccounts::Hash(const std::string& password) {
     if (!::crypt_gensalt_rn("$6$", 0, nullptr, 0, salt, sizeof salt)) return {};
     struct crypt_data data;
     std::memset(&data, 0, sizeof data);
-    const char* hash = ::crypt_r(password.c_str(), salt, &data);
+    const char* hash = ::crypt_rn(password.c_str(), salt, &data, sizeof data);
     return hash && hash[0] != '*' ? hash : std::string();
 }
 
