@@ -95,7 +95,21 @@ void StartSignalThread() {
     pthread_detach(thread);
 }
 
+// Curses may already hold input it read past the key it returned (a key typed right after a lone Esc,
+// say); poll() cannot see that, so such a key is put back and the next wait takes it at once.
+static bool g_cursesHoldsInput = false;
+
+static int ReadKeyNow() {
+    wtimeout(stdscr, 0);
+    int key = wgetch(stdscr);
+    int next = key == ERR ? ERR : wgetch(stdscr);
+    wtimeout(stdscr, -1);
+    g_cursesHoldsInput = next != ERR && ungetch(next) == OK;
+    return key;
+}
+
 int WaitInput(std::optional<timeval> limit) {
+    if (g_cursesHoldsInput) return ReadKeyNow();
     pollfd fds[2] = {{0, POLLIN, 0}, {Frame::_signalPipe[0], POLLIN, 0}};
     int ms = -1;
     if (limit) ms = static_cast<int>(limit->tv_usec / 1000 + limit->tv_sec * 1000);
@@ -105,12 +119,7 @@ int WaitInput(std::optional<timeval> limit) {
         return kInputFailed;
     }
     if (rc == 0) return kInputTimedOut;
-    if (fds[0].revents & (POLLIN | POLLHUP | POLLERR)) {
-        wtimeout(stdscr, 0);
-        int key = wgetch(stdscr);
-        wtimeout(stdscr, -1);
-        return key;
-    }
+    if (fds[0].revents & (POLLIN | POLLHUP | POLLERR)) return ReadKeyNow();
     if (fds[1].revents & POLLIN) {
         char byte = 0;
         ssize_t n;
