@@ -1,0 +1,217 @@
+// The troubleshooting options of the real console on the simulated host: the service toggles with their
+// fall-backs, the time-out dialogs, the agents restart and lockdown mode, checked on the screen and in
+// the host's store, commands and logs.
+#include <gtest/gtest.h>
+
+#include "actions_e2e_support.h"
+
+namespace {
+
+using namespace KovoActionsE2e;
+
+constexpr const char* kTimeoutsDetail = "Modify the number of minutes that";
+constexpr const char* kKovoDetail = "Modify the number of idle minutes";
+
+ConsoleStart FastClock() {
+    ConsoleStart start;
+    start.consoleOnlyEnvironment = {{"LD_PRELOAD", KOVO_E2E_FAKETIME}, {"FAKETIME", "+0 x20"}};
+    return start;
+}
+
+void Press(HostConsole& host, Key key, int times = 1) {
+    for (int i = 0; i < times; ++i) {
+        host.Term().Press(key);
+        ASSERT_TRUE(host.Term().WaitForQuiet(80ms));
+    }
+}
+
+TEST(Troubleshooting, WithSshOnTheTimeoutsAreSkippedUntilSshIsDisabled) {
+    auto host = MakeHost("default", {{"/services/SSH", R"({"enabled": true, "running": true})"}});
+    ASSERT_TRUE(OpenTroubleshooting(*host)) << host->Term().Dump();
+    EXPECT_TRUE(host->Term().Screen().Contains("Disable SSH"));
+    // Two Downs from the shell pass SSH and skip the greyed time-outs.
+    Press(*host, Key::Down, 2);
+    EXPECT_TRUE(host->Term().WaitForText(kKovoDetail)) << host->Term().Dump();
+
+    Press(*host, Key::Up);
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("Enable SSH")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForText("SSH is Disabled")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    Press(*host, Key::Down);
+    EXPECT_TRUE(host->Term().WaitForText(kTimeoutsDetail)) << host->Term().Dump();
+
+    EXPECT_EQ(CommandCount(*host, {R"("hcl-cmd","-U","root","hostsvc/stop_ssh")"}), 1u);
+    EXPECT_EQ(CommandCount(*host, {R"("hcl-cmd","-U","root","hostsvc/disable_ssh")"}), 1u);
+    EXPECT_EQ(StoreValue(*host, "/services/SSH/running"), "false");
+    EXPECT_EQ(host->SyslogLines({"user.info", "]: User root disabled SSH"}).size(), 1u) << host->Syslog();
+}
+
+TEST(Troubleshooting, WithoutTheHostAgentSshStartsThroughItsScriptAndTheFirewall) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(OpenTroubleshooting(*host)) << host->Term().Dump();
+    // The agent stops once the menu is up: every host-tool command fails from now on.
+    ASSERT_TRUE(SetStore(*host, "/services/hostAgent/running", "false"));
+    Press(*host, Key::Down);
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("Disable SSH")) << host->Term().Dump();
+    ASSERT_TRUE(host->WaitForSyslog({"]: User root enabled SSH"})) << host->Syslog();
+
+    EXPECT_EQ(CommandCount(*host, {R"("/etc/init.d/SSH","start")"}), 1u)
+        << HostRecords(*host, "commands.log");
+    EXPECT_EQ(StoreValue(*host, "/services/SSH/running"), "true");
+    EXPECT_EQ(StoreValue(*host, "/firewall/rulesets/0/enabled"), "true");
+    EXPECT_EQ(host->SyslogLines({"user.warning", "]: Unable to run hcl-cmd to start/stop ssh"}).size(), 1u);
+    EXPECT_EQ(host->SyslogLines({"user.warning", "]: Unable to run hcl-cmd to enable/disable ssh"}).size(),
+              1u);
+
+    // The shell falls back to its script alone.
+    Press(*host, Key::Up);
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->WaitForSyslog({"]: User root enabled Qori Shell"})) << host->Syslog();
+    EXPECT_EQ(CommandCount(*host, {R"("/etc/init.d/QorShell","start")"}), 1u);
+    EXPECT_EQ(StoreValue(*host, "/services/QorShell/running"), "true");
+}
+
+TEST(Troubleshooting, ShellTimeoutsRefuseOutOfRangeButApplyTheValidOne) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(OpenTroubleshooting(*host)) << host->Term().Dump();
+    Press(*host, Key::Down, 2);
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("Availability timeout")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    // Letters and control keys reach no field.
+    host->Term().Type("ab-");
+    host->Term().Press(Key::Tab);
+    host->Term().Type("1441");
+    Press(*host, Key::Down);
+    host->Term().Type("x5");
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(Acknowledge(*host, "Timeout value must be between 0 (disabled) and 1440 minutes"))
+        << host->Term().Dump();
+    ASSERT_TRUE(host->WaitForSyslog({"]: Modified shell interactive timeout to 5 minutes"}))
+        << host->Syslog();
+    EXPECT_EQ(StoreValue(*host, "/advancedOptions/UserVars/QoriShellInteractiveTimeOut/value"), "300");
+    EXPECT_EQ(StoreValue(*host, "/advancedOptions/UserVars/QoriShellTimeOut/value"), "0");
+    EXPECT_TRUE(host->SyslogLines({"Shell timeout"}).empty()) << host->Syslog();
+}
+
+TEST(Troubleshooting, CurrentValuesWriteNothingAndZeroDisables) {
+    auto host = MakeHost("default", {{"/advancedOptions/UserVars/QoriShellTimeOut/value", "600"},
+                                     {"/advancedOptions/UserVars/KovoTimeOut/value", "90"}});
+    ASSERT_TRUE(OpenTroubleshooting(*host)) << host->Term().Dump();
+    Press(*host, Key::Down, 2);
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("[ 10    ]")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText(kTimeoutsDetail)) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+    EXPECT_EQ(CommandCount(*host, {"qorcli"}), 0u);
+    EXPECT_EQ(CommandCount(*host, {"qorlocalcli"}), 0u);
+
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("[ 10    ]")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    host->Term().Type("0");
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->WaitForSyslog({"user.info", "]: Disabled Shell timeout"})) << host->Syslog();
+    EXPECT_EQ(StoreValue(*host, "/advancedOptions/UserVars/QoriShellTimeOut/value"), "0");
+
+    // 90 seconds of console time-out show as one minute.
+    ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+    Press(*host, Key::Down);
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("KOVO idle timeout")) << host->Term().Dump();
+    EXPECT_TRUE(host->Term().WaitForText("[ 1     ]")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    host->Term().Type("0");
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->WaitForSyslog({"user.info", "]: Disabled Kovo timeout"})) << host->Syslog();
+    EXPECT_EQ(StoreValue(*host, "/advancedOptions/UserVars/KovoTimeOut/value"), "0");
+}
+
+TEST(Troubleshooting, NewConsoleTimeoutLogsTheOperatorOutAfterThatTime) {
+    auto host = MakeHost("default", {{"/advancedOptions/UserVars/KovoTimeOut/value", "0"}}, FastClock());
+    ASSERT_TRUE(OpenTroubleshooting(*host)) << host->Term().Dump();
+    Press(*host, Key::Down, 3);
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("KOVO idle timeout")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    host->Term().Type("2");
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->WaitForSyslog({"]: Modified Kovo timeout to 2 minutes"})) << host->Syslog();
+    EXPECT_EQ(StoreValue(*host, "/advancedOptions/UserVars/KovoTimeOut/value"), "120");
+    // Two minutes at twenty times the speed: about six seconds without a key.
+    EXPECT_TRUE(host->WaitForSyslog({"]: User root logged out due to time out"}, 60s)) << host->Syslog();
+    EXPECT_TRUE(host->Term().WaitForText(kWelcomeKeys)) << host->Term().Dump();
+}
+
+TEST(Troubleshooting, AgentsRestartRunsTheCaptureOnlyWhenAskedAndIsDoneWhateverTheScripts) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(OpenTroubleshooting(*host)) << host->Term().Dump();
+    Press(*host, Key::Down, 4);
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("Restart management agents now?")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    host->Term().Press(Key::F11);
+    ASSERT_TRUE(host->Term().WaitForText("Starting management agents. Done.")) << host->Term().Dump();
+    EXPECT_TRUE(host->Term().Screen().Contains("Stopping management agents. Done."));
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    host->Term().Press(Key::Escape);
+    // Long enough for the key reader to take Esc as a key of its own, not the start of a sequence.
+    EXPECT_TRUE(host->Term().WaitForQuiet(1200ms));
+    EXPECT_TRUE(host->Term().Screen().Contains("Starting management agents. Done.")) << host->Term().Dump();
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForTextGone("Starting management agents. Done.")) << host->Term().Dump();
+    EXPECT_EQ(CommandCount(*host, {R"("/sbin/services.sh","stop")"}), 1u)
+        << HostRecords(*host, "commands.log");
+    EXPECT_EQ(CommandCount(*host, {R"("/sbin/services.sh","start")"}), 1u);
+    EXPECT_EQ(CommandCount(*host, {"zenkbacktrace"}), 0u);
+    EXPECT_TRUE(
+        WaitForRecords(*host, "events.log", "(obs.user.kovo.restarting.hostagents)Restarting host agents"));
+
+    // Now with the capture, and with scripts that fail.
+    ASSERT_TRUE(ReplaceHostProgram(*host, "/usr/sbin/services.sh", "exit 1"));
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("Restart management agents now?")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    host->Term().Type(" ");
+    host->Term().Press(Key::F11);
+    ASSERT_TRUE(host->Term().WaitForText("Starting management agents. Done.")) << host->Term().Dump();
+    EXPECT_TRUE(host->Term().Screen().Contains("Collecting host agent live core information. Done."));
+    EXPECT_TRUE(WaitForRecords(*host, "commands.log", "zenkbacktrace")) << HostRecords(*host, "commands.log");
+    EXPECT_TRUE(host->WaitForSyslog({"]: Executing zenkbacktrace -c against hagentd"})) << host->Syslog();
+}
+
+TEST(Lockdown, EnterWithoutAChangeRunsNothingAndAFailedEnterIsTriedAgain) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(*host, kLockdownDowns, "Enable lockdown mode")) << host->Term().Dump();
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForTextGone("Enable lockdown mode")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+    EXPECT_EQ(CommandCount(*host, {"lockdown_mode"}), 0u);
+
+    // Lockdown becomes impossible after the menu was built: entering fails on the host.
+    ASSERT_TRUE(SetStore(*host, "/services/lockdown/possible", "false"));
+    for (size_t attempt = 1; attempt <= 2; ++attempt) {
+        host->Term().Press(Key::Enter);
+        ASSERT_TRUE(host->Term().WaitForText("[ ] Enable lockdown mode")) << host->Term().Dump();
+        ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+        host->Term().Type(" ");
+        ASSERT_TRUE(host->Term().WaitForText("[X] Enable lockdown mode")) << host->Term().Dump();
+        host->Term().Press(Key::Enter);
+        ASSERT_TRUE(
+            WaitForSyslogCount(*host, {"user.err", "]: Enabling lockdown mode failed with error:"}, attempt))
+            << host->Syslog();
+        ASSERT_TRUE(host->Term().WaitForTextGone("Enable lockdown mode")) << host->Term().Dump();
+        ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+    }
+    EXPECT_EQ(CommandCount(*host, {R"("hcl-cmd","-U","kovo","hclsvc/auth/lockdown_mode_enter")"}), 2u)
+        << HostRecords(*host, "commands.log");
+    EXPECT_EQ(StoreValue(*host, "/services/lockdown/enabled"), "false");
+}
+
+}  // namespace
