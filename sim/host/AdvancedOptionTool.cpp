@@ -35,8 +35,8 @@ int SetOption(HostContext& context, const std::string& option, const std::string
         const long long min = node.value("min", std::numeric_limits<long long>::min());
         const long long max = node.value("max", std::numeric_limits<long long>::max());
         if (value < min || value > max) {
-            context.err << "Value " << value << " for option " << option << " is out of range [" << min << ", " << max
-                        << "]\n";
+            context.err << "Value " << value << " for option " << option << " is out of range [" << min
+                        << ", " << max << "]\n";
             status = 1;
             return;
         }

@@ -10,7 +10,7 @@ namespace KovoSim::Host {
 //   qorcli|qorlocalcli system settings advanced set -o OPTION -i VALUE
 // qorcli talks to the host agent and fails while it is stopped; qorlocalcli works without it.
 class AdvancedOptionTool {
-public:
+  public:
     static int RunAdvCfg(HostContext& context);
     static int RunCli(HostContext& context, bool local);
 };

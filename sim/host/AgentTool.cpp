@@ -14,7 +14,8 @@ int AgentTool::RunServices(HostContext& context) {
         return 1;
     }
     const bool running = argv[1] != "stop";
-    context.store->Update([&](nlohmann::json& document) { document["services"]["hostAgent"]["running"] = running; });
+    context.store->Update(
+        [&](nlohmann::json& document) { document["services"]["hostAgent"]["running"] = running; });
     context.out << (running ? "Starting" : "Stopping") << " hagentd\n";
     return 0;
 }

@@ -8,7 +8,7 @@ namespace KovoSim::Host {
 // "zenkbacktrace -w -n NAME -o PATTERN -d DIR" writes a live core of the running agent hagentd into DIR
 // (a '%' in PATTERN becomes the time), and fails while the agent is stopped.
 class AgentTool {
-public:
+  public:
     static int RunServices(HostContext& context);
     static int RunBacktrace(HostContext& context);
 };

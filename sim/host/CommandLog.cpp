@@ -12,7 +12,8 @@
 
 namespace KovoSim::Host {
 
-void CommandLog::Record(const std::string& program, const std::vector<std::string>& argv, const std::string& path) {
+void CommandLog::Record(const std::string& program, const std::vector<std::string>& argv,
+                        const std::string& path) {
     const uid_t uid = ::getuid();
     const struct passwd* account = ::getpwuid(uid);
     const auto now = std::chrono::system_clock::now().time_since_epoch();

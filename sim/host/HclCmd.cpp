@@ -11,7 +11,8 @@ namespace {
 using nlohmann::json;
 
 // A service switch: "/services/<service>/<member>" = value.
-std::function<int(HostContext&)> SetService(const std::string& service, const std::string& member, bool value) {
+std::function<int(HostContext&)> SetService(const std::string& service, const std::string& member,
+                                            bool value) {
     return [=](HostContext& context) {
         context.store->Update([&](json& document) { document["services"][service][member] = value; });
         return 0;

@@ -8,7 +8,7 @@ namespace KovoSim::Host {
 // the console's own account "kovo"); a user it cannot act as exits 255. The host agent must be running
 // ("/services/hostAgent/running", default true) for any command to work.
 class HclCmd {
-public:
+  public:
     static constexpr const char* kConsoleUser = "kovo";
     static constexpr int kCannotActAsUser = 255;
     static int Run(HostContext& context);

@@ -71,7 +71,9 @@ const std::vector<HostPrograms::Install>& HostPrograms::Installs() {
     return installs;
 }
 
-bool HostPrograms::Known(const std::string& name) { return Programs().count(name) != 0; }
+bool HostPrograms::Known(const std::string& name) {
+    return Programs().count(name) != 0;
+}
 
 int HostPrograms::Run(const std::string& name, HostContext& context) {
     const auto program = Programs().find(name);

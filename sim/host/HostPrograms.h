@@ -11,7 +11,7 @@ namespace KovoSim::Host {
 // program ("hcl-cmd", "zenkping", "QorShell", ...), or the first argument when called as
 // "kovo-sim-host". Every run is recorded in the command log before it acts.
 class HostPrograms {
-public:
+  public:
     struct Install {
         const char* hostPath;  // where the program sits in the host
         const char* name;      // the program it is

@@ -13,7 +13,8 @@ int InitScript::Run(HostContext& context, const std::string& service) {
     }
     const std::string& action = argv[1];
     if (action == "status") {
-        const bool running = StoreNodes::Flag(context.store->Read(), "/services/" + service + "/running", false);
+        const bool running =
+            StoreNodes::Flag(context.store->Read(), "/services/" + service + "/running", false);
         context.out << service << (running ? " is running" : " is not running") << "\n";
         return running ? 0 : 3;
     }
@@ -22,7 +23,8 @@ int InitScript::Run(HostContext& context, const std::string& service) {
         return 3;
     }
     const bool running = action != "stop";
-    context.store->Update([&](nlohmann::json& document) { document["services"][service]["running"] = running; });
+    context.store->Update(
+        [&](nlohmann::json& document) { document["services"][service]["running"] = running; });
     context.out << service << (running ? " started" : " stopped") << "\n";
     return 0;
 }

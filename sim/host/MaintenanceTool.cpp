@@ -33,8 +33,8 @@ int MaintenanceTool::RunPowerOffVms(HostContext& context) {
         if (vms == document.end() || !vms->is_array()) return;
         for (auto& vm : *vms) {
             if (!vm.is_object() || vm.value("powerState", std::string()) != "poweredOn") continue;
-            context.out << (terminate ? "Terminating " : "Powering off ") << vm.value("name", std::string("?"))
-                        << "\n";
+            context.out << (terminate ? "Terminating " : "Powering off ")
+                        << vm.value("name", std::string("?")) << "\n";
             vm["powerState"] = "poweredOff";
         }
     });

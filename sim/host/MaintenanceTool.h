@@ -8,7 +8,7 @@ namespace KovoSim::Host {
 // "firmwareConfig.py --reset-only" (the configuration is reset at the next boot) and
 // "powerOffVms [--terminate]" (every running VM is powered off).
 class MaintenanceTool {
-public:
+  public:
     static int RunBackup(HostContext& context);
     static int RunFirmwareConfig(HostContext& context);
     static int RunPowerOffVms(HostContext& context);

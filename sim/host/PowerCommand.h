@@ -10,7 +10,7 @@ namespace KovoSim::Host {
 // PID 1 (the supervisor) to act it out, by writing the request to "/run/kovo-sim/power" and sending it
 // SIGUSR1. The machine's own power commands are never reached.
 class PowerCommand {
-public:
+  public:
     static constexpr const char* kRequestFile = "power";
     static int Run(HostContext& context, const std::string& name);
 };

@@ -45,7 +45,8 @@ int ZenkPing::Run(HostContext& context) {
         if (arg == "-c" && i + 1 < argv.size()) {
             const std::string& text = argv[++i];
             const auto result = std::from_chars(text.data(), text.data() + text.size(), count);
-            if (result.ec != std::errc() || result.ptr != text.data() + text.size() || count < 1 || count > 1000) {
+            if (result.ec != std::errc() || result.ptr != text.data() + text.size() || count < 1 ||
+                count > 1000) {
                 context.err << "zenkping: bad count " << text << "\n";
                 return 2;
             }

@@ -10,7 +10,7 @@ namespace KovoSim::Host {
 // (the scenario brings its gateway and name servers up there). Exit 0 when every echo came back, 1 when
 // none did, 2 for an address or name it cannot use. The last argument that is not an option is the target.
 class ZenkPing {
-public:
+  public:
     static int Run(HostContext& context);
     // Whether a numeric address (IPv4, or IPv6 with an optional "%zone") is up in this network namespace.
     static bool Answers(const std::string& address);

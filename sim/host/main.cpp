@@ -1,3 +1,5 @@
 #include "HostPrograms.h"
 
-int main(int argc, char** argv) { return KovoSim::Host::HostPrograms::Main(argc, argv); }
+int main(int argc, char** argv) {
+    return KovoSim::Host::HostPrograms::Main(argc, argv);
+}

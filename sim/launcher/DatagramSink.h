@@ -4,7 +4,7 @@ namespace KovoSim {
 
 // A daemon of the host that reads datagrams from a socket; PID 1 polls Fd() and calls Drain().
 class DatagramSink {
-public:
+  public:
     virtual ~DatagramSink() = default;
     virtual int Fd() const = 0;
     // Handles every datagram waiting; returns how many.

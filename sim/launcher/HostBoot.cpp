@@ -10,23 +10,38 @@
 
 #include <cerrno>
 #include <chrono>
-#include <sstream>
-#include <thread>
 #include <filesystem>
 #include <fstream>
 #include <set>
+#include <sstream>
 #include <system_error>
+#include <thread>
 
 #include "RecordReceiver.h"
 #include "host/HostPrograms.h"
 #include "platform/events/EventPaths.h"
 #include "platform/store/HostStore.h"
+#include "platform/zenkctl/ZenkNicRuntime.h"
 
 namespace KovoSim {
 namespace fs = std::filesystem;
 using nlohmann::json;
 
 namespace {
+
+// The host's kernel interfaces come up at boot: each one's running state (addresses, leases) is worked
+// out from its configuration, as the network stack of a real host would.
+void StartInterfaces() {
+    ZenkCtl::Store::HostStore store(ZenkCtl::Store::HostStore::kHostPath);
+    store.Update([](json& document) {
+        const json* nics = document.contains("network") ? &document["network"]["zenkNics"] : nullptr;
+        if (!nics || !nics->is_array()) return;
+        std::vector<std::string> names;
+        for (const json& nic : *nics)
+            if (nic.is_object() && nic.contains("name") && nic["name"].is_string()) names.push_back(nic["name"]);
+        for (const std::string& name : names) ZenkCtl::Network::ZenkNicRuntime::Apply(document, name);
+    });
+}
 
 const char* const kPowerNames[] = {"poweroff", "reboot", "halt", "shutdown"};
 
@@ -48,7 +63,8 @@ std::vector<std::string> Texts(const json& node, const char* pointer) {
 
 bool IsAddress(const std::string& text) {
     unsigned char buffer[16];
-    return ::inet_pton(AF_INET, text.c_str(), buffer) == 1 || ::inet_pton(AF_INET6, text.c_str(), buffer) == 1;
+    return ::inet_pton(AF_INET, text.c_str(), buffer) == 1 ||
+           ::inet_pton(AF_INET6, text.c_str(), buffer) == 1;
 }
 
 bool IsIpv6(const std::string& text) {
@@ -166,8 +182,9 @@ std::vector<std::string> HostBoot::AnsweringAddresses(const json& store, const j
     std::vector<std::string> candidates = {Text(store, "/network/routing/ipv4DefaultGateway"),
                                            Text(store, "/network/routing/ipv6DefaultGateway"),
                                            ManagementIpv4(store)};
-    for (const auto& list : {Texts(store, "/network/dns/nameServers"), Texts(store, "/network/dns/ipv6NameServers"),
-                             Texts(scenario, "/simulation/answering")})
+    for (const auto& list :
+         {Texts(store, "/network/dns/nameServers"), Texts(store, "/network/dns/ipv6NameServers"),
+          Texts(scenario, "/simulation/answering")})
         candidates.insert(candidates.end(), list.begin(), list.end());
     std::vector<std::string> addresses;
     std::set<std::string> seen;
@@ -186,10 +203,12 @@ std::vector<std::pair<std::string, std::string>> HostBoot::DnsNames(const json& 
     const json::json_pointer where("/simulation/names");
     if (scenario.is_object() && scenario.contains(where) && scenario.at(where).is_object()) {
         for (const auto& [name, value] : scenario.at(where).items()) {
-            if (value.is_string() && IsAddress(value.get<std::string>())) names.emplace_back(name, value.get<std::string>());
+            if (value.is_string() && IsAddress(value.get<std::string>()))
+                names.emplace_back(name, value.get<std::string>());
             if (!value.is_array()) continue;
             for (const auto& one : value)
-                if (one.is_string() && IsAddress(one.get<std::string>())) names.emplace_back(name, one.get<std::string>());
+                if (one.is_string() && IsAddress(one.get<std::string>()))
+                    names.emplace_back(name, one.get<std::string>());
         }
     }
     return names;
@@ -232,15 +251,17 @@ void HostBoot::Provision(const json& scenario) {
     fs::create_directories("/etc/halvor/ssl", error);
     fs::create_directories("/etc/ssh", error);
     const std::string subject = "/CN=" + (fqdn.empty() ? std::string("localhost") : fqdn);
-    for (const char* file : {"/etc/halvor/ssl/host.crt", "/etc/halvor/ssl/host.key", "/etc/ssh/ssh_host_rsa_key",
-                             "/etc/ssh/ssh_host_rsa_key.pub", "/etc/ssh/ssh_host_dsa_key", "/etc/ssh/ssh_host_dsa_key.pub"})
+    for (const char* file :
+         {"/etc/halvor/ssl/host.crt", "/etc/halvor/ssl/host.key", "/etc/ssh/ssh_host_rsa_key",
+          "/etc/ssh/ssh_host_rsa_key.pub", "/etc/ssh/ssh_host_dsa_key", "/etc/ssh/ssh_host_dsa_key.pub"})
         ::unlink(file);
     // This OpenSSH may refuse DSA; the host then simply has no DSA key.
-    RunAll({{"openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "3650", "-subj", subject, "-keyout",
-             "/etc/halvor/ssl/host.key", "-out", "/etc/halvor/ssl/host.crt"},
+    RunAll({{"openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "3650", "-subj", subject,
+             "-keyout", "/etc/halvor/ssl/host.key", "-out", "/etc/halvor/ssl/host.crt"},
             {"ssh-keygen", "-q", "-t", "rsa", "-b", "2048", "-N", "", "-C", "root@" + fqdn, "-f",
              "/etc/ssh/ssh_host_rsa_key"},
-            {"ssh-keygen", "-q", "-t", "dsa", "-N", "", "-C", "root@" + fqdn, "-f", "/etc/ssh/ssh_host_dsa_key"}});
+            {"ssh-keygen", "-q", "-t", "dsa", "-N", "", "-C", "root@" + fqdn, "-f",
+             "/etc/ssh/ssh_host_dsa_key"}});
 }
 
 void HostBoot::ApplyPendingChanges(const json& scenario, bool firstBoot) {
@@ -270,18 +291,27 @@ void HostBoot::InstallPrograms(const Products& products) {
     Link(products.pamModule, std::string(kProgramDir) + "/pam_kovo_sim.so");
     for (const auto& install : Host::HostPrograms::Installs()) {
         if (install.script) {
-            WriteHostFile(install.hostPath, "#!/bin/sh\nexec " + programs + " " + install.name + " \"$0\" \"$@\"\n", 0755);
+            WriteHostFile(install.hostPath,
+                          "#!/bin/sh\nexec " + programs + " " + install.name + " \"$0\" \"$@\"\n", 0755);
         } else {
             Link(programs, install.hostPath);
         }
     }
     Link("/usr/bin/ssh-keygen", "/usr/lib/halvor/openssh/bin/ssh-keygen");
     const std::string module = std::string(kProgramDir) + "/pam_kovo_sim.so";
-    WriteHostFile("/etc/pam.d/kovo", "# The console's PAM service on the simulated host.\n"
-                                     "auth     required " + module + "\n"
-                                     "account  required " + module + "\n"
-                                     "password required " + module + "\n"
-                                     "session  required " + module + "\n");
+    WriteHostFile("/etc/pam.d/kovo",
+                  "# The console's PAM service on the simulated host.\n"
+                  "auth     required " +
+                      module +
+                      "\n"
+                      "account  required " +
+                      module +
+                      "\n"
+                      "password required " +
+                      module +
+                      "\n"
+                      "session  required " +
+                      module + "\n");
 
     // A shell without PATH searches /usr/local first: nothing of the machine's may answer there.
     for (const char* dir : {"/usr/local/sbin", "/usr/local/bin"}) {
@@ -321,10 +351,11 @@ void HostBoot::StartNetwork(const json& store, const json& scenario) {
     if (listen.empty()) return;
     // --no-daemon keeps it in the foreground and, unlike --keep-in-foreground, leaves user and groups alone:
     // in an unprivileged user namespace there is no other group to change to.
-    std::vector<std::string> dnsmasq = {"dnsmasq", "--no-daemon", "--conf-file=/dev/null", "--no-resolv",
-                                        "--no-hosts", "--no-poll", "--bind-interfaces"};
+    std::vector<std::string> dnsmasq = {"dnsmasq",    "--no-daemon", "--conf-file=/dev/null", "--no-resolv",
+                                        "--no-hosts", "--no-poll",   "--bind-interfaces"};
     for (const auto& address : listen) dnsmasq.push_back("--listen-address=" + address);
-    for (const auto& [name, address] : DnsNames(store, scenario)) dnsmasq.push_back("--host-record=" + name + "," + address);
+    for (const auto& [name, address] : DnsNames(store, scenario))
+        dnsmasq.push_back("--host-record=" + name + "," + address);
     RunQuietly(dnsmasq, true);
     // The console and the host's programs may resolve names at once: wait until it listens.
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
@@ -335,6 +366,7 @@ void HostBoot::StartNetwork(const json& store, const json& scenario) {
 std::vector<std::unique_ptr<DatagramSink>> HostBoot::Start(const json& scenario, const Products& products,
                                                            bool firstBoot) {
     ApplyPendingChanges(scenario, firstBoot);
+    StartInterfaces();
     InstallPrograms(products);
     const json store = ZenkCtl::Store::HostStore(ZenkCtl::Store::HostStore::kHostPath).Read();
     FillRun(store);
@@ -346,8 +378,10 @@ std::vector<std::unique_ptr<DatagramSink>> HostBoot::Start(const json& scenario,
     std::error_code error;
     fs::create_directories("/var/log/kovo-sim", error);
     std::vector<std::unique_ptr<DatagramSink>> daemons;
-    daemons.push_back(std::make_unique<RecordReceiver>(ZenkCtl::Events::kEventSocket, "/var/log/kovo-sim/events.log"));
-    daemons.push_back(std::make_unique<RecordReceiver>(ZenkCtl::Events::kAuditSocket, "/var/log/kovo-sim/audit.log"));
+    daemons.push_back(
+        std::make_unique<RecordReceiver>(ZenkCtl::Events::kEventSocket, "/var/log/kovo-sim/events.log"));
+    daemons.push_back(
+        std::make_unique<RecordReceiver>(ZenkCtl::Events::kAuditSocket, "/var/log/kovo-sim/audit.log"));
     return daemons;
 }
 

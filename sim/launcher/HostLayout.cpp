@@ -23,12 +23,14 @@ HostLayout::HostLayout(const std::string& dir) {
     if (dir.empty()) throw std::invalid_argument("the host's directory is empty");
     std::error_code error;
     fs::path path = fs::weakly_canonical(fs::absolute(dir, error), error);
-    if (error) throw std::invalid_argument("cannot resolve the host's directory " + dir + ": " + error.message());
+    if (error)
+        throw std::invalid_argument("cannot resolve the host's directory " + dir + ": " + error.message());
     _dir = path.lexically_normal().string();
     while (_dir.size() > 1 && _dir.back() == '/') _dir.pop_back();
     // The overlay mount options separate fields with these characters.
     if (_dir.find_first_of(",:\\\n") != std::string::npos)
-        throw std::invalid_argument("the host's directory may not contain ',', ':', '\\' or a newline: " + _dir);
+        throw std::invalid_argument("the host's directory may not contain ',', ':', '\\' or a newline: " +
+                                    _dir);
     if (_dir == "/") throw std::invalid_argument("the host's directory cannot be /");
     for (const char* overlay : kOverlays) {
         if (IsWithin(_dir, overlay) || IsWithin(overlay, _dir))

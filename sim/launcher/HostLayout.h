@@ -15,16 +15,17 @@ namespace KovoSim {
 //   DIR/work/<host path>    the overlays' work directories
 //   DIR/state/              the launcher's own files: lock, init.pid, console.pid
 class HostLayout {
-public:
+  public:
     static constexpr std::array<const char*, 5> kOverlays = {"/etc", "/usr/bin", "/usr/sbin", "/usr/lib",
                                                              "/var/log"};
 
     // Makes DIR absolute and checks it can carry overlays; throws std::invalid_argument with a message
     // for the operator otherwise.
     static constexpr std::array<const char*, 10> kOwnDirectories = {
-        "/etc/halvor/ssl", "/etc/init.d",    "/etc/pam.d",       "/etc/ssh",
-        "/usr/lib/kovo-sim", "/usr/lib/halvor/openssh/bin", "/var/log/kovo-sim", "/usr/bin",
-        "/usr/sbin",       "/var/log"};
+        "/etc/halvor/ssl",   "/etc/init.d",       "/etc/pam.d",
+        "/etc/ssh",          "/usr/lib/kovo-sim", "/usr/lib/halvor/openssh/bin",
+        "/var/log/kovo-sim", "/usr/bin",          "/usr/sbin",
+        "/var/log"};
 
     explicit HostLayout(const std::string& dir);
 
@@ -43,7 +44,7 @@ public:
     void Prepare() const;
     bool Prepared() const;
 
-private:
+  private:
     std::string _dir;
 };
 

@@ -17,7 +17,9 @@
 namespace KovoSim {
 namespace {
 
-[[noreturn]] void Fail(const std::string& what) { throw std::system_error(errno, std::generic_category(), what); }
+[[noreturn]] void Fail(const std::string& what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
 
 void WriteFile(const std::string& path, const std::string& text) {
     const int fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
@@ -43,7 +45,9 @@ void BindNode(int fd, const std::string& target) {
     DoMount(("/proc/self/fd/" + std::to_string(fd)).c_str(), target, nullptr, MS_BIND);
 }
 
-bool InUserNamespace() { return ::geteuid() != 0; }
+bool InUserNamespace() {
+    return ::geteuid() != 0;
+}
 
 }  // namespace
 
@@ -71,8 +75,8 @@ int HostNamespace::Mount(const HostLayout& layout) {
     const std::string xattr = InUserNamespace() ? ",userxattr" : "";
     for (const char* path : HostLayout::kOverlays) {
         DoMount("overlay", path, "overlay", 0,
-                std::string("lowerdir=") + path + ",upperdir=" + layout.Upper(path) + ",workdir=" +
-                    layout.Work(path) + xattr);
+                std::string("lowerdir=") + path + ",upperdir=" + layout.Upper(path) +
+                    ",workdir=" + layout.Work(path) + xattr);
     }
 
     const int oldProc = ::open("/proc", O_PATH | O_DIRECTORY | O_CLOEXEC);
@@ -108,9 +112,9 @@ int HostNamespace::Mount(const HostLayout& layout) {
     ::close(pts);
     if (::mkdir("/dev/shm", 01777) != 0) Fail("mkdir /dev/shm");
     DoMount("tmpfs", "/dev/shm", "tmpfs", MS_NOSUID | MS_NODEV, "mode=1777");
-    for (auto [link, target] : {std::pair{"/dev/fd", "/proc/self/fd"}, std::pair{"/dev/stdin", "/proc/self/fd/0"},
-                                std::pair{"/dev/stdout", "/proc/self/fd/1"},
-                                std::pair{"/dev/stderr", "/proc/self/fd/2"}}) {
+    for (auto [link, target] :
+         {std::pair{"/dev/fd", "/proc/self/fd"}, std::pair{"/dev/stdin", "/proc/self/fd/0"},
+          std::pair{"/dev/stdout", "/proc/self/fd/1"}, std::pair{"/dev/stderr", "/proc/self/fd/2"}}) {
         if (::symlink(target, link) != 0) Fail(std::string("symlink ") + link);
     }
 
@@ -142,11 +146,14 @@ void HostNamespace::RemountRun() {
 
 void HostNamespace::Join(pid_t init) {
     const std::string base = "/proc/" + std::to_string(init) + "/ns/";
-    struct stat mine {}, theirs {};
-    const bool otherUser = ::stat("/proc/self/ns/user", &mine) == 0 && ::stat((base + "user").c_str(), &theirs) == 0 &&
-                           mine.st_ino != theirs.st_ino;
-    std::vector<std::pair<const char*, int>> order = {{"ipc", CLONE_NEWIPC}, {"uts", CLONE_NEWUTS},
-                                                      {"net", CLONE_NEWNET}, {"pid", CLONE_NEWPID},
+    struct stat mine {
+    }, theirs{};
+    const bool otherUser = ::stat("/proc/self/ns/user", &mine) == 0 &&
+                           ::stat((base + "user").c_str(), &theirs) == 0 && mine.st_ino != theirs.st_ino;
+    std::vector<std::pair<const char*, int>> order = {{"ipc", CLONE_NEWIPC},
+                                                      {"uts", CLONE_NEWUTS},
+                                                      {"net", CLONE_NEWNET},
+                                                      {"pid", CLONE_NEWPID},
                                                       {"mnt", CLONE_NEWNS}};
     if (otherUser) order.insert(order.begin(), {"user", CLONE_NEWUSER});
     std::vector<int> fds;
@@ -156,7 +163,8 @@ void HostNamespace::Join(pid_t init) {
         fds.push_back(fd);
     }
     for (size_t i = 0; i < order.size(); ++i) {
-        if (::setns(fds[i], order[i].second) != 0) Fail(std::string("enter the host's ") + order[i].first + " namespace");
+        if (::setns(fds[i], order[i].second) != 0)
+            Fail(std::string("enter the host's ") + order[i].first + " namespace");
         ::close(fds[i]);
     }
 }

@@ -14,7 +14,7 @@ namespace KovoSim {
 // /dev holding only harmless device nodes (no real console), the namespace's own /proc, and a network
 // with nothing but loopback. Failures throw std::system_error naming the step.
 class HostNamespace {
-public:
+  public:
     // Moves the calling process into new namespaces. Its next child is PID 1 of the host.
     static void Create();
 
@@ -29,7 +29,7 @@ public:
     // A fresh, empty /run for the next boot of the host.
     static void RemountRun();
 
-private:
+  private:
     static void BringUpLoopback();
 };
 

@@ -32,7 +32,7 @@ constexpr int kUsageStatus = 2;
 
 // The host's disk is used by one booted host at a time; the lock lives as long as the launcher.
 class HostLock {
-public:
+  public:
     explicit HostLock(const HostLayout& layout) {
         _fd = ::open(layout.State("lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
         if (_fd < 0) throw std::system_error(errno, std::generic_category(), "open " + layout.State("lock"));
@@ -43,7 +43,7 @@ public:
     HostLock& operator=(const HostLock&) = delete;
     bool Held() const { return _held; }
 
-private:
+  private:
     int _fd = -1;
     bool _held = false;
 };
@@ -139,9 +139,11 @@ int Launcher::Dispatch(const LauncherOptions& options, const std::string& progra
 
 nlohmann::json Launcher::LoadScenario(const std::string& nameOrFile) {
     const bool isFile = nameOrFile.find('/') != std::string::npos || nameOrFile.ends_with(".json");
-    if (!isFile && nameOrFile.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-_") != std::string::npos)
+    if (!isFile &&
+        nameOrFile.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-_") != std::string::npos)
         throw std::invalid_argument("no scenario named \"" + nameOrFile + "\"");
-    const std::string path = isFile ? nameOrFile : std::string(KOVO_SIM_SCENARIOS) + "/" + nameOrFile + ".json";
+    const std::string path =
+        isFile ? nameOrFile : std::string(KOVO_SIM_SCENARIOS) + "/" + nameOrFile + ".json";
     std::ifstream file(path);
     if (!file) {
         throw std::invalid_argument(isFile ? "cannot read the scenario " + path
@@ -165,8 +167,8 @@ nlohmann::json Launcher::HostScenario(const HostLayout& layout, const LauncherOp
         std::string made;
         std::getline(name, made);
         if (options.scenarioGiven && options.scenario != made) {
-            throw std::invalid_argument("the host in " + layout.Dir() + " was made from the scenario \"" + made +
-                                        "\"; use another --dir for \"" + options.scenario + "\"");
+            throw std::invalid_argument("the host in " + layout.Dir() + " was made from the scenario \"" +
+                                        made + "\"; use another --dir for \"" + options.scenario + "\"");
         }
         return LoadScenario(recorded);
     }
@@ -201,7 +203,8 @@ int Launcher::Exec(const HostLayout& layout, const std::vector<std::string>& com
     if (!lock.Held()) {
         const int init = ReadPid(layout.State("init.pid"));
         if (init <= 0 || ::kill(init, 0) != 0)
-            throw std::runtime_error("the simulated host in " + layout.Dir() + " is starting or stopping; try again");
+            throw std::runtime_error("the simulated host in " + layout.Dir() +
+                                     " is starting or stopping; try again");
         return Join(init, command);
     }
     // Nobody runs this host: boot it just for the command, keeping the lock meanwhile.
@@ -213,7 +216,8 @@ int Launcher::Exec(const HostLayout& layout, const std::vector<std::string>& com
 }
 
 int Launcher::Paths(const HostLayout& layout) {
-    for (const auto& [name, hostPath] : HostLayout::Logs()) std::cout << name << "\t" << layout.OnDisk(hostPath) << "\n";
+    for (const auto& [name, hostPath] : HostLayout::Logs())
+        std::cout << name << "\t" << layout.OnDisk(hostPath) << "\n";
     std::cout << "store\t" << layout.OnDisk(ZenkCtl::Store::HostStore::kHostPath) << "\n";
     std::cout << "console-pid\t" << layout.State("console.pid") << "\n";
     std::cout << "init-pid\t" << layout.State("init.pid") << "\n";
@@ -307,7 +311,8 @@ int Launcher::Join(int init, const std::vector<std::string>& command) {
     for (auto& arg : args) argv.push_back(arg.data());
     argv.push_back(nullptr);
 
-    struct sigaction ignore {}, oldInt {}, oldQuit {};
+    struct sigaction ignore {
+    }, oldInt{}, oldQuit{};
     ignore.sa_handler = SIG_IGN;
     ::sigaction(SIGINT, &ignore, &oldInt);
     ::sigaction(SIGQUIT, &ignore, &oldQuit);
@@ -347,7 +352,8 @@ int Launcher::Join(int init, const std::vector<std::string>& command) {
 
 int Launcher::InHostGet(const std::string& pointer) {
     if (!InsideAHost()) {
-        std::cerr << "kovo-sim: in-host-get runs only inside a simulated host; use: kovo-sim get DIR POINTER\n";
+        std::cerr
+            << "kovo-sim: in-host-get runs only inside a simulated host; use: kovo-sim get DIR POINTER\n";
         return kUsageStatus;
     }
     try {
@@ -362,7 +368,8 @@ int Launcher::InHostGet(const std::string& pointer) {
 
 int Launcher::InHostSet(const std::string& pointer, const std::string& value) {
     if (!InsideAHost()) {
-        std::cerr << "kovo-sim: in-host-set runs only inside a simulated host; use: kovo-sim set DIR POINTER JSON\n";
+        std::cerr << "kovo-sim: in-host-set runs only inside a simulated host; use: kovo-sim set DIR POINTER "
+                     "JSON\n";
         return kUsageStatus;
     }
     nlohmann::json parsed;

@@ -15,10 +15,10 @@ namespace KovoSim {
 
 // The kovo-sim program: boots a simulated host around the console, or acts on a host from outside.
 class Launcher {
-public:
+  public:
     static int Main(int argc, char** argv);
 
-private:
+  private:
     static int Dispatch(const LauncherOptions& options, const std::string& program);
     static int RunConsole(const LauncherOptions& options);
     static int Exec(const HostLayout& layout, const std::vector<std::string>& command);

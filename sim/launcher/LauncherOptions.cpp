@@ -51,8 +51,8 @@ LauncherOptions ParseWithDir(LauncherOptions::Command command, const std::vector
     options.command = command;
     options.dir = argv[1];
     if (argv.size() != 2 + fixed) {
-        throw Error(name + " takes " + std::to_string(fixed + 1) + " argument" + (fixed ? "s" : "") + ", got " +
-                    std::to_string(argv.size() - 1));
+        throw Error(name + " takes " + std::to_string(fixed + 1) + " argument" + (fixed ? "s" : "") +
+                    ", got " + std::to_string(argv.size() - 1));
     }
     if (fixed >= 1) options.pointer = argv[2];
     if (fixed >= 2) options.value = argv[3];
@@ -82,7 +82,8 @@ LauncherOptions LauncherOptions::Parse(const std::vector<std::string>& argv) {
         return options;
     }
     if (first == "exec") {
-        if (argv.size() < 2 || argv[1].empty() || argv[1] == "--") throw Error("exec needs the host's directory");
+        if (argv.size() < 2 || argv[1].empty() || argv[1] == "--")
+            throw Error("exec needs the host's directory");
         if (argv.size() < 4 || argv[2] != "--") throw Error("usage: exec DIR -- COMMAND [ARGUMENTS...]");
         LauncherOptions options;
         options.command = Command::Exec;
@@ -106,14 +107,25 @@ LauncherOptions LauncherOptions::Parse(const std::vector<std::string>& argv) {
 
 std::string LauncherOptions::Usage(const std::string& program) {
     return "Usage:\n"
-           "  " + program + " [run] [--dir DIR] [--scenario NAME|FILE] [--once] [--kovo PATH] [-- ARGS...]\n"
-           "      Boot the simulated host whose disk is DIR (default ./sim-host) and run the console on this\n"
-           "      terminal, starting it again whenever it exits. Ctrl-C ends the host. --once runs the console\n"
+           "  " +
+           program +
+           " [run] [--dir DIR] [--scenario NAME|FILE] [--once] [--kovo PATH] [-- ARGS...]\n"
+           "      Boot the simulated host whose disk is DIR (default ./sim-host) and run the console on "
+           "this\n"
+           "      terminal, starting it again whenever it exits. Ctrl-C ends the host. --once runs the "
+           "console\n"
            "      once and exits with its status. ARGS go to the console (e.g. the VT number).\n"
-           "  " + program + " exec DIR -- COMMAND [ARGS...]   run a command inside the host (running or not)\n"
-           "  " + program + " get DIR /json/pointer           print a value of the host's configuration\n"
-           "  " + program + " set DIR /json/pointer JSON      change a value of the host's configuration\n"
-           "  " + program + " paths DIR                       print where the host's logs are on this machine\n";
+           "  " +
+           program +
+           " exec DIR -- COMMAND [ARGS...]   run a command inside the host (running or not)\n"
+           "  " +
+           program +
+           " get DIR /json/pointer           print a value of the host's configuration\n"
+           "  " +
+           program +
+           " set DIR /json/pointer JSON      change a value of the host's configuration\n"
+           "  " +
+           program + " paths DIR                       print where the host's logs are on this machine\n";
 }
 
 }  // namespace KovoSim

@@ -11,7 +11,7 @@ struct LauncherOptions {
     enum class Command { Run, Exec, Get, Set, Paths, Help, InHostGet, InHostSet };
 
     class Error : public std::runtime_error {
-    public:
+      public:
         using std::runtime_error::runtime_error;
     };
 

@@ -8,7 +8,7 @@ namespace KovoSim {
 // a host), found through the machine's /proc opened before the host's own was mounted over it. Tests
 // use it to signal the console directly.
 class OuterPid {
-public:
+  public:
     // -1 when it cannot be found.
     static pid_t OfChild(int machineProc, pid_t innerPid);
 };

@@ -12,7 +12,8 @@
 
 namespace KovoSim {
 
-RecordReceiver::RecordReceiver(std::string socketPath, std::string logPath) : _socketPath(std::move(socketPath)) {
+RecordReceiver::RecordReceiver(std::string socketPath, std::string logPath)
+    : _socketPath(std::move(socketPath)) {
     struct sockaddr_un address {};
     address.sun_family = AF_UNIX;
     if (_socketPath.size() >= sizeof address.sun_path)
@@ -21,8 +22,8 @@ RecordReceiver::RecordReceiver(std::string socketPath, std::string logPath) : _s
     _log = ::open(logPath.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
     if (_log < 0) throw std::system_error(errno, std::generic_category(), "open " + logPath);
     _socket = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    if (_socket < 0 || (::unlink(_socketPath.c_str()), ::bind(_socket, reinterpret_cast<sockaddr*>(&address),
-                                                               sizeof address)) != 0) {
+    if (_socket < 0 || (::unlink(_socketPath.c_str()),
+                        ::bind(_socket, reinterpret_cast<sockaddr*>(&address), sizeof address)) != 0) {
         const int saved = errno;
         if (_socket >= 0) ::close(_socket);
         ::close(_log);

@@ -10,7 +10,8 @@ int RestartPolicy::ExitCode(int waitStatus) {
     return 1;
 }
 
-RestartPolicy::Decision RestartPolicy::ConsoleEnded(int waitStatus, std::chrono::milliseconds lifetime) const {
+RestartPolicy::Decision RestartPolicy::ConsoleEnded(int waitStatus,
+                                                    std::chrono::milliseconds lifetime) const {
     if (_once) return {Action::Stop, ExitCode(waitStatus)};
     if (_stopping) return {Action::Stop, 0};
     return {lifetime < kQuickExit ? Action::RestartLater : Action::Restart, 0};

@@ -8,7 +8,7 @@ namespace KovoSim {
 // even last a second, so a console that cannot start does not spin), or stop the host. The operator's
 // Ctrl-C and a termination of the host stop it; "--once" stops after the first run.
 class RestartPolicy {
-public:
+  public:
     enum class Action { Restart, RestartLater, Stop };
     struct Decision {
         Action action;
@@ -29,7 +29,7 @@ public:
     // A wait status as a shell reports it: the exit status, or 128 + the signal.
     static int ExitCode(int waitStatus);
 
-private:
+  private:
     bool _once;
     bool _stopping = false;
 };

@@ -92,7 +92,8 @@ void Supervisor::Start() {
             ::execvp(argv[0], argv.data());
         else
             ::execv(argv[0], argv.data());
-        const std::string message = "kovo-sim: cannot run " + _config.argv[0] + ": " + std::strerror(errno) + "\n";
+        const std::string message =
+            "kovo-sim: cannot run " + _config.argv[0] + ": " + std::strerror(errno) + "\n";
         if (::write(2, message.data(), message.size()) < 0) _exit(127);
         _exit(127);
     }
@@ -158,8 +159,8 @@ int Supervisor::Run() {
         const auto next = std::min(_killAt, _restartAt);
         int timeout = -1;
         if (next != Clock::time_point::max())
-            timeout = static_cast<int>(
-                std::max<long>(0, std::chrono::duration_cast<std::chrono::milliseconds>(next - now).count() + 1));
+            timeout = static_cast<int>(std::max<long>(
+                0, std::chrono::duration_cast<std::chrono::milliseconds>(next - now).count() + 1));
         std::vector<struct pollfd> fds = {{_signals, POLLIN, 0}, {_syslog.Fd(), POLLIN, 0}};
         for (auto& daemon : _daemons) fds.push_back({daemon->Fd(), POLLIN, 0});
         if (::poll(fds.data(), fds.size(), timeout) < 0 && errno != EINTR)
@@ -216,8 +217,9 @@ int Supervisor::Run() {
                     if (!_config.commandMode) Log(LOG_INFO, "host stopped");
                     return decision.exitCode;
                 }
-                _restartAt = decision.action == RestartPolicy::Action::Restart ? Clock::now()
-                                                                                : Clock::now() + RestartPolicy::kPause;
+                _restartAt = decision.action == RestartPolicy::Action::Restart
+                                 ? Clock::now()
+                                 : Clock::now() + RestartPolicy::kPause;
             }
         }
         const auto after = Clock::now();

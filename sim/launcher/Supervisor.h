@@ -20,16 +20,16 @@ namespace KovoSim {
 // commands: "poweroff" stops the host, "reboot" ends every process, boots again and starts the console.
 // In command mode it runs one command (exec) and leaves the terminal's signals to it.
 class Supervisor {
-public:
+  public:
     using Boot = std::function<std::vector<std::unique_ptr<DatagramSink>>()>;
 
     struct Config {
         std::vector<std::string> argv;  // argv[0] is the program path
         bool once = false;
-        bool commandMode = false;  // a command of "exec": search PATH, do not act on Ctrl-C or power
-        std::string outerPidFile;  // where to publish the console's machine-side pid; empty: nowhere
-        int machineProc = -1;      // the machine's /proc, for OuterPid
-        Boot boot;                 // runs at every boot; may be empty
+        bool commandMode = false;        // a command of "exec": search PATH, do not act on Ctrl-C or power
+        std::string outerPidFile;        // where to publish the console's machine-side pid; empty: nowhere
+        int machineProc = -1;            // the machine's /proc, for OuterPid
+        Boot boot;                       // runs at every boot; may be empty
         std::function<void()> clearRun;  // a fresh /run before a reboot; may be empty
     };
 
@@ -46,7 +46,7 @@ public:
     // Returns the launcher's exit status.
     int Run();
 
-private:
+  private:
     void Start();
     void Terminate(std::chrono::milliseconds grace);
     void PowerRequest();

@@ -10,25 +10,28 @@ namespace KovoSim {
 namespace {
 
 constexpr std::array<const char*, 24> kFacilities = {
-    "kern",   "user",   "mail",   "daemon", "auth",   "syslog", "lpr",    "news",
-    "uucp",   "cron",   "authpriv", "ftp",  "ntp",    "security", "console", "cron2",
-    "local0", "local1", "local2", "local3", "local4", "local5", "local6", "local7"};
+    "kern",   "user",   "mail",     "daemon", "auth",   "syslog",   "lpr",     "news",
+    "uucp",   "cron",   "authpriv", "ftp",    "ntp",    "security", "console", "cron2",
+    "local0", "local1", "local2",   "local3", "local4", "local5",   "local6",  "local7"};
 
 constexpr std::array<const char*, 8> kSeverities = {"emerg",   "alert",  "crit", "err",
                                                     "warning", "notice", "info", "debug"};
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 // "Nov 22 16:20:01 " (a day below 10 is padded with a space) as the C library writes it.
 bool StartsWithClassicStamp(std::string_view s) {
     if (s.size() < 16) return false;
     static constexpr std::string_view kMonths = "JanFebMarAprMayJunJulAugSepOctNovDec";
     bool monthOk = false;
-    for (size_t i = 0; i + 3 <= kMonths.size(); i += 3) monthOk = monthOk || s.substr(0, 3) == kMonths.substr(i, 3);
+    for (size_t i = 0; i + 3 <= kMonths.size(); i += 3)
+        monthOk = monthOk || s.substr(0, 3) == kMonths.substr(i, 3);
     if (!monthOk || s[3] != ' ') return false;
     if (!(s[4] == ' ' || IsDigit(s[4])) || !IsDigit(s[5]) || s[6] != ' ') return false;
-    return IsDigit(s[7]) && IsDigit(s[8]) && s[9] == ':' && IsDigit(s[10]) && IsDigit(s[11]) && s[12] == ':' &&
-           IsDigit(s[13]) && IsDigit(s[14]) && s[15] == ' ';
+    return IsDigit(s[7]) && IsDigit(s[8]) && s[9] == ':' && IsDigit(s[10]) && IsDigit(s[11]) &&
+           s[12] == ':' && IsDigit(s[13]) && IsDigit(s[14]) && s[15] == ' ';
 }
 
 std::string_view NextField(std::string_view& s) {
@@ -86,8 +89,8 @@ SyslogLine::Parsed SyslogLine::Parse(std::string_view datagram) {
 std::string SyslogLine::PriorityName(int priority) {
     const int facility = priority >> 3;
     const int severity = priority & 7;
-    std::string name = facility < static_cast<int>(kFacilities.size()) ? kFacilities[facility]
-                                                                       : std::to_string(facility);
+    std::string name =
+        facility < static_cast<int>(kFacilities.size()) ? kFacilities[facility] : std::to_string(facility);
     return name + "." + kSeverities[severity];
 }
 
@@ -131,8 +134,8 @@ std::string SyslogLine::Clean(std::string_view text) {
 std::string SyslogLine::Format(std::string_view datagram, std::chrono::system_clock::time_point now,
                                std::string_view host) {
     const Parsed parsed = Parse(datagram);
-    return Timestamp(now) + " " + std::string(host.empty() ? "-" : host) + " " + PriorityName(parsed.priority) +
-           " " + Clean(parsed.body) + "\n";
+    return Timestamp(now) + " " + std::string(host.empty() ? "-" : host) + " " +
+           PriorityName(parsed.priority) + " " + Clean(parsed.body) + "\n";
 }
 
 }  // namespace KovoSim

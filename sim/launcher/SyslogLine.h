@@ -16,7 +16,7 @@ namespace KovoSim {
 // dropped; its tag ("KOVO[123]:") and message are kept as sent. Control characters are written as
 // "#" and three octal digits (a newline is "#012") so one datagram is always one line.
 class SyslogLine {
-public:
+  public:
     static constexpr int kDefaultPriority = 13;  // user.notice, for a datagram without <PRI>
 
     // Priority and body of a datagram; a missing or malformed <PRI> yields kDefaultPriority and the

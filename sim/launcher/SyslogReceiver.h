@@ -11,7 +11,7 @@ namespace KovoSim {
 // appended, one SyslogLine each, to a log file (the host's "/var/log/syslog.log"). It does not own a
 // thread: the owner polls Fd() and calls Drain().
 class SyslogReceiver : public DatagramSink {
-public:
+  public:
     SyslogReceiver(std::string socketPath, std::string logPath);
     ~SyslogReceiver() override;
     SyslogReceiver(const SyslogReceiver&) = delete;
@@ -25,7 +25,7 @@ public:
     // A line of the host's own (the supervisor's), as if received with this priority.
     void WriteLocal(int priority, std::string_view tagAndMessage);
 
-private:
+  private:
     void Append(const std::string& line);
 
     std::string _socketPath;

@@ -1,3 +1,5 @@
 #include "Launcher.h"
 
-int main(int argc, char** argv) { return KovoSim::Launcher::Main(argc, argv); }
+int main(int argc, char** argv) {
+    return KovoSim::Launcher::Main(argc, argv);
+}

@@ -74,7 +74,8 @@ int PamAccounts::Account(const std::string& user) const {
     return PAM_SUCCESS;
 }
 
-int PamAccounts::ChangePassword(const std::string& user, const std::string& password, std::string* reason) const {
+int PamAccounts::ChangePassword(const std::string& user, const std::string& password,
+                                std::string* reason) const {
     const std::string broken = PasswordRule::Check(user, password);
     if (!broken.empty()) {
         if (reason) *reason = broken;

@@ -7,7 +7,7 @@ namespace KovoSim::Pam {
 // The host's accounts as the PAM module sees them: the members of "/users" in the configuration store
 // ({"name", "passwordHash" (crypt(3) form), "expired", "consoleAccess"}). Answers are PAM status codes.
 class PamAccounts {
-public:
+  public:
     explicit PamAccounts(std::string storePath);
 
     // PAM_SUCCESS, PAM_AUTH_ERR (wrong password, or an account without a usable hash), PAM_USER_UNKNOWN,
@@ -25,7 +25,7 @@ public:
 
     static std::string Hash(const std::string& password);
 
-private:
+  private:
     std::string _storePath;
 };
 

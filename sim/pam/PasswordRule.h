@@ -8,7 +8,7 @@ namespace KovoSim::Pam {
 // (lower case, upper case, digits, others), and not containing the account's name. Check() returns an
 // empty string for a good password, else the reason, as the operator is told.
 class PasswordRule {
-public:
+  public:
     static constexpr size_t kMinLength = 8;
     static std::string Check(const std::string& user, const std::string& password);
 };

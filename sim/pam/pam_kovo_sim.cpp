@@ -52,7 +52,9 @@ PAM_EXTERN int pam_sm_authenticate(pam_handle_t* pamh, int, int argc, const char
     });
 }
 
-PAM_EXTERN int pam_sm_setcred(pam_handle_t*, int, int, const char**) { return PAM_SUCCESS; }
+PAM_EXTERN int pam_sm_setcred(pam_handle_t*, int, int, const char**) {
+    return PAM_SUCCESS;
+}
 
 PAM_EXTERN int pam_sm_acct_mgmt(pam_handle_t* pamh, int, int argc, const char** argv) {
     return Guarded([&] {
@@ -72,15 +74,19 @@ PAM_EXTERN int pam_sm_chauthtok(pam_handle_t* pamh, int flags, int argc, const c
         if (const int status = pam_get_authtok(pamh, PAM_AUTHTOK, &password, nullptr); status != PAM_SUCCESS)
             return status;
         std::string reason;
-        const int status =
-            KovoSim::Pam::PamAccounts(StorePath(argc, argv)).ChangePassword(user, password ? password : "", &reason);
+        const int status = KovoSim::Pam::PamAccounts(StorePath(argc, argv))
+                               .ChangePassword(user, password ? password : "", &reason);
         if (status == PAM_AUTHTOK_ERR && !reason.empty()) pam_error(pamh, "%s", reason.c_str());
         return status;
     });
 }
 
-PAM_EXTERN int pam_sm_open_session(pam_handle_t*, int, int, const char**) { return PAM_SUCCESS; }
+PAM_EXTERN int pam_sm_open_session(pam_handle_t*, int, int, const char**) {
+    return PAM_SUCCESS;
+}
 
-PAM_EXTERN int pam_sm_close_session(pam_handle_t*, int, int, const char**) { return PAM_SUCCESS; }
+PAM_EXTERN int pam_sm_close_session(pam_handle_t*, int, int, const char**) {
+    return PAM_SUCCESS;
+}
 
 }  // extern "C"

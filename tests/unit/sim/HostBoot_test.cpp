@@ -40,7 +40,8 @@ TEST(HostBootTest, DnsAnswersTheHostsNameAndTheScenariosNames) {
                                                                        {"www.lab.example", "10.0.0.80"}};
     EXPECT_EQ(names, expected);
     // No management address: the host's own name is not served.
-    EXPECT_TRUE(HostBoot::DnsNames(json::parse(R"({"network": {"dns": {"hostname": "h1"}}})"), json::object()).empty());
+    EXPECT_TRUE(HostBoot::DnsNames(json::parse(R"({"network": {"dns": {"hostname": "h1"}}})"), json::object())
+                    .empty());
 }
 
 TEST(HostBootTest, TheStoreOfAScenarioLeavesOutTheSimulation) {

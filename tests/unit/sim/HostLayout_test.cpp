@@ -32,9 +32,9 @@ TEST(HostLayoutTest, RelativeDirectoryIsTakenFromTheWorkingDirectory) {
 
 TEST(HostLayoutTest, RejectsDirectoriesThatCannotCarryTheOverlays) {
     TempDir dir;
-    for (const std::string& bad : {dir / "a,b", dir / "a:b", std::string("/"), std::string("/etc/sim"),
-                                   std::string("/usr"), std::string("/var"), std::string("/var/log/x"),
-                                   std::string("/usr/lib/kovo"), std::string("")}) {
+    for (const std::string& bad :
+         {dir / "a,b", dir / "a:b", std::string("/"), std::string("/etc/sim"), std::string("/usr"),
+          std::string("/var"), std::string("/var/log/x"), std::string("/usr/lib/kovo"), std::string("")}) {
         EXPECT_THROW(HostLayout{bad}, std::invalid_argument) << bad;
     }
     // A symbolic link is followed before the check.

@@ -32,7 +32,7 @@ const json kHost = json::parse(R"({
 })");
 
 class HostProgramsTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         _store = std::make_shared<ZenkCtl::Store::HostStore>(_tmp / "host.json");
         _store->Replace(kHost);
@@ -141,7 +141,8 @@ TEST_F(HostProgramsTest, AdvancedOptionsReadAndSetWithRangeChecks) {
     EXPECT_EQ(Run({"qorcfg-advcfg", "-q", "-g", "not-a-path"}), 1);
     EXPECT_EQ(Run({"qorcfg-advcfg", "-x"}), 1);
 
-    const std::vector<std::string> set = {"system", "settings", "advanced", "set", "-o", "/UserVars/QoriShellTimeOut", "-i"};
+    const std::vector<std::string> set = {
+        "system", "settings", "advanced", "set", "-o", "/UserVars/QoriShellTimeOut", "-i"};
     auto cli = [&](const char* tool, const std::string& value) {
         std::vector<std::string> argv = {tool};
         argv.insert(argv.end(), set.begin(), set.end());
@@ -164,7 +165,8 @@ TEST_F(HostProgramsTest, AdvancedOptionsReadAndSetWithRangeChecks) {
 }
 
 TEST_F(HostProgramsTest, AgentsStopStartAndTheirLiveCore) {
-    EXPECT_EQ(Run({"zenkbacktrace", "-w", "-n", "hagentd", "-o", "hagentd-restart%", "-d", _tmp.Path() + "/"}), 0);
+    EXPECT_EQ(
+        Run({"zenkbacktrace", "-w", "-n", "hagentd", "-o", "hagentd-restart%", "-d", _tmp.Path() + "/"}), 0);
     bool found = false;
     for (const auto& entry : std::filesystem::directory_iterator(_tmp.Path()))
         found = found || entry.path().filename().string().rfind("hagentd-restart", 0) == 0;
@@ -199,8 +201,8 @@ TEST_F(HostProgramsTest, PowerCommandsAskInitAndNeverActThemselves) {
     sigaddset(&usr1, SIGUSR1);
     ASSERT_EQ(::pthread_sigmask(SIG_BLOCK, &usr1, nullptr), 0);
     _initPid = ::getpid();
-    for (const auto& [command, request] : {std::pair{"reboot", "reboot"}, std::pair{"poweroff", "poweroff"},
-                                           std::pair{"halt", "poweroff"}}) {
+    for (const auto& [command, request] :
+         {std::pair{"reboot", "reboot"}, std::pair{"poweroff", "poweroff"}, std::pair{"halt", "poweroff"}}) {
         EXPECT_EQ(Run({command, "-f"}), 0) << command;
         EXPECT_EQ(ReadFile(_tmp / "power"), std::string(request) + "\n");
         const struct timespec none = {0, 0};
@@ -219,7 +221,8 @@ TEST_F(HostProgramsTest, ZenkPingAnswersOnlyForAddressesThatAreUp) {
     EXPECT_FALSE(KovoSim::Host::ZenkPing::Answers("not an address"));
 
     EXPECT_EQ(Run({"zenkping", "-c", "2", "-I", "zk0", "127.0.0.1"}), 0);
-    EXPECT_NE(Out().find("2 packets transmitted, 2 packets received, 0% packet loss"), std::string::npos) << Out();
+    EXPECT_NE(Out().find("2 packets transmitted, 2 packets received, 0% packet loss"), std::string::npos)
+        << Out();
     EXPECT_EQ(Run({"zenkping", "-c", "3", "192.0.2.77"}), 1);
     EXPECT_NE(Out().find("3 packets transmitted, 0 packets received, 100% packet loss"), std::string::npos);
     EXPECT_EQ(Run({"zenkping", "-c", "3", "no-such-name.invalid"}), 2);

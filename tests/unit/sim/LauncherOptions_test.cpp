@@ -7,7 +7,9 @@ using Command = LauncherOptions::Command;
 
 namespace {
 
-LauncherOptions Parse(std::vector<std::string> argv) { return LauncherOptions::Parse(argv); }
+LauncherOptions Parse(std::vector<std::string> argv) {
+    return LauncherOptions::Parse(argv);
+}
 
 std::string ErrorOf(std::vector<std::string> argv) {
     try {
@@ -27,10 +29,10 @@ TEST(LauncherOptionsTest, RunWithDefaultsAndWithEveryOption) {
     EXPECT_TRUE(plain.kovo.empty());
     EXPECT_TRUE(plain.args.empty());
 
-    for (const auto& argv : {std::vector<std::string>{"run", "--dir", "/h", "--scenario", "dvs", "--once", "--kovo",
-                                                      "/k", "--", "2", "--dir", "x"},
-                             std::vector<std::string>{"--once", "--scenario", "dvs", "--dir", "/h", "--kovo", "/k",
-                                                      "--", "2", "--dir", "x"}}) {
+    for (const auto& argv : {std::vector<std::string>{"run", "--dir", "/h", "--scenario", "dvs", "--once",
+                                                      "--kovo", "/k", "--", "2", "--dir", "x"},
+                             std::vector<std::string>{"--once", "--scenario", "dvs", "--dir", "/h", "--kovo",
+                                                      "/k", "--", "2", "--dir", "x"}}) {
         const auto options = Parse(argv);
         EXPECT_EQ(options.command, Command::Run);
         EXPECT_EQ(options.dir, "/h");

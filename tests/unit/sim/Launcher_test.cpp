@@ -33,14 +33,15 @@ std::map<std::string, std::string> ReadReport(const std::string& path) {
 }
 
 class LauncherTest : public ::testing::Test {
-protected:
+  protected:
     std::string Host() const { return _tmp / "host"; }
     std::string Upper(const std::string& hostPath) const { return Host() + "/upper" + hostPath; }
     std::string Syslog() const { return Upper("/var/log/syslog.log"); }
 
     RunResult Once(const std::vector<std::string>& consoleArgs, const RunOptions& options = {},
                    const std::string& scenario = "default") {
-        std::vector<std::string> argv = {kSim, "--dir", Host(), "--scenario", scenario, "--once", "--kovo", kFake, "--"};
+        std::vector<std::string> argv = {kSim,     "--dir",  Host(), "--scenario", scenario,
+                                         "--once", "--kovo", kFake,  "--"};
         argv.insert(argv.end(), consoleArgs.begin(), consoleArgs.end());
         return RunProgram(argv, options);
     }
@@ -66,7 +67,8 @@ protected:
 
 TEST_F(LauncherTest, OnceRunsTheConsoleOnTheHostWithArgumentsEnvironmentAndStatus) {
     const std::string report = _tmp / "report";
-    const auto result = Once({"report", report, "exit", "7"}, {.env = {"SIM_TEST_PROBE=through", "TERM=vt220"}});
+    const auto result =
+        Once({"report", report, "exit", "7"}, {.env = {"SIM_TEST_PROBE=through", "TERM=vt220"}});
     EXPECT_EQ(result.status, 7) << result.err;
     auto facts = ReadReport(report);
     EXPECT_EQ(facts["args"], "report " + report + " exit 7");
@@ -104,7 +106,8 @@ TEST_F(LauncherTest, WritesOfTheHostLandInItsDirectoryOnly) {
     // The pid file was on the host's tmpfs: not on the host's disk, and gone at the next boot.
     for (const auto& entry : std::filesystem::recursive_directory_iterator(Host()))
         EXPECT_NE(entry.path().filename(), "kovo.pid") << entry.path();
-    const auto next = RunProgram({kSim, "exec", Host(), "--", "sh", "-c", "test -e /var/run/kovo.pid; echo $?"});
+    const auto next =
+        RunProgram({kSim, "exec", Host(), "--", "sh", "-c", "test -e /var/run/kovo.pid; echo $?"});
     EXPECT_EQ(next.out, "1\n") << next.err;
 }
 
@@ -112,17 +115,19 @@ TEST_F(LauncherTest, SyslogOfTheHostHasTimeHostFacilitySeverityTagAndMessage) {
     // The host takes its name from its configuration; a scenario may be a file, and sparse.
     std::ofstream(_tmp / "named.json") << R"({"network": {"dns": {"hostname": "lab-host-07"}}})";
     const std::string report = _tmp / "report";
-    ASSERT_EQ(Once({"syslog", "3", "Invalid VT specified for KOVO: abc", "syslog", "6", "Starting KOVO", "report", report},
+    ASSERT_EQ(Once({"syslog", "3", "Invalid VT specified for KOVO: abc", "syslog", "6", "Starting KOVO",
+                    "report", report},
                    {}, _tmp / "named.json")
                   .status,
               0);
     const std::string pid = ReadReport(report)["pid"];
     const std::string log = ReadFile(Syslog());
     const std::string stamp = R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}[+-]\d\d:\d\d)";
-    EXPECT_TRUE(std::regex_search(
-        log, std::regex("(^|\n)" + stamp + " lab-host-07 user\\.err KOVO\\[" + pid + "\\]: Invalid VT specified for KOVO: abc\n")))
+    EXPECT_TRUE(std::regex_search(log, std::regex("(^|\n)" + stamp + " lab-host-07 user\\.err KOVO\\[" + pid +
+                                                  "\\]: Invalid VT specified for KOVO: abc\n")))
         << log;
-    EXPECT_TRUE(std::regex_search(log, std::regex(stamp + " lab-host-07 user\\.info KOVO\\[" + pid + "\\]: Starting KOVO\n")))
+    EXPECT_TRUE(std::regex_search(
+        log, std::regex(stamp + " lab-host-07 user\\.info KOVO\\[" + pid + "\\]: Starting KOVO\n")))
         << log;
     // The error came first, as it was sent.
     EXPECT_LT(log.find("Invalid VT"), log.find("Starting KOVO"));
@@ -136,7 +141,8 @@ TEST_F(LauncherTest, SupervisorStartsTheConsoleAgainUntilCtrlC) {
     // The console ends on its own (here: SIGTERM): the host starts it again.
     const pid_t first = ConsolePid();
     ASSERT_EQ(::kill(first, SIGTERM), 0);
-    ASSERT_TRUE(WaitFor([&] { return CountLines(starts) == 2 && ConsolePid() > 0 && ConsolePid() != first; }));
+    ASSERT_TRUE(
+        WaitFor([&] { return CountLines(starts) == 2 && ConsolePid() > 0 && ConsolePid() != first; }));
     const pid_t second = ConsolePid();
     EXPECT_EQ(::kill(second, 0), 0);
 
@@ -148,7 +154,8 @@ TEST_F(LauncherTest, SupervisorStartsTheConsoleAgainUntilCtrlC) {
     EXPECT_FALSE(Exists(Host() + "/state/console.pid"));
     EXPECT_FALSE(Exists(Host() + "/state/init.pid"));
     const std::string log = ReadFile(Syslog());
-    EXPECT_NE(log.find("daemon.info init: interrupted at the terminal; stopping the host"), std::string::npos) << log;
+    EXPECT_NE(log.find("daemon.info init: interrupted at the terminal; stopping the host"), std::string::npos)
+        << log;
 }
 
 TEST_F(LauncherTest, AConsoleThatKeepsExitingIsStartedAgainEachTime) {
@@ -184,7 +191,8 @@ TEST_F(LauncherTest, OneHostPerDirectoryAndExecJoinsTheRunningOne) {
     const auto inside = RunProgram({kSim, "exec", Host(), "--", "cat", "/var/run/kovo.pid"});
     ASSERT_EQ(inside.status, 0) << inside.err;
     const std::string log = ReadFile(Syslog());
-    EXPECT_NE(log.find("started " + kFake + " as pid " + inside.out + "\n"), std::string::npos) << inside.out << log;
+    EXPECT_NE(log.find("started " + kFake + " as pid " + inside.out + "\n"), std::string::npos)
+        << inside.out << log;
 
     const auto status = RunProgram({kSim, "exec", Host(), "--", "sh", "-c", "exit 9"});
     EXPECT_EQ(status.status, 9);
@@ -262,13 +270,15 @@ TEST_F(LauncherTest, AnUnprivilegedUserGetsTheSameHost) {
     ASSERT_EQ(::stat(Upper("/etc/from-nobody").c_str(), &written), 0);
     EXPECT_EQ(written.st_uid, kNobody);
     EXPECT_FALSE(Exists("/etc/from-nobody"));
-    EXPECT_NE(ReadFile(Syslog()).find("user.warning KOVO[" + facts["pid"] + "]: as nobody"), std::string::npos);
+    EXPECT_NE(ReadFile(Syslog()).find("user.warning KOVO[" + facts["pid"] + "]: as nobody"),
+              std::string::npos);
 
     auto paths = RunProgram({kSim, "paths", Host()});
     EXPECT_NE(paths.out.find("syslog\t" + Syslog() + "\n"), std::string::npos) << paths.out;
 
     // The host's name server runs for the unprivileged user too.
-    auto resolved = RunProgram({kSim, "exec", Host(), "--", "getent", "hosts", "ntp.lab.example"}, {.env = {}, .uid = kNobody});
+    auto resolved = RunProgram({kSim, "exec", Host(), "--", "getent", "hosts", "ntp.lab.example"},
+                               {.env = {}, .uid = kNobody});
     EXPECT_NE(resolved.out.find("10.20.30.5"), std::string::npos) << resolved.out << resolved.err;
 }
 

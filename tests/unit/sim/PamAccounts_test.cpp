@@ -15,14 +15,19 @@ using nlohmann::json;
 namespace {
 
 class PamAccountsTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         ZenkCtl::Store::HostStore(_tmp / "host.json")
-            .Replace({{"users",
-                       {{{"name", "root"}, {"passwordHash", PamAccounts::Hash("Right-Pass1")}, {"consoleAccess", true}},
-                        {{"name", "viewer"}, {"passwordHash", PamAccounts::Hash("Right-Pass1")}, {"consoleAccess", false}},
-                        {{"name", "late"}, {"passwordHash", PamAccounts::Hash("Right-Pass1")}, {"expired", true}},
-                        {{"name", "locked"}, {"passwordHash", "!"}}}}});
+            .Replace(
+                {{"users",
+                  {{{"name", "root"},
+                    {"passwordHash", PamAccounts::Hash("Right-Pass1")},
+                    {"consoleAccess", true}},
+                   {{"name", "viewer"},
+                    {"passwordHash", PamAccounts::Hash("Right-Pass1")},
+                    {"consoleAccess", false}},
+                   {{"name", "late"}, {"passwordHash", PamAccounts::Hash("Right-Pass1")}, {"expired", true}},
+                   {{"name", "locked"}, {"passwordHash", "!"}}}}});
     }
     PamAccounts Accounts() const { return PamAccounts(_tmp / "host.json"); }
     TempDir _tmp;
@@ -71,12 +76,12 @@ TEST_F(PamAccountsTest, AMissingOrBrokenStoreIsUnavailableNotACrash) {
 
 TEST(PasswordRuleTest, LengthClassesAndName) {
     EXPECT_EQ(PasswordRule::Check("root", "Abcdef1!"), "");
-    EXPECT_EQ(PasswordRule::Check("root", "abcdefg1!"), "");    // lower, digit, other
-    EXPECT_EQ(PasswordRule::Check("root", "ABCDEFG1a"), "");    // upper, digit, lower
-    EXPECT_NE(PasswordRule::Check("root", "Abcde1!"), "");      // 7 characters
-    EXPECT_NE(PasswordRule::Check("root", "abcdefgh1"), "");    // two classes
-    EXPECT_NE(PasswordRule::Check("root", "ABCDEFGH!"), "");    // two classes
-    EXPECT_NE(PasswordRule::Check("root", "xRoot-123"), "");    // the name, in any case
+    EXPECT_EQ(PasswordRule::Check("root", "abcdefg1!"), "");  // lower, digit, other
+    EXPECT_EQ(PasswordRule::Check("root", "ABCDEFG1a"), "");  // upper, digit, lower
+    EXPECT_NE(PasswordRule::Check("root", "Abcde1!"), "");    // 7 characters
+    EXPECT_NE(PasswordRule::Check("root", "abcdefgh1"), "");  // two classes
+    EXPECT_NE(PasswordRule::Check("root", "ABCDEFGH!"), "");  // two classes
+    EXPECT_NE(PasswordRule::Check("root", "xRoot-123"), "");  // the name, in any case
     EXPECT_NE(PasswordRule::Check("root", ""), "");
     EXPECT_EQ(PasswordRule::Check("", "Abcdef1!"), "");
 }

@@ -9,7 +9,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int Exited(int code) { return code << 8; }
+constexpr int Exited(int code) {
+    return code << 8;
+}
 
 TEST(RestartPolicyTest, RestartsAtOnceAfterALongRunAndAfterAPauseWhenQuick) {
     const RestartPolicy policy(false);

@@ -19,7 +19,7 @@ using nlohmann::json;
 
 namespace {
 
-const std::vector<std::string> kNames = {"default",   "no-nic",     "dhcp-no-lease", "dvs",     "smartcard",
+const std::vector<std::string> kNames = {"default",    "no-nic",   "dhcp-no-lease",  "dvs",     "smartcard",
                                          "audit-mode", "pxe-boot", "login-disabled", "ipv6-off"};
 
 json Load(const std::string& name) {
@@ -39,17 +39,20 @@ TEST(ScenariosTest, EveryScenarioIsAWholeHostTheStoreAccepts) {
         const json scenario = Load(name);
         const json store = HostBoot::StoreOf(scenario);
         EXPECT_NO_THROW(ZenkCtl::Store::HostStore::Parse(store.dump(), name));
-        for (const char* node : {"/system/version", "/system/bootOptions", "/system/keyboard/layouts", "/hardware",
-                                 "/network/pnics", "/network/zenkNics", "/network/dns", "/users", "/services",
-                                 "/advancedOptions/UserVars", "/vms", "/markers", "/boot/pending"})
+        for (const char* node :
+             {"/system/version", "/system/bootOptions", "/system/keyboard/layouts", "/hardware",
+              "/network/pnics", "/network/zenkNics", "/network/dns", "/users", "/services",
+              "/advancedOptions/UserVars", "/vms", "/markers", "/boot/pending"})
             EXPECT_TRUE(store.contains(json::json_pointer(node))) << node;
         EXPECT_FALSE(store.contains("simulation"));
         // Every account can log in with some password: a crypt(3) hash, not a placeholder.
-        for (const auto& user : store["users"]) EXPECT_EQ(user["passwordHash"].get<std::string>().rfind("$6$", 0), 0u);
+        for (const auto& user : store["users"])
+            EXPECT_EQ(user["passwordHash"].get<std::string>().rfind("$6$", 0), 0u);
     }
     // Nothing under sim/scenarios that is not one of them.
     size_t files = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(KOVO_SIM_SCENARIOS)) files += entry.path().extension() == ".json";
+    for (const auto& entry : std::filesystem::directory_iterator(KOVO_SIM_SCENARIOS))
+        files += entry.path().extension() == ".json";
     EXPECT_EQ(files, kNames.size());
 }
 
@@ -114,12 +117,14 @@ TEST(ScenariosTest, EachHardCaseShowsWhatItsNameSays) {
     bool portExists = false;
     for (const auto& vds : dvs["network"]["dvs"])
         if (vds["name"] == connection["dvs"])
-            for (const auto& port : vds["ports"]) portExists = portExists || port["key"] == connection["port"];
+            for (const auto& port : vds["ports"])
+                portExists = portExists || port["key"] == connection["port"];
     EXPECT_TRUE(portExists);
 
     bool token = false;
     const json smartcard = Load("smartcard");
-    for (const auto& slot : smartcard["hardware"]["smartCards"]["slots"]) token = token || slot["token"].is_object();
+    for (const auto& slot : smartcard["hardware"]["smartCards"]["slots"])
+        token = token || slot["token"].is_object();
     EXPECT_TRUE(token);
 
     EXPECT_EQ(Load("audit-mode")["system"]["bootOptions"]["auditMode"], true);

@@ -19,7 +19,7 @@ const std::string kPam = SIM_PAM_CLIENT;
 
 // One default host for the tests that only look at it, made once.
 class SimulatedHostTest : public ::testing::Test {
-protected:
+  protected:
     static void SetUpTestSuite() {
         _tmp = new TempDir();
         const auto made = RunProgram({kSim, "--dir", Host(), "--once", "--kovo", "/bin/true"});
@@ -50,13 +50,15 @@ TempDir* SimulatedHostTest::_tmp = nullptr;
 
 TEST_F(SimulatedHostTest, EveryPamOutcomeThroughTheRealLibrary) {
     EXPECT_EQ(Pam({"root", "Kovo-Demo1"}).out, "authenticate=0\naccount=0\n");
-    EXPECT_EQ(Pam({"root", "Kovo-Demo2"}).out, "authenticate=7\n");    // PAM_AUTH_ERR
-    EXPECT_EQ(Pam({"nosuchuser", "x"}).out, "authenticate=10\n");      // PAM_USER_UNKNOWN
-    EXPECT_EQ(Pam({"viewer", "Viewer-Pass1"}).out, "authenticate=0\naccount=6\n");   // PAM_PERM_DENIED
-    EXPECT_EQ(Pam({"newadmin", "Expired-Pass1"}).out, "authenticate=0\naccount=12\n");  // PAM_NEW_AUTHTOK_REQD
+    EXPECT_EQ(Pam({"root", "Kovo-Demo2"}).out, "authenticate=7\n");                 // PAM_AUTH_ERR
+    EXPECT_EQ(Pam({"nosuchuser", "x"}).out, "authenticate=10\n");                   // PAM_USER_UNKNOWN
+    EXPECT_EQ(Pam({"viewer", "Viewer-Pass1"}).out, "authenticate=0\naccount=6\n");  // PAM_PERM_DENIED
+    EXPECT_EQ(Pam({"newadmin", "Expired-Pass1"}).out,
+              "authenticate=0\naccount=12\n");  // PAM_NEW_AUTHTOK_REQD
 
     const auto weak = Pam({"newadmin", "Expired-Pass1", "weakpass", "weakpass"});
-    EXPECT_NE(weak.out.find("message: The password must mix at least three of"), std::string::npos) << weak.out;
+    EXPECT_NE(weak.out.find("message: The password must mix at least three of"), std::string::npos)
+        << weak.out;
     EXPECT_NE(weak.out.find("chauthtok=20\n"), std::string::npos) << weak.out;  // PAM_AUTHTOK_ERR
     const auto mismatch = Pam({"newadmin", "Expired-Pass1", "Fresh-Pass42", "Fresh-Pass43"});
     EXPECT_EQ(mismatch.out.find("chauthtok=0\n"), std::string::npos) << mismatch.out;
@@ -120,27 +122,31 @@ TEST_F(SimulatedHostTest, HostProgramsAreRecordedAndDaemonsWriteTheHostsFiles) {
     ASSERT_EQ(Inside({"/bin/hcl-cmd", "-U", "root", "internalsvc/refresh"}).status, 0);
     ASSERT_EQ(Shell("sh /etc/init.d/SSH status").status, 3);
     const std::string commands = ReadFile(Upper("/var/log/kovo-sim/commands.log"));
-    EXPECT_NE(commands.find(R"("argv":["/bin/hcl-cmd","-U","root","internalsvc/refresh"])"), std::string::npos)
+    EXPECT_NE(commands.find(R"("argv":["/bin/hcl-cmd","-U","root","internalsvc/refresh"])"),
+              std::string::npos)
         << commands;
     EXPECT_NE(commands.find(R"("argv":["/etc/init.d/SSH","status"])"), std::string::npos) << commands;
 
-    const auto sent = Inside({kFake, "send", "/var/run/halvor/obsd.sock", "@&!*@*@(kovo.test)event text", "send",
-                              "/var/run/halvor/auditd.sock", "audit text"});
+    const auto sent = Inside({kFake, "send", "/var/run/halvor/obsd.sock", "@&!*@*@(kovo.test)event text",
+                              "send", "/var/run/halvor/auditd.sock", "audit text"});
     ASSERT_EQ(sent.status, 0) << sent.err;
-    EXPECT_NE(ReadFile(Upper("/var/log/kovo-sim/events.log")).find("@&!*@*@(kovo.test)event text\n"), std::string::npos);
+    EXPECT_NE(ReadFile(Upper("/var/log/kovo-sim/events.log")).find("@&!*@*@(kovo.test)event text\n"),
+              std::string::npos);
     EXPECT_NE(ReadFile(Upper("/var/log/kovo-sim/audit.log")).find("audit text\n"), std::string::npos);
 
     // The certificate and host keys were made for this host.
-    const auto subject = Inside({"/bin/openssl", "x509", "-in", "/etc/halvor/ssl/host.crt", "-noout", "-subject"});
+    const auto subject =
+        Inside({"/bin/openssl", "x509", "-in", "/etc/halvor/ssl/host.crt", "-noout", "-subject"});
     EXPECT_NE(subject.out.find("kovo-host-01.lab.example"), std::string::npos) << subject.out << subject.err;
-    const auto key = Inside({"/usr/lib/halvor/openssh/bin/ssh-keygen", "-l", "-f", "/etc/ssh/ssh_host_rsa_key.pub"});
+    const auto key =
+        Inside({"/usr/lib/halvor/openssh/bin/ssh-keygen", "-l", "-f", "/etc/ssh/ssh_host_rsa_key.pub"});
     EXPECT_EQ(key.status, 0) << key.err;
     EXPECT_NE(key.out.find("root@kovo-host-01.lab.example (RSA)"), std::string::npos) << key.out;
 }
 
 // Power needs a host of its own with a console running.
 class PowerTest : public ::testing::Test {
-protected:
+  protected:
     std::string Host() const { return _tmp / "host"; }
     std::unique_ptr<PtyProcess> Demo() {
         return std::make_unique<PtyProcess>(std::vector<std::string>{
@@ -150,7 +156,9 @@ protected:
         const std::string text = ReadFile(_tmp / "starts");
         return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
     }
-    RunResult Inside(const std::string& script) { return RunProgram({kSim, "exec", Host(), "--", "/bin/sh", "-c", script}); }
+    RunResult Inside(const std::string& script) {
+        return RunProgram({kSim, "exec", Host(), "--", "/bin/sh", "-c", script});
+    }
     std::string Get(const std::string& pointer) { return RunProgram({kSim, "get", Host(), pointer}).out; }
     TempDir _tmp;
 };

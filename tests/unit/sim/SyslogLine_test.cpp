@@ -13,7 +13,7 @@ namespace {
 const auto kTime = std::chrono::system_clock::time_point(std::chrono::microseconds(1795364401000123LL));
 
 class SyslogLineTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override { UseZone("UTC0"); }
     void TearDown() override { UseZone("UTC0"); }
     static void UseZone(const char* zone) {
@@ -23,8 +23,9 @@ protected:
 };
 
 TEST_F(SyslogLineTest, CLibraryDatagramKeepsTagAndMessageAndNamesFacilityAndSeverity) {
-    EXPECT_EQ(SyslogLine::Format("<11>Nov 22 16:20:01 KOVO[123]: Invalid VT specified for KOVO: abc", kTime, "h1"),
-              "2026-11-22T16:20:01.000123+00:00 h1 user.err KOVO[123]: Invalid VT specified for KOVO: abc\n");
+    EXPECT_EQ(
+        SyslogLine::Format("<11>Nov 22 16:20:01 KOVO[123]: Invalid VT specified for KOVO: abc", kTime, "h1"),
+        "2026-11-22T16:20:01.000123+00:00 h1 user.err KOVO[123]: Invalid VT specified for KOVO: abc\n");
     // A day below 10 is padded with a space, and the sender's stamp still goes.
     EXPECT_EQ(SyslogLine::Parse("<14>Nov  2 06:00:09 KOVO[7]: Starting KOVO").body, "KOVO[7]: Starting KOVO");
     // Text that only looks a little like a stamp is message text.
@@ -44,7 +45,8 @@ TEST_F(SyslogLineTest, PriorityNamesCoverEveryFacilityAndSeverity) {
 }
 
 TEST_F(SyslogLineTest, MissingOrMalformedPriorityFallsBackToUserNoticeAndKeepsTheText) {
-    EXPECT_EQ(SyslogLine::Format("plain text", kTime, "h"), "2026-11-22T16:20:01.000123+00:00 h user.notice plain text\n");
+    EXPECT_EQ(SyslogLine::Format("plain text", kTime, "h"),
+              "2026-11-22T16:20:01.000123+00:00 h user.notice plain text\n");
     for (const char* datagram : {"<192>too big", "<abc>letters", "<5 unclosed", "<>empty", "<1234>long"}) {
         const auto parsed = SyslogLine::Parse(datagram);
         EXPECT_EQ(parsed.priority, SyslogLine::kDefaultPriority) << datagram;
@@ -57,7 +59,8 @@ TEST_F(SyslogLineTest, MissingOrMalformedPriorityFallsBackToUserNoticeAndKeepsTh
 TEST_F(SyslogLineTest, StructuredFormBecomesTagAndMessage) {
     EXPECT_EQ(SyslogLine::Parse("<14>1 2026-11-22T16:20:01Z host app 99 ID1 - hello there").body,
               "app[99]: hello there");
-    EXPECT_EQ(SyslogLine::Parse("<14>1 2026-11-22T16:20:01Z host app - - [x@1 a=\"b\"] msg").body, "app: msg");
+    EXPECT_EQ(SyslogLine::Parse("<14>1 2026-11-22T16:20:01Z host app - - [x@1 a=\"b\"] msg").body,
+              "app: msg");
 }
 
 TEST_F(SyslogLineTest, OneDatagramIsAlwaysOneLine) {
@@ -75,7 +78,8 @@ TEST_F(SyslogLineTest, TimestampUsesLocalTimeWithItsOffset) {
     UseZone("YST8");
     EXPECT_EQ(SyslogLine::Timestamp(kTime), "2026-11-22T08:20:01.000123-08:00");
     UseZone("UTC0");
-    EXPECT_EQ(SyslogLine::Timestamp(kTime + std::chrono::microseconds(999876)), "2026-11-22T16:20:01.999999+00:00");
+    EXPECT_EQ(SyslogLine::Timestamp(kTime + std::chrono::microseconds(999876)),
+              "2026-11-22T16:20:01.999999+00:00");
 }
 
 }  // namespace

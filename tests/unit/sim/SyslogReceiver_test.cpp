@@ -25,8 +25,8 @@ void Send(const std::string& socketPath, const std::string& datagram) {
     struct sockaddr_un address {};
     address.sun_family = AF_UNIX;
     std::strncpy(address.sun_path, socketPath.c_str(), sizeof address.sun_path - 1);
-    const ssize_t sent = ::sendto(fd, datagram.data(), datagram.size(), 0, reinterpret_cast<sockaddr*>(&address),
-                                  sizeof address);
+    const ssize_t sent = ::sendto(fd, datagram.data(), datagram.size(), 0,
+                                  reinterpret_cast<sockaddr*>(&address), sizeof address);
     ::close(fd);
     ASSERT_EQ(sent, static_cast<ssize_t>(datagram.size()));
 }

@@ -8,11 +8,11 @@
 //   wait                      exit 0 on SIGINT or SIGTERM, as the real console does; wait for them
 //   exit N                    exit with status N
 #include <signal.h>
-#include <sys/stat.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/statfs.h>
-#include <sys/un.h>
 #include <sys/sysmacros.h>
+#include <sys/un.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -46,7 +46,8 @@ void Report(const std::string& file, int argc, char** argv) {
     const char* term = std::getenv("TERM");
     out << "term=" << (term ? term : "(unset)") << "\n";
     out << "isatty=" << ::isatty(0) << ::isatty(1) << "\n";
-    for (const char* path : {"/run", "/var/run", "/etc", "/usr/bin", "/usr/sbin", "/usr/lib", "/var/log", "/dev"})
+    for (const char* path :
+         {"/run", "/var/run", "/etc", "/usr/bin", "/usr/sbin", "/usr/lib", "/var/log", "/dev"})
         out << "fs:" << path << "=" << FsType(path) << "\n";
     struct stat console {};
     if (::stat("/dev/console", &console) == 0)
@@ -58,7 +59,9 @@ void Report(const std::string& file, int argc, char** argv) {
     out << "hostname=" << host << "\n";
 }
 
-void ExitZero(int) { _exit(0); }
+void ExitZero(int) {
+    _exit(0);
+}
 
 }  // namespace
 

@@ -51,7 +51,8 @@ RunResult RunProgram(const std::vector<std::string>& argv, const RunOptions& opt
         // Keep the test runner's terminal out of it: a new session has no controlling terminal.
         ::setsid();
         if (options.uid != static_cast<uid_t>(-1)) {
-            if (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(options.uid) != 0) _exit(126);
+            if (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(options.uid) != 0)
+                _exit(126);
         }
         ExecWith(argv, options.env);
     }
@@ -106,7 +107,8 @@ void PtyProcess::Write(const std::string& bytes) {
         throw std::runtime_error("write to the terminal");
 }
 
-bool PtyProcess::ReadUntil(const std::function<bool(const std::string&)>& done, std::chrono::milliseconds deadline) {
+bool PtyProcess::ReadUntil(const std::function<bool(const std::string&)>& done,
+                           std::chrono::milliseconds deadline) {
     const auto end = Clock::now() + deadline;
     while (!done(_output)) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
@@ -151,7 +153,9 @@ std::string ReadFile(const std::string& path) {
     return text.str();
 }
 
-bool Exists(const std::string& path) { return ::access(path.c_str(), F_OK) == 0; }
+bool Exists(const std::string& path) {
+    return ::access(path.c_str(), F_OK) == 0;
+}
 
 TempDir::TempDir() {
     std::string pattern = (std::filesystem::temp_directory_path() / "kovo-sim-test.XXXXXX").string();

@@ -16,7 +16,7 @@ struct RunResult {
     std::string err;
 };
 struct RunOptions {
-    std::vector<std::string> env;  // extra NAME=VALUE entries on top of ours
+    std::vector<std::string> env;        // extra NAME=VALUE entries on top of ours
     uid_t uid = static_cast<uid_t>(-1);  // run as this user (and its group 65534) when set
 };
 RunResult RunProgram(const std::vector<std::string>& argv, const RunOptions& options = {});
@@ -24,7 +24,7 @@ RunResult RunProgram(const std::vector<std::string>& argv, const RunOptions& opt
 // A program on a new pseudo-terminal, as an operator's terminal would run it (its own session and
 // foreground process group, so the terminal's Ctrl-C reaches the whole group).
 class PtyProcess {
-public:
+  public:
     PtyProcess(const std::vector<std::string>& argv, const std::vector<std::string>& env = {});
     ~PtyProcess();
     PtyProcess(const PtyProcess&) = delete;
@@ -38,7 +38,7 @@ public:
     int Wait(std::chrono::milliseconds deadline);
     pid_t Pid() const { return _pid; }
 
-private:
+  private:
     pid_t _pid = -1;
     int _master = -1;
     int _status = -1;
@@ -53,7 +53,7 @@ bool Exists(const std::string& path);
 
 // A fresh directory under the system's temporary directory, removed with everything in it.
 class TempDir {
-public:
+  public:
     TempDir();
     ~TempDir();
     TempDir(const TempDir&) = delete;
@@ -61,7 +61,7 @@ public:
     const std::string& Path() const { return _path; }
     std::string operator/(const std::string& name) const { return _path + "/" + name; }
 
-private:
+  private:
     std::string _path;
 };
 
