@@ -3,6 +3,7 @@
 // Every test logs in through the real login dialog and PAM.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -270,6 +271,21 @@ TEST(MainMenu, SupportPagesTurnWithPageKeysAndStopAtBothEnds) {
     term.Press(Key::PageDown);
     term.Press(Key::PageUp);
     EXPECT_TRUE(term.WaitForText("Page 2 of 3")) << term.Dump();
+}
+
+// --- host notifications -------------------------------------------------------------------------------
+
+TEST(MainMenu, HostNotificationRedrawsTheDetailsWithTheHostsNewValues) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
+    auto& term = host->Term();
+    ASSERT_TRUE(SelectDown(*host, "Configure Management Network")) << term.Dump();
+    ASSERT_TRUE(term.WaitForText("kovo-host-01.lab.example")) << term.Dump();
+    EXPECT_TRUE(term.Screen().Contains("10.20.30.41")) << term.Dump();
+    ASSERT_TRUE(Launcher({"set", host->HostDir(), "/network/dns/hostname", "\"renamed-01\""}));
+    ASSERT_TRUE(term.Signal(SIGUSR1, host->WaitForConsole()));
+    EXPECT_TRUE(term.WaitForText("renamed-01.lab.example")) << term.Dump();
+    EXPECT_EQ(SelectedEntry(term.Screen()), "Configure Management Network");
 }
 
 // --- View System Logs ---------------------------------------------------------------------------------
