@@ -54,6 +54,14 @@ TEST(HostValuesOnHost, MissingSshKeyGivesAnEmptyValueAndOneLogLine) {
     EXPECT_NE(logged[0].find(" user.info KOVO["), std::string::npos) << logged[0];
 }
 
+TEST(HostValuesOnHost, ManagementAddressIsWhatTheInterfaceRunsWith) {
+    ProbeHost host;
+    EXPECT_EQ(host.Probe("value ip"), "10.20.30.41\n");
+    ASSERT_TRUE(host.Set("/network/zenkNics/0/ipConfig/ipv4/mode", R"("dhcp")"));
+    ASSERT_TRUE(host.Set("/network/dhcpLeases", R"({})"));
+    EXPECT_EQ(host.Probe("value ip"), "0.0.0.0\n");
+}
+
 TEST(HostValuesOnHost, FirmwareStrings) {
     ProbeHost host;
     EXPECT_EQ(host.Probe("value BIOSversion"), "1.9.2 (1.9) 06/12/2025\n");
