@@ -34,11 +34,14 @@ namespace {
 void StartInterfaces() {
     ZenkCtl::Store::HostStore store(ZenkCtl::Store::HostStore::kHostPath);
     store.Update([](json& document) {
-        const json* nics = document.contains("network") ? &document["network"]["zenkNics"] : nullptr;
+        const json::json_pointer where("/network/zenkNics");
+        // contains() first: operator[] would add an empty member to a host without interfaces.
+        const json* nics = document.contains(where) ? &document.at(where) : nullptr;
         if (!nics || !nics->is_array()) return;
         std::vector<std::string> names;
         for (const json& nic : *nics)
-            if (nic.is_object() && nic.contains("name") && nic["name"].is_string()) names.push_back(nic["name"]);
+            if (nic.is_object() && nic.contains("name") && nic["name"].is_string())
+                names.push_back(nic["name"]);
         for (const std::string& name : names) ZenkCtl::Network::ZenkNicRuntime::Apply(document, name);
     });
 }

@@ -86,6 +86,16 @@ TEST_F(SimulatedHostTest, NamesResolveThroughTheHostsNameServer) {
     EXPECT_NE(std::ifstream(Upper("/etc/hosts")).peek(), EOF);
 }
 
+TEST_F(SimulatedHostTest, InterfacesComeUpAsConfiguredAtBoot) {
+    // The running state is worked out at boot: the static address, and with IPv6 the link-local address
+    // from the MAC and the router-advertised one from the lease.
+    EXPECT_EQ(RunProgram({kSim, "get", Host(), "/network/zenkNics/0/running/ipv4/address"}).out,
+              "\"10.20.30.41\"\n");
+    const std::string v6 = RunProgram({kSim, "get", Host(), "/network/zenkNics/0/running/ipv6/networks"}).out;
+    EXPECT_NE(v6.find("fe80::21b:21ff:fe4a:1000"), std::string::npos) << v6;
+    EXPECT_NE(v6.find("2001:db8:20:30:21b:21ff:fe4a:1000"), std::string::npos) << v6;
+}
+
 TEST_F(SimulatedHostTest, ZenkPingAnswersForTheScenariosNetworkOnly) {
     EXPECT_EQ(Inside({"/bin/zenkping", "-c", "3", "10.20.30.1"}).status, 0);
     EXPECT_EQ(Inside({"/bin/zenkping", "-c", "3", "-I", "zk0", "10.20.30.2"}).status, 0);
