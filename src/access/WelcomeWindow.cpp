@@ -27,6 +27,7 @@
 #include "platform/zenkctl/SystemInfoImpl.h"
 #include "text/StringFactory.h"
 #include "system/GeneralWindow.h"
+#include "system/ShutdownDialog.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
@@ -242,7 +243,7 @@ void WelcomeWindow::RunSession(bool customize) {
             AuditLogin("login.disconnect", Frame::_loginName, true, "Session closed");
             Build();
         } else {
-            // Shutting down and restarting the host come with their dialog.
+            ShutdownDialog(this).RunModal();
             Build();
         }
     } catch (const KovoTimeout&) {

@@ -95,21 +95,23 @@ void StartSignalThread() {
     pthread_detach(thread);
 }
 
-// Curses may already hold input it read past the key it returned (a key typed right after a lone Esc,
-// say); poll() cannot see that, so such a key is put back and the next wait takes it at once.
-static bool g_cursesHoldsInput = false;
+// After an Esc, curses may hold input it read while telling a lone Esc from a key sequence (a key typed
+// right after it); poll() cannot see that. So the wait after an Esc first asks curses without blocking.
+static bool g_afterEscape = false;
 
 static int ReadKeyNow() {
     wtimeout(stdscr, 0);
     int key = wgetch(stdscr);
-    int next = key == ERR ? ERR : wgetch(stdscr);
     wtimeout(stdscr, -1);
-    g_cursesHoldsInput = next != ERR && ungetch(next) == OK;
+    g_afterEscape = key == 27;
     return key;
 }
 
 int WaitInput(std::optional<timeval> limit) {
-    if (g_cursesHoldsInput) return ReadKeyNow();
+    if (g_afterEscape) {
+        int key = ReadKeyNow();
+        if (key != ERR) return key;
+    }
     pollfd fds[2] = {{0, POLLIN, 0}, {Frame::_signalPipe[0], POLLIN, 0}};
     int ms = -1;
     if (limit) ms = static_cast<int>(limit->tv_usec / 1000 + limit->tv_sec * 1000);
