@@ -247,6 +247,19 @@ TEST_F(LauncherTest, BadInputGetsAMessageAndAUsageStatus) {
     auto paths = RunProgram({kSim, "paths", Host()});
     EXPECT_EQ(paths.status, 2);  // nothing booted there yet
 
+    // Scenarios: an unknown name, a file that is not JSON, and another scenario for an existing host.
+    auto unknownScenario = Once({"exit", "0"}, {}, "no-such-scenario");
+    EXPECT_EQ(unknownScenario.status, 2);
+    EXPECT_NE(unknownScenario.err.find("no scenario named \"no-such-scenario\""), std::string::npos);
+    std::ofstream(_tmp / "broken.json") << "{ not json";
+    auto broken = Once({"exit", "0"}, {}, _tmp / "broken.json");
+    EXPECT_EQ(broken.status, 2);
+    EXPECT_NE(broken.err.find("is not valid JSON"), std::string::npos) << broken.err;
+    ASSERT_EQ(Once({"exit", "0"}).status, 0);
+    auto other = Once({"exit", "0"}, {}, "dvs");
+    EXPECT_EQ(other.status, 2);
+    EXPECT_NE(other.err.find("was made from the scenario \"default\""), std::string::npos) << other.err;
+
     // The store commands that work inside a host refuse to act on the machine.
     auto outside = RunProgram({kSim, "in-host-set", "/x", "1"});
     EXPECT_EQ(outside.status, 2);
