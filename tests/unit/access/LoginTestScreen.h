@@ -1,20 +1,17 @@
 #pragma once
 
-// A curses screen without a terminal whose keyboard is a pipe: a test writes the bytes a terminal
-// would send, then runs a dialog's real key loop over them.
+// The offscreen curses screen with a keyboard that is a pipe: a test writes the bytes a terminal would
+// send, then runs a dialog's real key loop over them.
 
 #include <curses.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <string>
 
-#include "app/Colors.h"
+#include "../support/OffscreenCurses.h"
 #include "app/Frame.h"
-#include "app/Startup.h"
-#include "text/TextArea.h"
 
 namespace Kovo::Testing {
 
@@ -36,7 +33,7 @@ inline const std::string kBackspace = "\177";
 inline const std::string kDelete = "\033[3~";
 }  // namespace Keys
 
-class ScriptedScreen : public ::testing::Test {
+class ScriptedScreen : public OffscreenCurses {
   protected:
     void SetUp() override {
         // A loop that waits for a key the script never sends must fail the run, not hang it.
@@ -44,14 +41,7 @@ class ScriptedScreen : public ::testing::Test {
         ASSERT_EQ(pipe(keys_), 0);
         savedStdin_ = dup(0);
         ASSERT_EQ(dup2(keys_[0], 0), 0);
-        out_ = fopen("/dev/null", "w");
-        in_ = fdopen(dup(keys_[0]), "r");
-        screen_ = newterm("xterm-256color", out_, in_);
-        ASSERT_NE(screen_, nullptr);
-        set_term(screen_);
-        resizeterm(25, 80);
-        start_color();
-        InitColors();
+        OpenScreen(fdopen(dup(keys_[0]), "r"));
         keypad(stdscr, TRUE);
         set_escdelay(25);
         define_key(Keys::kEsc.c_str(), 27);
@@ -59,10 +49,7 @@ class ScriptedScreen : public ::testing::Test {
     }
 
     void TearDown() override {
-        endwin();
-        delscreen(screen_);
-        fclose(out_);
-        fclose(in_);
+        OffscreenCurses::TearDown();
         dup2(savedStdin_, 0);
         close(savedStdin_);
         close(keys_[0]);
@@ -91,25 +78,9 @@ class ScriptedScreen : public ::testing::Test {
         }
     }
 
-    // The text of a screen row as the windows drew it.
-    static std::string Row(WINDOW* win, int y) {
-        std::string row;
-        for (int x = 0; x < getmaxx(win); ++x) row += static_cast<char>(mvwinch(win, y, x) & A_CHARTEXT);
-        return row;
-    }
-    // Every row of a window, joined by newlines.
-    static std::string Screen(WINDOW* win) {
-        std::string text;
-        for (int y = 0; y < getmaxy(win); ++y) text += Row(win, y) + "\n";
-        return text;
-    }
-
   private:
     int keys_[2] = {-1, -1};
     int savedStdin_ = -1;
-    FILE* out_ = nullptr;
-    FILE* in_ = nullptr;
-    SCREEN* screen_ = nullptr;
 };
 
 // A parent for dialogs under test: a full-screen frame that never reads keys itself.

@@ -4,14 +4,14 @@
 
 #include <memory>
 
-#include "CursesScreen.h"
+#include "../support/OffscreenCurses.h"
 #include "text/ItemList.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 namespace {
 
-using Testing::CursesScreen;
+using Testing::OffscreenCurses;
 
 void Type(InputItem& item, const std::string& keys) {
     for (char c : keys) item.EditKey(static_cast<unsigned char>(c));
@@ -88,16 +88,16 @@ TEST(InputItemEditing, MovesAndDeletesInPlace) {
 }
 
 // A one-line, 40-column text area to draw fields into.
-class InputItemDrawTest : public CursesScreen {
-protected:
+class InputItemDrawTest : public OffscreenCurses {
+  protected:
     void SetUp() override {
-        CursesScreen::SetUp();
+        OffscreenCurses::SetUp();
         _root = std::make_unique<Window>(0, 0, 80, 25, kBlack, kWhite);
         _area = new TextArea(_root.get(), 10, 2, 40, 1);
     }
     void TearDown() override {
         _root.reset();
-        CursesScreen::TearDown();
+        OffscreenCurses::TearDown();
     }
     std::string Line() { return Row(_area->Handle(), 0); }
 
@@ -113,14 +113,14 @@ TEST_F(InputItemDrawTest, DrawsLabelFieldAndCursor) {
     field.SetSelected(true);
     field.Draw(*_area);
     EXPECT_EQ(Line(), "IP Address                [ 10.0.0.1   ]");
-    EXPECT_EQ(PairAt(_area->Handle(), 0, 28), Pair(kWhite, kBlack));  // about to be replaced
-    EXPECT_EQ(PairAt(_area->Handle(), 0, 36), Pair(kBlack, kWhite));
+    EXPECT_EQ(PairAt(_area->Handle(), 0, 28), ColorPairNumber(kWhite, kBlack));  // about to be replaced
+    EXPECT_EQ(PairAt(_area->Handle(), 0, 36), ColorPairNumber(kBlack, kWhite));
     EXPECT_EQ(Window::_xCursor, 10 + 8 + 40 - 2 - 10);
     EXPECT_EQ(Window::_yCursor, 2);
 
     field.EditKey(KEY_LEFT);
     field.Draw(*_area);
-    EXPECT_EQ(PairAt(_area->Handle(), 0, 28), Pair(kBlack, kWhite));
+    EXPECT_EQ(PairAt(_area->Handle(), 0, 28), ColorPairNumber(kBlack, kWhite));
     EXPECT_EQ(Window::_xCursor, 10 + 7 + 40 - 2 - 10);
 }
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "CursesScreen.h"
+#include "../support/OffscreenCurses.h"
 #include "text/CheckItem.h"
 #include "text/LabelItem.h"
 #include "text/RadioItem.h"
@@ -14,19 +14,19 @@
 namespace Kovo {
 namespace {
 
-using Testing::CursesScreen;
+using Testing::OffscreenCurses;
 
 // A list of 21x5 (20 columns of items and the scroll bar) inside a yellow window.
-class ItemListTest : public CursesScreen {
-protected:
+class ItemListTest : public OffscreenCurses {
+  protected:
     void SetUp() override {
-        CursesScreen::SetUp();
+        OffscreenCurses::SetUp();
         _root = std::make_unique<Window>(0, 0, 80, 25, kYellow, kBlack);
         _list = new ItemList(_root.get(), 1, 1, 21, 5);
     }
     void TearDown() override {
         _root.reset();
-        CursesScreen::TearDown();
+        OffscreenCurses::TearDown();
     }
 
     // Items named "0", "1", ...; the indices in `disabled` are disabled, those in `labels` unselectable.
@@ -138,15 +138,15 @@ TEST_F(ItemListTest, NoScrollBarWhenEverythingFits) {
 TEST_F(ItemListTest, DrawsSelectedWhiteOnBlackAndDisabledDarkGrey) {
     Make(3, {2});
     EXPECT_EQ(Row(Screen(), 1).substr(1, 3), "0  ");
-    EXPECT_EQ(PairAt(Screen(), 1, 1), Pair(kBlack, kWhite));
-    EXPECT_EQ(PairAt(Screen(), 1, 15), Pair(kBlack, kWhite));  // the whole line
-    EXPECT_EQ(PairAt(Screen(), 2, 1), Pair(kYellow, kBlack));
-    EXPECT_EQ(PairAt(Screen(), 3, 1), Pair(kYellow, kDarkGrey));
+    EXPECT_EQ(PairAt(Screen(), 1, 1), ColorPairNumber(kBlack, kWhite));
+    EXPECT_EQ(PairAt(Screen(), 1, 15), ColorPairNumber(kBlack, kWhite));  // the whole line
+    EXPECT_EQ(PairAt(Screen(), 2, 1), ColorPairNumber(kYellow, kBlack));
+    EXPECT_EQ(PairAt(Screen(), 3, 1), ColorPairNumber(kYellow, kDarkGrey));
     EXPECT_TRUE(_items[0]->IsSelected());
     _list->Down();
     EXPECT_FALSE(_items[0]->IsSelected());
-    EXPECT_EQ(PairAt(Screen(), 1, 1), Pair(kYellow, kBlack));
-    EXPECT_EQ(PairAt(Screen(), 2, 1), Pair(kBlack, kWhite));
+    EXPECT_EQ(PairAt(Screen(), 1, 1), ColorPairNumber(kYellow, kBlack));
+    EXPECT_EQ(PairAt(Screen(), 2, 1), ColorPairNumber(kBlack, kWhite));
 }
 
 TEST(StateItems, RebuildTheirMarks) {

@@ -4,25 +4,25 @@
 
 #include <memory>
 
-#include "CursesScreen.h"
+#include "../support/OffscreenCurses.h"
 #include "text/MarkupDraw.h"
 
 namespace Kovo {
 namespace {
 
-using Testing::CursesScreen;
+using Testing::OffscreenCurses;
 
 // An area of 20x3 in yellow with black text, inside a screen-sized window.
-class TextAreaTest : public CursesScreen {
-protected:
+class TextAreaTest : public OffscreenCurses {
+  protected:
     void SetUp() override {
-        CursesScreen::SetUp();
+        OffscreenCurses::SetUp();
         _root = std::make_unique<Window>(0, 0, 80, 25, kYellow, kBlack);
         _area = new TextArea(_root.get(), 2, 1, 20, 3);
     }
     void TearDown() override {
         _root.reset();
-        CursesScreen::TearDown();
+        OffscreenCurses::TearDown();
     }
     WINDOW* Area() { return _area->Handle(); }
 
@@ -33,22 +33,22 @@ protected:
 TEST_F(TextAreaTest, PaintsColourRunsAndRestoresBothDefaults) {
     _area->SetText("{color:red}ab{/color}cd{bgcolor:black}{color:white}ef{/color}gh");
     EXPECT_EQ(Row(Area(), 0), "abcdefgh            ");
-    EXPECT_EQ(PairAt(Area(), 0, 0), Pair(kYellow, kRed));
-    EXPECT_EQ(PairAt(Area(), 0, 1), Pair(kYellow, kRed));
-    EXPECT_EQ(PairAt(Area(), 0, 2), Pair(kYellow, kBlack));
-    EXPECT_EQ(PairAt(Area(), 0, 4), Pair(kBlack, kWhite));
+    EXPECT_EQ(PairAt(Area(), 0, 0), ColorPairNumber(kYellow, kRed));
+    EXPECT_EQ(PairAt(Area(), 0, 1), ColorPairNumber(kYellow, kRed));
+    EXPECT_EQ(PairAt(Area(), 0, 2), ColorPairNumber(kYellow, kBlack));
+    EXPECT_EQ(PairAt(Area(), 0, 4), ColorPairNumber(kBlack, kWhite));
     // "/color" puts back the background as well, although it only closes a foreground.
-    EXPECT_EQ(PairAt(Area(), 0, 6), Pair(kYellow, kBlack));
-    EXPECT_EQ(PairAt(Area(), 0, 8), Pair(kYellow, kBlack));
+    EXPECT_EQ(PairAt(Area(), 0, 6), ColorPairNumber(kYellow, kBlack));
+    EXPECT_EQ(PairAt(Area(), 0, 8), ColorPairNumber(kYellow, kBlack));
 }
 
 TEST_F(TextAreaTest, IgnoresUnknownColoursAndUnmatchedClosers) {
     _area->SetText("{color:red}a{color:purple}b{/color}c\n{bgcolor:black}d{/color}e{/bgcolor}f");
-    EXPECT_EQ(PairAt(Area(), 0, 1), Pair(kYellow, kRed));  // unknown name: still red
-    EXPECT_EQ(PairAt(Area(), 0, 2), Pair(kYellow, kBlack));
+    EXPECT_EQ(PairAt(Area(), 0, 1), ColorPairNumber(kYellow, kRed));  // unknown name: still red
+    EXPECT_EQ(PairAt(Area(), 0, 2), ColorPairNumber(kYellow, kBlack));
     // No "color" tag is open, so "/color" leaves the black background on.
-    EXPECT_EQ(PairAt(Area(), 1, 1), Pair(kBlack, kBlack));
-    EXPECT_EQ(PairAt(Area(), 1, 2), Pair(kYellow, kBlack));
+    EXPECT_EQ(PairAt(Area(), 1, 1), ColorPairNumber(kBlack, kBlack));
+    EXPECT_EQ(PairAt(Area(), 1, 2), ColorPairNumber(kYellow, kBlack));
     EXPECT_EQ(Row(Area(), 1), "def                 ");
 }
 
@@ -60,17 +60,17 @@ TEST_F(TextAreaTest, UnknownTagsAndVariablesShowNothing) {
 TEST_F(TextAreaTest, StartsEveryRenderInTheDefaultColours) {
     _area->SetText("{color:red}ab");
     _area->SetText("cd");
-    EXPECT_EQ(PairAt(Area(), 0, 0), Pair(kYellow, kBlack));
+    EXPECT_EQ(PairAt(Area(), 0, 0), ColorPairNumber(kYellow, kBlack));
 }
 
 TEST_F(TextAreaTest, InactiveAreaShowsTextWithoutColourTags) {
     _area->SetText("{color:red}ab{/color}{bgcolor:white}cd");
     _area->SetActive(false);
     EXPECT_EQ(Row(Area(), 0), "abcd                ");
-    for (int x : {0, 2, 10}) EXPECT_EQ(PairAt(Area(), 0, x), Pair(kBlack, kDarkGrey)) << x;
+    for (int x : {0, 2, 10}) EXPECT_EQ(PairAt(Area(), 0, x), ColorPairNumber(kBlack, kDarkGrey)) << x;
     _area->SetActive(true);
-    EXPECT_EQ(PairAt(Area(), 0, 0), Pair(kYellow, kRed));
-    EXPECT_EQ(PairAt(Area(), 0, 2), Pair(kWhite, kBlack));
+    EXPECT_EQ(PairAt(Area(), 0, 0), ColorPairNumber(kYellow, kRed));
+    EXPECT_EQ(PairAt(Area(), 0, 2), ColorPairNumber(kWhite, kBlack));
 }
 
 TEST_F(TextAreaTest, ActivationRepaintsTheText) {
@@ -78,7 +78,7 @@ TEST_F(TextAreaTest, ActivationRepaintsTheText) {
     _area->Erase();
     _area->SetActive(true);
     EXPECT_EQ(Row(Area(), 0), "N/A                 ");
-    EXPECT_EQ(PairAt(Area(), 0, 0), Pair(kYellow, kRed));
+    EXPECT_EQ(PairAt(Area(), 0, 0), ColorPairNumber(kYellow, kRed));
 }
 
 TEST_F(TextAreaTest, CutsRowsBeyondTheHeightAndClearsOnEmptyText) {
@@ -96,7 +96,7 @@ TEST_F(TextAreaTest, AppendBuildsOnTheKeptText) {
     _area->AppendText("\nnext");
     EXPECT_EQ(_area->Text(), "{color:red}IP: {CPLDversion}\nnext");
     EXPECT_EQ(Row(Area(), 0), "IP: N/A             ");
-    EXPECT_EQ(PairAt(Area(), 0, 5), Pair(kYellow, kRed));
+    EXPECT_EQ(PairAt(Area(), 0, 5), ColorPairNumber(kYellow, kRed));
     EXPECT_EQ(Row(Area(), 1), "next                ");
     _area->SetText(static_cast<const char*>(nullptr));
     EXPECT_EQ(_area->Text(), "");
@@ -131,10 +131,10 @@ TEST_F(TextAreaTest, KnowsEveryHostValueByName) {
 TEST_F(TextAreaTest, BlackAndWhiteUsesStandoutOnDarkBackgrounds) {
     bwColor = true;
     _area->SetText("{bgcolor:black}ab{/bgcolor}cd{bgcolor:dark-grey}e{bgcolor:light-grey}f");
-    EXPECT_TRUE(AttrsAt(Area(), 0, 0) & A_STANDOUT);
-    EXPECT_FALSE(AttrsAt(Area(), 0, 2) & A_STANDOUT);
-    EXPECT_TRUE(AttrsAt(Area(), 0, 4) & A_STANDOUT);
-    EXPECT_FALSE(AttrsAt(Area(), 0, 5) & A_STANDOUT);
+    EXPECT_TRUE(AttrAt(Area(), 0, 0) & A_STANDOUT);
+    EXPECT_FALSE(AttrAt(Area(), 0, 2) & A_STANDOUT);
+    EXPECT_TRUE(AttrAt(Area(), 0, 4) & A_STANDOUT);
+    EXPECT_FALSE(AttrAt(Area(), 0, 5) & A_STANDOUT);
 }
 
 // The draw pass alone, on text no layout would produce: nothing may spill past the width or height.
