@@ -58,11 +58,6 @@ class HostSettingsActions : public ScriptedScreen {
     RecordingHost host_{store_.Get()};
 };
 
-TEST_F(HostSettingsActions, AgentsEscBeforeF11RestartsNothing) {
-    EXPECT_EQ(Run<RestartAgentsDialog>(" \nx" + Keys::kEsc), 0);
-    EXPECT_TRUE(host_.calls.empty());
-}
-
 TEST_F(HostSettingsActions, AgentsRestartWithoutCaptureShowsEachStepAndIgnoresEscAtTheEnd) {
     std::string duringStop, duringStart;
     host_.onCall = [&](const std::string& made) {
@@ -75,19 +70,6 @@ TEST_F(HostSettingsActions, AgentsRestartWithoutCaptureShowsEachStepAndIgnoresEs
     EXPECT_EQ(duringStop.find("Stopping management agents. Done."), std::string::npos);
     EXPECT_NE(duringStart.find("Stopping management agents. Done."), std::string::npos) << duringStart;
     EXPECT_EQ(duringStart.find("Collecting host agent live core"), std::string::npos);
-}
-
-TEST_F(HostSettingsActions, AgentsStepsAreDoneEvenWhenTheScriptsFail) {
-    host_.status[kStop] = 1;
-    host_.status[kStart] = -1;
-    // The dialog's own window still holds its last lines after it closed.
-    Type(kF11 + "\n");
-    TestRootFrame root;
-    RestartAgentsDialog dialog(&root, host_);
-    EXPECT_EQ(dialog.RunModal(), 1);
-    const std::string screen = ScreenText(dialog.Handle());
-    EXPECT_NE(screen.find("Stopping management agents. Done."), std::string::npos) << screen;
-    EXPECT_NE(screen.find("Starting management agents. Done."), std::string::npos) << screen;
 }
 
 TEST_F(HostSettingsActions, AgentsCaptureStartsFirstAndItsFailureOnlySkipsItsLine) {
@@ -103,30 +85,6 @@ TEST_F(HostSettingsActions, AgentsCaptureStartsFirstAndItsFailureOnlySkipsItsLin
     EXPECT_EQ(Run<RestartAgentsDialog>(" " + kF11 + "\n"), 1);
     EXPECT_EQ(host_.calls, (Calls{kAgentsEvent, "thread", kStop, kStart}));
     EXPECT_EQ(duringStop.find("Collecting host agent"), std::string::npos) << duringStop;
-}
-
-TEST_F(HostSettingsActions, LockdownEnterWithoutChangeRunsNothing) {
-    host_.answers["hclsvc/auth/lockdown_is_enabled"] = true;
-    EXPECT_EQ(Run<LockdownDialog>("\n", [](LockdownDialog& d) { EXPECT_TRUE(d.LockdownEnabled()); }), 1);
-    // Toggled twice is no change either; Esc after a toggle runs nothing.
-    EXPECT_EQ(Run<LockdownDialog>("  \n"), 1);
-    EXPECT_EQ(Run<LockdownDialog>(" " + Keys::kEsc), 0);
-    EXPECT_EQ(host_.calls, (Calls{kLockdownQuery, kLockdownQuery, kLockdownQuery}));
-}
-
-TEST_F(HostSettingsActions, FailedLockdownEnterKeepsTheStateSoTheNextAttemptRunsAgain) {
-    host_.status[kEnterLockdown] = 1;
-    host_.errorOutput[kEnterLockdown] = "Lockdown mode is not possible";
-    Type(" \n");
-    TestRootFrame root;
-    LockdownDialog dialog(&root, host_);
-    EXPECT_EQ(dialog.RunModal(), 1);
-    EXPECT_FALSE(dialog.LockdownEnabled());
-    host_.status[kEnterLockdown] = 0;
-    Type("\n");
-    EXPECT_EQ(dialog.RunModal(), 1);
-    EXPECT_TRUE(dialog.LockdownEnabled());
-    EXPECT_EQ(host_.calls, (Calls{kLockdownQuery, kEnterLockdown, kEnterLockdown}));
 }
 
 TEST_F(HostSettingsActions, LockdownExitRunsAsTheConsoleUser) {
@@ -187,10 +145,8 @@ TEST_F(HostSettingsActions, DialogTextsFitTheirHeaders) {
     };
     shows(static_cast<ShutdownDialog*>(nullptr), "  terminated.", "<F2> Shut Down  <F11> Restart");
     shows(static_cast<RestoreDialog*>(nullptr), "  be lost.", "<F11> OK  <Esc> Cancel");
-    shows(static_cast<ShellTimeoutDialog*>(nullptr), "  value is 1440 minutes.",
-          "<Enter> OK  <Esc> Cancel");
-    shows(static_cast<KovoTimeoutDialog*>(nullptr), "  value is 1440 minutes.",
-          "<Enter> OK  <Esc> Cancel");
+    shows(static_cast<ShellTimeoutDialog*>(nullptr), "  value is 1440 minutes.", "<Enter> OK  <Esc> Cancel");
+    shows(static_cast<KovoTimeoutDialog*>(nullptr), "  value is 1440 minutes.", "<Enter> OK  <Esc> Cancel");
     shows(static_cast<RestartAgentsDialog*>(nullptr), "time.", "[ ] Collect extra");
     shows(static_cast<LockdownDialog*>(nullptr), "host.", "<Space> Toggle Selected");
     shows(static_cast<KeyboardDialog*>(nullptr), "below.", "(o) Layout 9");
