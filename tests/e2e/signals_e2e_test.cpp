@@ -1,4 +1,6 @@
 // Signals and resize reaching the real console on a simulated host: how it ends, what it leaves behind.
+// The host's notification signal is walked by the smart-card tests, the key map's resize sequence by
+// the dimming tests.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <termios.h>
@@ -7,7 +9,6 @@
 
 #include "HostConsole.h"
 
-using namespace std::chrono_literals;
 using KovoE2e::ConsoleStart;
 using KovoE2e::FreshHostDir;
 using KovoE2e::HostConsole;
@@ -73,19 +74,6 @@ TEST(ConsoleResize, SignalAt100x37LogsTheNewSizeAndEnds) {
     EXPECT_EQ(host.SyslogLines({"Resized window to"}).size(), 1u) << host.Syslog();
 }
 
-TEST(ConsoleResize, KeyMapResizeSequenceActsLikeTheSignal) {
-    ConsoleStart start;
-    start.columns = 90;
-    start.rows = 30;
-    HostConsole host(FreshHostDir(), start);
-    ASSERT_GT(StartConsole(host), 0);
-    host.Term().SendRaw("\x1bR");
-    auto status = host.Term().WaitExit();
-    ASSERT_TRUE(status) << host.Term().Dump();
-    EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
-    EXPECT_TRUE(host.WaitForSyslog({"user.info", "]: Resized window to 90x30"})) << host.Syslog();
-}
-
 TEST(ConsoleRestartRequest, WithNobodyLoggedInEndsAtOnce) {
     HostConsole host(FreshHostDir(), ConsoleStart{});
     pid_t console = StartConsole(host);
@@ -96,20 +84,4 @@ TEST(ConsoleRestartRequest, WithNobodyLoggedInEndsAtOnce) {
     EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
     EXPECT_NE(host.Term().Output().rfind(kPaletteReset), std::string::npos);
     EXPECT_TRUE(host.SyslogLines({"Resized window"}).empty());
-}
-
-TEST(ConsoleNotification, HostNotificationKeepsTheConsoleRunning) {
-    HostConsole host(FreshHostDir(), ConsoleStart{});
-    pid_t console = StartConsole(host);
-    ASSERT_GT(console, 0);
-    ASSERT_TRUE(host.Term().Signal(SIGUSR1, console));
-    ASSERT_TRUE(host.Term().Signal(SIGUSR1, console));
-    // Nothing ends: give it the time any of the ending signals above needs many times over.
-    EXPECT_FALSE(host.Term().WaitExit(1500ms)) << host.Term().Dump();
-    EXPECT_TRUE(host.Term().Screen().Contains("<F12> Shut Down/Restart")) << host.Term().Dump();
-    // And it still reacts to what comes after.
-    ASSERT_TRUE(host.Term().Signal(SIGTERM, console));
-    auto status = host.Term().WaitExit();
-    ASSERT_TRUE(status);
-    EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
 }
