@@ -88,23 +88,10 @@ TEST(TermSession, KeysArriveAsTheProgramDecodesThem) {
         Key key;
         const char* name;
     } cases[] = {
-        {Key::Up, "KEY_UP"},
-        {Key::Down, "KEY_DOWN"},
-        {Key::Left, "KEY_LEFT"},
-        {Key::Right, "KEY_RIGHT"},
-        {Key::Home, "KEY_HOME"},
-        {Key::End, "KEY_END"},
-        {Key::PageUp, "KEY_PPAGE"},
-        {Key::PageDown, "KEY_NPAGE"},
-        {Key::Insert, "KEY_IC"},
-        {Key::Delete, "KEY_DC"},
-        {Key::Backspace, "KEY_BACKSPACE"},
-        {Key::Enter, "^J"},
-        {Key::F1, "KEY_F(1)"},
-        {Key::F2, "KEY_F(2)"},
-        {Key::F10, "KEY_F(10)"},
-        {Key::F11, "KEY_F(11)"},
-        {Key::F12, "KEY_F(12)"},
+        // One key of each encoding family; the bytes of every key are the terminal model's own test.
+        {Key::Up, "KEY_UP"},          {Key::Home, "KEY_HOME"}, {Key::End, "KEY_END"},
+        {Key::PageDown, "KEY_NPAGE"}, {Key::Delete, "KEY_DC"}, {Key::Backspace, "KEY_BACKSPACE"},
+        {Key::Enter, "^J"},           {Key::F1, "KEY_F(1)"},   {Key::F12, "KEY_F(12)"},
         {Key::Escape, "^["},
     };
     int count = 0;
