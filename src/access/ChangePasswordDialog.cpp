@@ -8,6 +8,7 @@
 #include "access/LoginDialog.h"
 #include "access/SamePasswordConfirmDialog.h"
 #include "app/CommandRunner.h"
+#include "app/HostEvent.h"
 #include "app/KeyReader.h"
 #include "app/MessageDialog.h"
 #include "text/InputItem.h"
@@ -189,8 +190,8 @@ void ChangePasswordDialog::AfterChange() {
     RunCommand("/sbin/backup.sh", backup);
     RefreshHostAgent();
     syslog(LOG_INFO, "Login password for user %s has changed", _loginName.c_str());
-    PostHostEvent("@&!*@*@(obs.user.kovo.login.passwd.changed)Login password for user " + _loginName +
-                  " changed");
+    HostEvent::Post(
+        HostEvent::Text("obs.user.kovo.login.passwd.changed", "Login password for user " + _loginName + " changed"));
     _isUserPasswordEmpty = _fields[kNew]->GetValue().empty();
 }
 

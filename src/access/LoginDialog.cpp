@@ -9,10 +9,10 @@
 #include "access/LoginAudit.h"
 #include "access/SmartCardLogin.h"
 #include "app/CommandRunner.h"
+#include "app/HostEvent.h"
 #include "app/KeyReader.h"
 #include "app/MessageDialog.h"
 #include "app/Startup.h"
-#include "platform/events/ObsUserLib.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/zenkctl/DnsConfigImpl.h"
 #include "platform/zenkctl/SystemInfoImpl.h"
@@ -115,12 +115,6 @@ std::string HostNameAndDomain() {
         syslog(LOG_ERR, "Unable to read the host name: %s", e.what());
         return {};
     }
-}
-
-void PostHostEvent(const std::string& text) {
-    if (InitEvents() != 0) return;
-    ObsUserLib_AddEvent(text.c_str());
-    ObsUserLib_Close();
 }
 
 LoginDialog::LoginDialog(Frame* parent) : LoginDialog(parent, PamOps{}) {}
@@ -257,7 +251,7 @@ void LoginDialog::Fail(const std::string& logLine, const char* reason, const std
                        unsigned messageId) {
     syslog(LOG_AUTH | LOG_ERR, "%s", logLine.c_str());
     AuditLogin("login.connect", _userName, false, reason);
-    PostHostEvent(kLoginFailedEvent + eventMessage);
+    HostEvent::Post(kLoginFailedEvent + eventMessage);
     MessageDialog message(this, kFailedTitle, messageId);
     message.RunModal();
 }

@@ -55,7 +55,5 @@ class LoginDialog : public Dialog {
 // The host's name and domain as dialogs address it ("host01.lab.example"); empty when unknown.
 std::string HostNameAndDomain();
 
-// Posts one host event (its text already built) when the event daemon can be reached.
-void PostHostEvent(const std::string& text);
 
 }  // namespace Kovo

@@ -8,7 +8,7 @@
 #include "app/KeyReader.h"
 #include "platform/store/HostStore.h"
 #include "platform/zenkctl/ZenkCtlExec.h"
-#include "system/HostEvent.h"
+#include "app/HostEvent.h"
 
 namespace Kovo {
 

@@ -246,7 +246,13 @@ void GeneralWindow::Choose(unsigned code) {
             RestoreDialog(this).RunModal();
             break;
         case kConfigureKeyboard:
-            KeyboardDialog(this).RunModal();
+            try {
+                KeyboardDialog(this).RunModal();
+            } catch (const HostCtl::Lib::HostCtlException& e) {
+                // The keyboard dialog passes the host's failures to its caller: report, stay in the menu.
+                syslog(LOG_ERR, "%s", e.what());
+                MessageDialog(this, kConfigureKeyboard, e.what()).RunModal();
+            }
             break;
         // The network entries open their screens here as those screens come; until then Enter on them
         // leaves the menu as it is.

@@ -10,7 +10,7 @@
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/zenkctl/SystemInfoImpl.h"
 #include "platform/zenkctl/ZenkCtlExec.h"
-#include "system/HostEvent.h"
+#include "app/HostEvent.h"
 #include "text/CheckItem.h"
 #include "text/ItemList.h"
 #include "text/StringFactory.h"

@@ -5,7 +5,7 @@
 
 #include "app/Colors.h"
 #include "app/KeyReader.h"
-#include "system/HostEvent.h"
+#include "app/HostEvent.h"
 #include "text/StringFactory.h"
 #include "text/TextArea.h"
 

@@ -4,7 +4,7 @@
 #include <syslog.h>
 
 #include "app/KeyReader.h"
-#include "system/HostEvent.h"
+#include "app/HostEvent.h"
 #include "system/RebootConfirmDialog.h"
 #include "system/ShutdownConfirmDialog.h"
 #include "text/CheckItem.h"

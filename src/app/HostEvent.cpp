@@ -1,4 +1,4 @@
-#include "system/HostEvent.h"
+#include "app/HostEvent.h"
 
 #include "app/CommandRunner.h"
 #include "platform/events/ObsUserLib.h"
