@@ -76,6 +76,46 @@ void BM_FullCycle(benchmark::State& state) {
 }
 BENCHMARK(BM_FullCycle)->Unit(benchmark::kMillisecond)->Iterations(10);
 
+// A move in the System Customization menu as the operator feels it: from the arrow key sent to the detail
+// pane showing the newly selected entry, and the bytes the console wrote for it.
+void BM_MenuMove(benchmark::State& state) {
+    using namespace std::chrono_literals;
+    const std::string host = FreshHost("menu-move");
+    KovoTerm::TermSession session(ConsoleOnHost(host));
+    const bool ready = session.WaitForText(kLastOfFirstScreen) && session.WaitForQuiet(300ms) &&
+                       (session.Press(KovoTerm::Key::F2), session.WaitForText("Authentication Required")) &&
+                       session.WaitForQuiet(300ms) && (session.Press(KovoTerm::Key::Down), session.WaitForQuiet(200ms)) &&
+                       (session.Type("Kovo-Demo1"), session.Press(KovoTerm::Key::Enter),
+                        session.WaitForText("System Customization")) &&
+                       session.WaitForQuiet(300ms);
+    if (!ready) {
+        state.SkipWithError("could not log in to the menu");
+        Stop(session, session.WaitForDescendant("kovo"));
+        return;
+    }
+    bool down = true;
+    std::size_t bytes = 0;
+    for (auto _ : state) {
+        const std::string title = session.Screen().RowText(1);
+        const std::size_t before = session.Output().size();
+        const auto start = std::chrono::steady_clock::now();
+        session.Press(down ? KovoTerm::Key::Down : KovoTerm::Key::Up);
+        if (!session.WaitFor([&](const KovoTerm::VirtualTerminal& screen) { return screen.RowText(1) != title; })) {
+            state.SkipWithError("the menu did not move");
+            break;
+        }
+        state.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+        state.PauseTiming();
+        session.WaitForQuiet(100ms);
+        bytes += session.Output().size() - before;
+        down = !down;
+        state.ResumeTiming();
+    }
+    state.counters["bytes_per_move"] = state.iterations() ? double(bytes) / double(state.iterations()) : 0.0;
+    Stop(session, session.WaitForDescendant("kovo"));
+}
+BENCHMARK(BM_MenuMove)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(40);
+
 }  // namespace
 
 BENCHMARK_MAIN();
