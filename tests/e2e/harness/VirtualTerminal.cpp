@@ -10,12 +10,12 @@ namespace KovoTerm {
 namespace {
 
 // Parses "rgb:RR/GG/BB" (1 to 4 hex digits per component, scaled to 8 bits as X11 does).
-bool ParseRgbSpec(std::string_view spec, std::uint8_t rgb[3]) {
-    if (spec.substr(0, 4) != "rgb:") return false;
-    spec.remove_prefix(4);
+bool ParseRgbText(std::string_view rgbText, std::uint8_t rgb[3]) {
+    if (rgbText.substr(0, 4) != "rgb:") return false;
+    rgbText.remove_prefix(4);
     for (int i = 0; i < 3; ++i) {
-        auto slash = spec.find('/');
-        std::string_view part = spec.substr(0, slash);
+        auto slash = rgbText.find('/');
+        std::string_view part = rgbText.substr(0, slash);
         if (part.empty() || part.size() > 4) return false;
         unsigned value = 0;
         for (char c : part) {
@@ -33,7 +33,7 @@ bool ParseRgbSpec(std::string_view spec, std::uint8_t rgb[3]) {
         rgb[i] = std::uint8_t((value * 255 + max / 2) / max);
         if (i < 2) {
             if (slash == std::string_view::npos) return false;
-            spec.remove_prefix(slash + 1);
+            rgbText.remove_prefix(slash + 1);
         } else if (slash != std::string_view::npos) {
             return false;
         }
@@ -269,7 +269,7 @@ Color VirtualTerminal::PaletteColor(int index) const {
 }
 
 void VirtualTerminal::ApplyOsc(std::string_view command) {
-    // "4;index;spec[;index;spec...]"
+    // "4;index;rgb:RR/GG/BB[;index;rgb:...]"
     if (command.substr(0, 2) != "4;") return;
     command.remove_prefix(2);
     while (!command.empty()) {
@@ -278,7 +278,7 @@ void VirtualTerminal::ApplyOsc(std::string_view command) {
         std::string_view indexText = command.substr(0, semi);
         command.remove_prefix(semi + 1);
         auto next = command.find(';');
-        std::string_view spec = command.substr(0, next);
+        std::string_view rgbText = command.substr(0, next);
         command.remove_prefix(next == std::string_view::npos ? command.size() : next + 1);
 
         int index = 0;
@@ -288,7 +288,7 @@ void VirtualTerminal::ApplyOsc(std::string_view command) {
             index = index * 10 + (c - '0');
         }
         std::uint8_t rgb[3];
-        if (index > 255 || !ParseRgbSpec(spec, rgb)) continue;
+        if (index > 255 || !ParseRgbText(rgbText, rgb)) continue;
         VTermColor color;
         vterm_color_rgb(&color, rgb[0], rgb[1], rgb[2]);
         vterm_state_set_palette_color(_state, index, &color);
