@@ -134,6 +134,8 @@ TEST(Login, EscLeavesWithoutALogLineOrRecord) {
     host->Term().Press(Key::Escape);
     ASSERT_TRUE(host->Term().WaitForTextGone(kLoginTitle)) << host->Term().Dump();
     EXPECT_TRUE(host->Term().Screen().Contains(kWelcomeKeys));
+    // The welcome screen discards keys typed while it comes back: let it settle first.
+    ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
     // A later login proves the records are written by now, and that Esc wrote none.
     ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
     ASSERT_TRUE(host->WaitForSyslog({"]: User root logged in"})) << host->Syslog();

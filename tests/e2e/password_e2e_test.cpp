@@ -92,7 +92,8 @@ TEST(PasswordChange, SamePasswordConfirmedIsSetAgain) {
     Enter(*host, kRootPassword);
     Enter(*host, kRootPassword);
     ASSERT_TRUE(term.WaitForText(kSameWarning)) << term.Dump();
-    EXPECT_TRUE(term.Screen().Contains("<Enter> Confirm")) << term.Screen().ScreenText();
+    // The footer is drawn after the warning text.
+    EXPECT_TRUE(term.WaitForText("<Enter> Confirm")) << term.Dump();
     ASSERT_TRUE(term.WaitForQuiet(300ms));
     term.Press(Key::Enter);
     ASSERT_TRUE(term.WaitForTextGone(kDialogText)) << term.Dump();
