@@ -27,7 +27,8 @@ TEST(Actions, ShutDownWithTheBoxClearPowersVmsOffGracefullyAndTheHostOff) {
     EXPECT_EQ(Lines(HostRecords(*host, "events.log"), kShutdownEvent).size(), 1u);
     EXPECT_EQ(host->SyslogLines({"user.info", "]: Shutting down host"}).size(), 1u);
     EXPECT_FALSE(host->SyslogLines({"init: powering off"}).empty()) << host->Syslog();
-    for (const auto& vm : StoreOnDisk(*host)["vms"])
+    const nlohmann::json store = StoreOnDisk(*host);  // kept: the loop reads into it
+    for (const auto& vm : store["vms"])
         EXPECT_NE(vm.dump().find("poweredOff"), std::string::npos) << vm;
 }
 
