@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "app/Colors.h"
+#include "app/terminal/Colors.h"
 #include "text/MarkupLayout.h"
 #include "text/TextArea.h"
 

@@ -7,10 +7,10 @@
 
 #include "access/LoginDialog.h"
 #include "access/SamePasswordConfirmDialog.h"
-#include "app/CommandRunner.h"
-#include "app/HostEvent.h"
-#include "app/KeyReader.h"
-#include "app/MessageDialog.h"
+#include "app/terminal/HostEvent.h"
+#include "app/terminal/Keys.h"
+#include "app/frames/Footers.h"
+#include "app/frames/MessageDialog.h"
 #include "text/InputItem.h"
 #include "text/ItemList.h"
 #include "text/StringFactory.h"
@@ -18,9 +18,6 @@
 namespace Kovo {
 
 namespace {
-
-constexpr int kWidth = 60, kHeight = 13, kHeaderHeight = 6;
-constexpr int kEsc = 27, kTab = 9, kEnter = 10, kCtrlH = 8;
 
 enum StringId : unsigned {
     kTitle = 149,
@@ -73,76 +70,68 @@ NewPasswordCheck CheckNewPassword(const std::string& oldPassword, const std::str
     return NewPasswordCheck::Ready;
 }
 
-ChangePasswordDialog::ChangePasswordDialog(Frame* parent) : ChangePasswordDialog(parent, PamOps{}) {}
+ChangePasswordDialog::ChangePasswordDialog(Frame* parent, HostAccess& host)
+    : ChangePasswordDialog(parent, PamOps{}, host) {}
 
-ChangePasswordDialog::ChangePasswordDialog(Frame* parent, PamOps pam)
-    : Dialog(parent, kWidth, kHeight, kHeaderHeight), _pam(pam) {
-    SetTitle(Strings()->GetString(kTitle));
-    SetText(Strings()->GetString(kText));
-    SetFooter(
-        "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}  {color:black}<Esc>{/color} "
-        "{color:dark-grey}Cancel{/color}{/align}");
+ChangePasswordDialog::ChangePasswordDialog(Frame* parent, PamOps pam, HostAccess& host)
+    : Dialog(parent, {60, 13, 6, kTitle, kText, Footer::kOkCancel}), _pam(pam), _host(host) {
     const unsigned labels[kFieldCount] = {kOldLabel, kNewLabel, kConfirmLabel};
-    std::vector<Item*> items;
     for (int i = 0; i < kFieldCount; ++i) {
-        _fields[i] = std::make_unique<InputItem>(Strings()->GetString(labels[i]), "", -1);
+        _fields[i] = &AddField(Strings()->GetString(labels[i]), "", -1, FieldKeys::Printable);
         _fields[i]->SetMasked(true);
-        items.push_back(_fields[i].get());
     }
-    Window* content = Content();
-    _list = new ItemList(content, 0, 0, content->Width(), content->Height());
-    _list->SetItems(items);
+    ShowItems();
 }
 
 ChangePasswordDialog::~ChangePasswordDialog() = default;
 
 void ChangePasswordDialog::Focus(int field) {
-    _list->Select(field);
-    _list->Draw();
+    Items().Select(field);
+    Items().Draw();
 }
 
 void ChangePasswordDialog::Error(unsigned messageId) {
     MessageDialog message(this, kErrorTitle, messageId);
     message.RunModal();
-    _list->Draw();
+    Items().Draw();
 }
 
 int ChangePasswordDialog::HandleKey() {
     SetActive(true);
     SetCursor(true);
     Focus(kOld);
-    for (;;) {
-        const int key = GetKey(this, true);
-        const int focused = _list->GetSelected();
-        switch (RoutePasswordKey(key, focused)) {
-            case PasswordKey::Cancel:
-                SetCursor(false);
-                SetActive(false);
-                return 0;
-            case PasswordKey::Edit:
-                _fields[focused]->EditKey(key);
-                _list->Draw();
-                break;
-            case PasswordKey::VerifyOld:
-                if (VerifyOld()) Focus(kNew);
-                break;
-            case PasswordKey::Next:
-                Focus(focused + 1);
-                break;
-            case PasswordKey::Previous:
-                Focus(focused - 1);
-                break;
-            case PasswordKey::Submit:
-                if (Submit()) {
-                    SetCursor(false);
-                    SetActive(false);
-                    return 1;
-                }
-                break;
-            case PasswordKey::Ignore:
-                break;
-        }
+    const int result = RunKeys();
+    SetCursor(false);
+    SetActive(false);
+    return result;
+}
+
+bool ChangePasswordDialog::OnKey(int key) {
+    const int focused = Items().GetSelected();
+    switch (RoutePasswordKey(key, focused)) {
+        case PasswordKey::Cancel:
+            Close(0);
+            break;
+        case PasswordKey::Edit:
+            _fields[focused]->EditKey(key);
+            Items().Draw();
+            break;
+        case PasswordKey::VerifyOld:
+            if (VerifyOld()) Focus(kNew);
+            break;
+        case PasswordKey::Next:
+            Focus(focused + 1);
+            break;
+        case PasswordKey::Previous:
+            Focus(focused - 1);
+            break;
+        case PasswordKey::Submit:
+            if (Submit()) Close(1);
+            break;
+        case PasswordKey::Ignore:
+            break;
     }
+    return true;
 }
 
 bool ChangePasswordDialog::VerifyOld() {
@@ -168,7 +157,7 @@ bool ChangePasswordDialog::Submit() {
         case NewPasswordCheck::SameAsOld: {
             SamePasswordConfirmDialog confirm(this);
             const bool sure = confirm.RunModal() != 0;
-            _list->Draw();
+            Items().Draw();
             if (!sure) return false;
             break;
         }
@@ -186,11 +175,10 @@ bool ChangePasswordDialog::Submit() {
 
 void ChangePasswordDialog::AfterChange() {
     // Saves the host's configuration so that the new password survives a reboot.
-    const char* const backup[] = {"backup.sh", nullptr};
-    RunCommand("/sbin/backup.sh", backup);
-    RefreshHostAgent();
+    _host.Run("/sbin/backup.sh", {"backup.sh"});
+    _host.RefreshAgent();
     syslog(LOG_INFO, "Login password for user %s has changed", _loginName.c_str());
-    HostEvent::Post(
+    _host.PostEvent(
         HostEvent::Text("obs.user.kovo.login.passwd.changed", "Login password for user " + _loginName + " changed"));
     _isUserPasswordEmpty = _fields[kNew]->GetValue().empty();
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "access/Pam.h"
-#include "app/Dialog.h"
+#include "app/frames/Dialog.h"
+#include "app/frames/HostAccess.h"
 
 namespace Kovo {
 
@@ -20,18 +20,21 @@ enum class NewPasswordCheck { Mismatch, Empty, SameAsOld, Ready };
 NewPasswordCheck CheckNewPassword(const std::string& oldPassword, const std::string& newPassword,
                                   const std::string& confirmed);
 
-// Sets a new login password for the session's user. HandleKey returns 1 when the password was changed,
+// "Configure Password": sets a new login password for the session's user. HandleKey returns 1 when the password was changed,
 // 0 when left with Esc.
 class ChangePasswordDialog : public Dialog {
   public:
-    explicit ChangePasswordDialog(Frame* parent);
-    ChangePasswordDialog(Frame* parent, PamOps pam);
+    explicit ChangePasswordDialog(Frame* parent, HostAccess& host = HostAccess::System());
+    ChangePasswordDialog(Frame* parent, PamOps pam, HostAccess& host = HostAccess::System());
     ~ChangePasswordDialog() override;
 
     int HandleKey() override;
 
     const InputItem& Field(int index) const { return *_fields[index]; }
-    ItemList& List() const { return *_list; }
+    ItemList& List() { return Items(); }
+
+  protected:
+    bool OnKey(int key) override;
 
   private:
     enum Field { kOld, kNew, kConfirm, kFieldCount };
@@ -43,8 +46,8 @@ class ChangePasswordDialog : public Dialog {
     void AfterChange();
 
     PamOps _pam;
-    ItemList* _list = nullptr;  // owned by the window tree
-    std::unique_ptr<InputItem> _fields[kFieldCount];
+    HostAccess& _host;
+    InputItem* _fields[kFieldCount];  // owned by the dialog's items
 };
 
 }  // namespace Kovo

@@ -8,17 +8,17 @@
 #include "access/ChangePasswordDialog.h"
 #include "access/LoginAudit.h"
 #include "access/SmartCardLogin.h"
-#include "app/CommandRunner.h"
-#include "app/HostEvent.h"
-#include "app/KeyReader.h"
-#include "app/MessageDialog.h"
-#include "app/Startup.h"
+#include "app/frames/Footers.h"
+#include "app/frames/MessageDialog.h"
+#include "app/terminal/Keys.h"
+#include "app/terminal/Session.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/zenkctl/DnsConfigImpl.h"
+#include "platform/zenkctl/SmartCardInfoImpl.h"
 #include "platform/zenkctl/SystemInfoImpl.h"
+#include "text/ItemList.h"
 #include "system/KeyboardDialog.h"
 #include "text/InputItem.h"
-#include "text/ItemList.h"
 #include "text/LabelItem.h"
 #include "text/StringFactory.h"
 
@@ -26,8 +26,6 @@ namespace Kovo {
 
 namespace {
 
-constexpr int kWidth = 60, kHeight = 13, kHeaderHeight = 6;
-constexpr int kEsc = 27, kTab = 9, kEnter = 10, kCtrlH = 8;
 
 enum StringId : unsigned {
     kTitle = 136,
@@ -43,15 +41,6 @@ enum StringId : unsigned {
     kExpired = 148,
 };
 
-constexpr const char* kFooter =
-    "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}  {color:black}<Esc>{/color} "
-    "{color:dark-grey}Cancel{/color}{/align}";
-// Kept as the operator has always seen it: "{align:left}" and the colour "black>" are not markup tags,
-// so "<F3>" keeps the footer's own colours.
-constexpr const char* kCardFooter =
-    "{align:left}{color:black>}<F3>{/color} {color:dark-grey}Switch PIN/Password Login{/color}{/align}"
-    "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}  {color:black}<Esc>{/color} "
-    "{color:dark-grey}Cancel{/color}{/align}";
 constexpr const char* kLoginFailedEvent = "@&!*@*@(obs.user.kovo.login.failed)";
 
 bool IsFieldKey(int key) {
@@ -69,17 +58,17 @@ bool IsFieldKey(int key) {
     }
 }
 
-std::string KeyboardText() {
+}  // namespace
+
+std::string LoginDialog::KeyboardText() {
     std::string layout;
     try {
-        layout = ZenkCtl::System::SystemInfoImpl().GetKeyboardLayout();
+        layout = _host.SystemInfo()->GetKeyboardLayout();
     } catch (const HostCtl::Lib::HostCtlException& e) {
         syslog(LOG_ERR, "Unable to read the keyboard layout: %s", e.what());
     }
     return "Configured Keyboard (" + layout + ")";
 }
-
-}  // namespace
 
 LoginKey RouteLoginKey(int key, int focused, int itemCount, bool hasKeyboardItem) {
     const bool onLast = focused >= itemCount - 1;
@@ -104,11 +93,11 @@ LoginKey RouteLoginKey(int key, int focused, int itemCount, bool hasKeyboardItem
     }
 }
 
-std::string HostNameAndDomain() {
+std::string HostNameAndDomain(HostAccess& host) {
     try {
-        ZenkCtl::Network::DnsConfigImpl dns("defaultNetStack");
-        std::string name = dns.GetHostname();
-        const std::string domain = dns.GetDomain();
+        auto dns = host.Dns();
+        std::string name = dns->GetHostname();
+        const std::string domain = dns->GetDomain();
         if (!domain.empty()) name += "." + domain;
         return name;
     } catch (const HostCtl::Lib::HostCtlException& e) {
@@ -117,15 +106,14 @@ std::string HostNameAndDomain() {
     }
 }
 
-LoginDialog::LoginDialog(Frame* parent) : LoginDialog(parent, PamOps{}) {}
+LoginDialog::LoginDialog(Frame* parent, HostAccess& host) : LoginDialog(parent, PamOps{}, host) {}
 
-LoginDialog::LoginDialog(Frame* parent, PamOps pam)
-    : Dialog(parent, kWidth, kHeight, kHeaderHeight), _pam(pam), _pinMode(!_smartCardLoginId.empty()) {
-    Window* content = Content();
-    _list = new ItemList(content, 0, 0, content->Width(), content->Height());
-    if (usingKeyboard) _keyboard = std::make_unique<LabelItem>(KeyboardText(), true);
-    SetTitle(Strings()->GetString(kTitle));
-    SetFooter(_smartCardLoginId.empty() ? kFooter : kCardFooter);
+LoginDialog::LoginDialog(Frame* parent, PamOps pam, HostAccess& host)
+    : Dialog(parent, {60, 13, 6, kTitle, 0, _smartCardLoginId.empty() ? Footer::kOkCancel : Footer::kSwitchLoginOkCancel}),
+      _pam(pam),
+      _host(host),
+      _hasKeyboard(usingKeyboard),
+      _pinMode(!_smartCardLoginId.empty()) {
     SetMode(_pinMode);
 }
 
@@ -133,85 +121,86 @@ LoginDialog::~LoginDialog() = default;
 
 void LoginDialog::SetMode(bool pinMode) {
     _pinMode = pinMode;
-    SetText(std::string(Strings()->GetString(pinMode ? kPinPrompt : kPasswordPrompt)) + HostNameAndDomain());
-    _name = std::make_unique<InputItem>(Strings()->GetString(pinMode ? kLoginId : kLoginName),
-                                        pinMode ? _smartCardLoginId : std::string("root"), -1);
-    _secret = std::make_unique<InputItem>(Strings()->GetString(pinMode ? kPin : kPassword), "", -1);
+    SetText(std::string(Strings()->GetString(pinMode ? kPinPrompt : kPasswordPrompt)) + HostNameAndDomain(_host));
+    ClearItems();
+    if (_hasKeyboard) _keyboard = &AddLabel(KeyboardText(), true);
+    _name = &AddField(Strings()->GetString(pinMode ? kLoginId : kLoginName),
+                      pinMode ? _smartCardLoginId : std::string("root"), -1, FieldKeys::Printable);
+    _secret = &AddField(Strings()->GetString(pinMode ? kPin : kPassword), "", -1, FieldKeys::Printable);
     _secret->SetMasked(true);
-    std::vector<Item*> items;
-    if (_keyboard) items.push_back(_keyboard.get());
-    items.push_back(_name.get());
-    items.push_back(_secret.get());
-    _list->SetItems(items);
-    _list->Draw();
+    ShowItems();
+    Items().Draw();
 }
 
 void LoginDialog::Focus(int ordinal) {
-    _list->Select(ordinal);
-    _list->Draw();
+    Items().Select(ordinal);
+    Items().Draw();
 }
 
 int LoginDialog::HandleKey() {
     SetActive(true);
     SetCursor(true);
     Focus(0);
-    const int itemCount = _keyboard ? 3 : 2;
-    for (;;) {
-        const int key = GetKey(this, true);
-        switch (RouteLoginKey(key, _list->GetSelected(), itemCount, _keyboard != nullptr)) {
-            case LoginKey::Cancel:
-                SetCursor(false);
-                SetActive(false);
-                return 0;
-            case LoginKey::Previous:
-                _list->Up();
+    const int result = RunKeys();
+    SetCursor(false);
+    SetActive(false);
+    return result;
+}
+
+bool LoginDialog::OnKey(int key) {
+    const int itemCount = _hasKeyboard ? 3 : 2;
+    switch (RouteLoginKey(key, Items().GetSelected(), itemCount, _hasKeyboard)) {
+        case LoginKey::Cancel:
+            Close(0);
+            break;
+        case LoginKey::Previous:
+            Items().Up();
+            break;
+        case LoginKey::Next:
+            Items().Down();
+            break;
+        case LoginKey::First:
+            Focus(0);
+            break;
+        case LoginKey::ToggleMode:
+            SetMode(!_pinMode);
+            break;
+        case LoginKey::Edit:
+            FocusedField()->EditKey(key);
+            Items().Draw();
+            break;
+        case LoginKey::Keyboard:
+            ChangeKeyboard();
+            break;
+        case LoginKey::Submit:
+            if (TryLogin()) {
+                Close(1);
                 break;
-            case LoginKey::Next:
-                _list->Down();
-                break;
-            case LoginKey::First:
-                Focus(0);
-                break;
-            case LoginKey::ToggleMode:
-                SetMode(!_pinMode);
-                break;
-            case LoginKey::Edit:
-                static_cast<InputItem*>(_list->GetSelectedItem())->EditKey(key);
-                _list->Draw();
-                break;
-            case LoginKey::Keyboard:
-                ChangeKeyboard();
-                break;
-            case LoginKey::Submit:
-                if (TryLogin()) {
-                    SetCursor(false);
-                    SetActive(false);
-                    return 1;
-                }
-                _secret->SetValue("");
-                _list->Draw();
-                break;
-            case LoginKey::Ignore:
-                break;
-        }
+            }
+            _secret->SetValue("");
+            Items().Draw();
+            break;
+        case LoginKey::Ignore:
+            break;
     }
+    return true;
 }
 
 void LoginDialog::ChangeKeyboard() {
     try {
-        KeyboardDialog keyboard(this);
+        KeyboardDialog keyboard(this, _host);
         keyboard.RunModal();
     } catch (const HostCtl::Lib::HostCtlException& e) {
         syslog(LOG_ERR, "Unable to change the keyboard layout: %s", e.what());
     }
     // Show the layout the host uses now, whatever the dialog managed to do.
     _keyboard->SetText(KeyboardText());
-    _list->Draw();
+    Items().Draw();
 }
 
 void LoginDialog::SetSessionUser() {
     _loginName = _userName;
-    _isLoggedWithSmartCard = HasSmartCardForUser(_userName);
+    _isLoggedWithSmartCard = HasSmartCardForUser(*_host.SmartCards(), _userName);
 }
 
 bool LoginDialog::TryLogin() {
@@ -235,7 +224,7 @@ bool LoginDialog::TryLogin() {
             // The host event deliberately carries the access-denied text.
             Fail("Password has expired for user " + _userName, "Password expired",
                  "Access denied for user " + _userName, kExpired);
-            ChangePasswordDialog change(this, _pam);
+            ChangePasswordDialog change(this, _pam, _host);
             change.RunModal();
             return false;
         }
@@ -251,7 +240,7 @@ void LoginDialog::Fail(const std::string& logLine, const char* reason, const std
                        unsigned messageId) {
     syslog(LOG_AUTH | LOG_ERR, "%s", logLine.c_str());
     AuditLogin("login.connect", _userName, false, reason);
-    HostEvent::Post(kLoginFailedEvent + eventMessage);
+    _host.PostEvent(kLoginFailedEvent + eventMessage);
     MessageDialog message(this, kFailedTitle, messageId);
     message.RunModal();
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "access/Pam.h"
-#include "app/Dialog.h"
+#include "app/frames/Dialog.h"
+#include "app/frames/HostAccess.h"
 
 namespace Kovo {
 
@@ -16,12 +16,12 @@ class LabelItem;
 enum class LoginKey { Ignore, Cancel, Previous, Next, First, ToggleMode, Edit, Keyboard, Submit };
 LoginKey RouteLoginKey(int key, int focused, int itemCount, bool hasKeyboardItem);
 
-// Asks for a login name and password (or a smart card's login id and PIN) and checks them through PAM.
+// "Authentication Required": asks for a login name and password (or a smart card's login id and PIN) and checks them through PAM.
 // HandleKey returns 1 after a successful login (the session's user is set), 0 when left with Esc.
 class LoginDialog : public Dialog {
   public:
-    explicit LoginDialog(Frame* parent);
-    LoginDialog(Frame* parent, PamOps pam);
+    explicit LoginDialog(Frame* parent, HostAccess& host = HostAccess::System());
+    LoginDialog(Frame* parent, PamOps pam, HostAccess& host = HostAccess::System());
     ~LoginDialog() override;
 
     int HandleKey() override;
@@ -29,7 +29,10 @@ class LoginDialog : public Dialog {
     bool PinMode() const { return _pinMode; }
     const InputItem& NameField() const { return *_name; }
     const InputItem& SecretField() const { return *_secret; }
-    ItemList& List() const { return *_list; }
+    ItemList& List() { return Items(); }
+
+  protected:
+    bool OnKey(int key) override;
 
   private:
     void SetMode(bool pinMode);
@@ -43,17 +46,22 @@ class LoginDialog : public Dialog {
               unsigned messageId);
     void SetSessionUser();
 
+    // The host's keyboard layout as the keyboard line shows it.
+    std::string KeyboardText();
+
     PamOps _pam;
-    ItemList* _list = nullptr;  // owned by the window tree
-    std::unique_ptr<LabelItem> _keyboard;
-    std::unique_ptr<InputItem> _name;
-    std::unique_ptr<InputItem> _secret;
+    HostAccess& _host;
+    bool _hasKeyboard;
+    // Owned by the dialog's items.
+    LabelItem* _keyboard = nullptr;
+    InputItem* _name = nullptr;
+    InputItem* _secret = nullptr;
     bool _pinMode;
     std::string _userName;
 };
 
 // The host's name and domain as dialogs address it ("host01.lab.example"); empty when unknown.
-std::string HostNameAndDomain();
+std::string HostNameAndDomain(HostAccess& host = HostAccess::System());
 
 
 }  // namespace Kovo

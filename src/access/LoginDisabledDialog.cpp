@@ -1,32 +1,23 @@
 #include "access/LoginDisabledDialog.h"
 
-#include <curses.h>
-
-#include <string>
-
 #include "access/LoginDialog.h"
-#include "app/KeyReader.h"
+#include "app/frames/Footers.h"
+#include "app/terminal/Keys.h"
 #include "text/StringFactory.h"
 
 namespace Kovo {
 
 namespace {
-constexpr int kWidth = 60, kHeight = 9, kHeaderHeight = 6;
-constexpr int kEsc = 27, kEnter = 10;
 constexpr unsigned kTitle = 139, kDisabled = 140;
 }  // namespace
 
-LoginDisabledDialog::LoginDisabledDialog(Frame* parent) : Dialog(parent, kWidth, kHeight, kHeaderHeight) {
-    SetTitle(Strings()->GetString(kTitle));
+LoginDisabledDialog::LoginDisabledDialog(Frame* parent) : Dialog(parent, {60, 9, 6, kTitle, 0, Footer::kOk}) {
     SetText(std::string(Strings()->GetString(kDisabled)) + HostNameAndDomain());
-    SetFooter("{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}{/align}");
 }
 
-int LoginDisabledDialog::HandleKey() {
-    for (;;) {
-        const int key = GetKey(this, true);
-        if (key == kEnter || key == KEY_ENTER || key == kEsc) return 0;
-    }
+bool LoginDisabledDialog::OnKey(int key) {
+    if (IsEnter(key) || key == kEsc) Close(0);
+    return true;
 }
 
 }  // namespace Kovo

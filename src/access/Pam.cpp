@@ -5,7 +5,7 @@
 
 #include <cstdlib>
 
-#include "app/Startup.h"
+#include "app/terminal/Session.h"
 
 namespace Kovo {
 

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "app/Dialog.h"
+#include "app/frames/ConfirmDialog.h"
 
 namespace Kovo {
 
-// Asks whether a new password equal to the old one is really meant: 1 for Enter, 0 for Esc.
-class SamePasswordConfirmDialog : public Dialog {
+// "Configure Password: Warning": asks whether a new password equal to the old one is really meant;
+// 1 for Enter, 0 for Esc.
+class SamePasswordConfirmDialog : public ConfirmDialog {
   public:
     explicit SamePasswordConfirmDialog(Frame* parent);
-    int HandleKey() override;
 };
 
 }  // namespace Kovo

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <functional>
 
-#include "app/Frame.h"
+#include "app/frames/Frame.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/zenkctl/SmartCardInfoImpl.h"
 
@@ -59,19 +59,14 @@ bool CheckSmartCard(ZenkCtl::Hardware::SmartCardInfoImpl& cards) {
     return false;
 }
 
-std::string FindSmartCardUser() {
-    ZenkCtl::Hardware::SmartCardInfoImpl cards;
-    return FindSmartCardUser(cards);
+std::string FindSmartCardUser(HostAccess& host) { return FindSmartCardUser(*host.SmartCards()); }
+
+bool HasSmartCardForUser(const std::string& user, HostAccess& host) {
+    return HasSmartCardForUser(*host.SmartCards(), user);
 }
 
-bool HasSmartCardForUser(const std::string& user) {
-    ZenkCtl::Hardware::SmartCardInfoImpl cards;
-    return HasSmartCardForUser(cards, user);
-}
-
-void CheckSmartCard() {
-    ZenkCtl::Hardware::SmartCardInfoImpl cards;
-    if (CheckSmartCard(cards)) exit(0);
+void CheckSmartCard(HostAccess& host) {
+    if (CheckSmartCard(*host.SmartCards())) exit(0);
 }
 
 }  // namespace Kovo

@@ -11,12 +11,12 @@
 #include <sstream>
 #include <vector>
 
-#include "app/Colors.h"
+#include "app/terminal/Colors.h"
 #include "access/LoginAudit.h"
 #include "access/LoginDialog.h"
 #include "access/LoginDisabledDialog.h"
-#include "app/KeyReader.h"
-#include "app/KovoTimeout.h"
+#include "app/terminal/KeyReader.h"
+#include "app/terminal/KovoTimeout.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/zenkctl/CpuInfoImpl.h"
 #include "platform/zenkctl/DnsConfigImpl.h"
@@ -70,7 +70,9 @@ std::string Trim(const std::string& text) {
 
 }  // namespace
 
-WelcomeWindow::WelcomeWindow() : Frame(nullptr, 0, 0, COLS, LINES, kBlack, kWhite) { Build(); }
+WelcomeWindow::WelcomeWindow(HostAccess& host) : Frame(nullptr, 0, 0, COLS, LINES, kBlack, kWhite), _host(host) {
+    Build();
+}
 
 std::string WelcomeWindow::MemoryLine(uint64_t totalBytes) {
     uint64_t unit = 1048576;
@@ -94,17 +96,17 @@ std::string WelcomeWindow::ProductBlock() const {
 }
 
 std::string WelcomeWindow::HardwareLine() const {
-    ZenkCtl::Hardware::HardwareInfoImpl hardware;
-    const std::string vendor = Trim(hardware.GetVendorName());
-    const std::string product = Trim(hardware.GetProductName());
+    auto hardware = _host.Hardware();
+    const std::string vendor = Trim(hardware->GetVendorName());
+    const std::string product = Trim(hardware->GetProductName());
     if (product.rfind(vendor, 0) == 0) return product;
     return vendor + " " + product;
 }
 
 std::string WelcomeWindow::ProcessorLine() const {
-    ZenkCtl::Hardware::CpuInfoImpl cpu;
-    const std::string model = Trim(cpu.GetModelName());
-    const uint32_t packages = cpu.GetNumCpuPackages();
+    auto cpu = _host.Cpu();
+    const std::string model = Trim(cpu->GetModelName());
+    const uint32_t packages = cpu->GetNumCpuPackages();
     if (packages < 2) return model;
     return std::to_string(packages) + " x " + model;
 }
@@ -112,11 +114,11 @@ std::string WelcomeWindow::ProcessorLine() const {
 std::string WelcomeWindow::AddressText() {
     _dhcpWaiting = false;
     std::string text = Strings()->GetString(kManageHeading);
-    const std::string hostname = ZenkCtl::Network::DnsConfigImpl("defaultNetStack").GetHostname();
+    const std::string hostname = _host.Dns()->GetHostname();
     if (!hostname.empty() && hostname != "localhost") text += "\nhttps://" + hostname + "/ ";
 
-    ZenkCtl::Network::NetworkInfoImpl network;
-    auto nic = network.GetManagementInterface();
+    auto network = _host.Network();
+    auto nic = network->GetManagementInterface();
     if (!nic) return text;
     const HostCtl::Network::IpConfig config = nic->GetIpConfig();
     if (!config.GetIpv4UseNone()) {
@@ -128,7 +130,7 @@ std::string WelcomeWindow::AddressText() {
         }
         text += "\nhttps://" + address + "/ (" + Strings()->GetString(label) + ")";
     }
-    if (network.IsZenkIpv6Enabled()) {
+    if (network->IsZenkIpv6Enabled()) {
         std::vector<std::string> lines;
         for (const auto& net : config.GetIpv6Network()) {
             std::string line = "https://[" + net.GetAddress().GetStringAddress() + "]/ ";
@@ -170,12 +172,12 @@ void WelcomeWindow::FillIdentity() {
     fill(_product, [this] { return ProductBlock(); });
     fill(_oneRow, [this] { return HardwareLine(); });
     fill(_twoRow, [this] {
-        ZenkCtl::Hardware::MemoryInfoImpl memory;
-        return ProcessorLine() + "\n" + MemoryLine(memory.GetTotalPages() * memory.GetPageSize());
+        auto memory = _host.Memory();
+        return ProcessorLine() + "\n" + MemoryLine(memory->GetTotalPages() * memory->GetPageSize());
     });
     fill(_sevenRow, [this] {
-        if (!ZenkCtl::Network::NetworkInfoImpl().GetPnics().empty()) return AddressText();
-        ZenkCtl::System::SystemInfoImpl().SetSystemAlert(kNoAdapterAlert);
+        if (!_host.Network()->GetPnics().empty()) return AddressText();
+        _host.SystemInfo()->SetSystemAlert(kNoAdapterAlert);
         return std::string(kNoAdapter);
     });
     fill(_warning, [this] { return WarningText(); });
@@ -232,18 +234,18 @@ void WelcomeWindow::RunSession(bool customize) {
             LoginDisabledDialog(this).RunModal();
             return;
         }
-        auto login = std::make_unique<LoginDialog>(this);
+        auto login = std::make_unique<LoginDialog>(this, _host);
         if (!login->RunModal()) return;
         if (customize) {
             SetLoggedIn(true);
-            auto menu = std::make_unique<GeneralWindow>(this);
+            auto menu = std::make_unique<GeneralWindow>(this, _host);
             menu->RunModal();
             SetLoggedIn(false);
             syslog(LOG_INFO, "User %s logged out", Frame::_loginName.c_str());
             AuditLogin("login.disconnect", Frame::_loginName, true, "Session closed");
             Build();
         } else {
-            ShutdownDialog(this).RunModal();
+            ShutdownDialog(this, _host).RunModal();
             Build();
         }
     } catch (const KovoTimeout&) {

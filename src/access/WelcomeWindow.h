@@ -3,7 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "app/Frame.h"
+#include "app/frames/Frame.h"
+#include "app/frames/HostAccess.h"
 
 namespace Kovo {
 
@@ -13,7 +14,7 @@ class TextArea;
 // that lead to a login. It owns the session round trip and ends idle sessions.
 class WelcomeWindow : public Frame {
 public:
-    WelcomeWindow();
+    explicit WelcomeWindow(HostAccess& host = HostAccess::System());
     int HandleKey() override;
     void Notification() override;
 
@@ -35,6 +36,7 @@ private:
     void FillIdentity();
     std::string WarningText();
 
+    HostAccess& _host;
     Window* _upper = nullptr;
     Window* _lower = nullptr;
     TextArea* _sevenRow = nullptr;

@@ -6,10 +6,11 @@
 #include <algorithm>
 
 #include "access/ChangePasswordDialog.h"
-#include "app/CommandRunner.h"
-#include "app/KeyReader.h"
-#include "app/MessageDialog.h"
-#include "app/Startup.h"
+#include "app/terminal/KeyReader.h"
+#include "app/frames/Footers.h"
+#include "app/frames/MessageDialog.h"
+#include "app/terminal/Keys.h"
+#include "app/terminal/Session.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/ZenkNic.h"
 #include "platform/zenkctl/NetworkInfoImpl.h"
@@ -28,15 +29,6 @@
 namespace Kovo {
 
 namespace {
-
-enum Key : int {
-    kEnter = 10,
-    kEscape = 27,
-    kDown = KEY_DOWN,
-    kUp = KEY_UP,
-    kPageDown = KEY_NPAGE,
-    kPageUp = KEY_PPAGE,
-};
 
 enum StringId : unsigned {
     kVersionLine = 2,
@@ -59,11 +51,6 @@ enum StringId : unsigned {
     kDisabled = 114,
 };
 
-constexpr const char* kListFooter =
-    "{color:black}<Up/Down>{/color} {color:dark-grey}Select{/color}  "
-    "{color:black}<Esc>{/color} {color:dark-grey}Log Out{/color}";
-constexpr const char* kEnterFooter =
-    "{align:right}{color:white}<Enter>{/color} {color:light-grey}Change{/color}{/align}";
 
 // A host value for the detail pane; a host that cannot tell it leaves the line out.
 std::string Guarded(std::string (*read)()) {
@@ -75,11 +62,11 @@ std::string Guarded(std::string (*read)()) {
     }
 }
 
-bool LookUpManagementInterface() {
+bool LookUpManagementInterface(HostAccess& host) {
     try {
-        ZenkCtl::Network::NetworkInfoImpl network;
-        network.UpdateManagementInterface();
-        auto nic = network.GetManagementInterface();
+        auto network = host.Network();
+        network->UpdateManagementInterface();
+        auto nic = network->GetManagementInterface();
         const bool valid = nic && nic->IsValid();
         GeneralWindow::_mgmtIntf = valid ? std::move(nic) : nullptr;
         return valid;
@@ -94,13 +81,13 @@ bool LookUpManagementInterface() {
 
 std::unique_ptr<HostCtl::Network::ZenkNic> GeneralWindow::_mgmtIntf;
 
-MenuFacts GeneralWindow::ReadHostFacts() {
+MenuFacts GeneralWindow::ReadHostFacts(HostAccess& host) {
     MenuFacts facts;
-    facts.lockdownEnabled = HclCmdQuery("hclsvc/auth/lockdown_is_enabled");
-    facts.lockdownPossible = facts.lockdownEnabled || HclCmdQuery("hclsvc/auth/lockdown_is_possible");
-    facts.managementInterface = LookUpManagementInterface();
+    facts.lockdownEnabled = host.Query("hclsvc/auth/lockdown_is_enabled");
+    facts.lockdownPossible = facts.lockdownEnabled || host.Query("hclsvc/auth/lockdown_is_possible");
+    facts.managementInterface = LookUpManagementInterface(host);
     try {
-        facts.pxeBoot = ZenkCtl::Adv::UserAdvancedOptionImpl().FindOption("PXEBootEnabled") != nullptr;
+        facts.pxeBoot = host.UserOptions()->FindOption("PXEBootEnabled") != nullptr;
     } catch (const HostCtl::Lib::HostCtlException& e) {
         syslog(LOG_ERR, "Unable to read the host's boot options: %s", e.what());
     }
@@ -108,10 +95,10 @@ MenuFacts GeneralWindow::ReadHostFacts() {
     return facts;
 }
 
-GeneralWindow::GeneralWindow(Frame* parent) : GeneralWindow(parent, ReadHostFacts()) {}
+GeneralWindow::GeneralWindow(Frame* parent, HostAccess& host) : GeneralWindow(parent, ReadHostFacts(host), host) {}
 
-GeneralWindow::GeneralWindow(Frame* parent, const MenuFacts& facts)
-    : RootWindow(parent), _lockdownEnabled(facts.lockdownEnabled) {
+GeneralWindow::GeneralWindow(Frame* parent, const MenuFacts& facts, HostAccess& host)
+    : RootWindow(parent), _host(host), _lockdownEnabled(facts.lockdownEnabled) {
     std::vector<Item*> items;
     for (const MenuEntry& entry : facts.Entries()) {
         auto item = std::make_unique<LabelItem>(Strings()->GetString(entry.code), entry.selectable);
@@ -122,7 +109,7 @@ GeneralWindow::GeneralWindow(Frame* parent, const MenuFacts& facts)
     }
     List()->SetItems(items);
     LeftTitle()->SetText(Strings()->GetString(kMenuTitle));
-    LeftFooter()->SetText(kListFooter);
+    LeftFooter()->SetText(Footer::kMenuSelectLogOut);
     List()->Draw();
     DrawDetails();
     DrawStatusLine();
@@ -165,7 +152,7 @@ void GeneralWindow::DrawDetails() {
     const unsigned code = SelectedCode();
     StringFactory& strings = *Strings();
     std::string text;
-    std::string footer = kEnterFooter;
+    std::string footer = Footer::kDetailChange;
     switch (code) {
         case kConfigurePassword:
             text = strings.GetString(Frame::_isUserPasswordEmpty ? kEmptyPasswordHelp : kPasswordHelp);
@@ -224,30 +211,30 @@ void GeneralWindow::Notification() {
 void GeneralWindow::Choose(unsigned code) {
     switch (code) {
         case kConfigurePassword:
-            ChangePasswordDialog(this).RunModal();
+            ChangePasswordDialog(this, _host).RunModal();
             // A password set where there was none changes what the pane asks for.
             DrawDetails();
             break;
         case kConfigureLockdown:
-            if (LockdownDialog(this).RunModal() != 0) {
-                _lockdownEnabled = HclCmdQuery("hclsvc/auth/lockdown_is_enabled");
+            if (LockdownDialog(this, _host).RunModal() != 0) {
+                _lockdownEnabled = _host.Query("hclsvc/auth/lockdown_is_enabled");
                 DrawDetails();
             }
             break;
         case kRestartNetwork:
-            if (!LookUpManagementInterface()) {
+            if (!LookUpManagementInterface(_host)) {
                 MessageDialog(this, kRestartNetworkError, kNoManagementInterface).RunModal();
             }
             break;
         case kTroubleshooting:
-            TroubleShootingWindow(this).RunModal();
+            TroubleShootingWindow(this, _host).RunModal();
             break;
         case kResetConfiguration:
-            RestoreDialog(this).RunModal();
+            RestoreDialog(this, _host).RunModal();
             break;
         case kConfigureKeyboard:
             try {
-                KeyboardDialog(this).RunModal();
+                KeyboardDialog(this, _host).RunModal();
             } catch (const HostCtl::Lib::HostCtlException& e) {
                 // The keyboard dialog passes the host's failures to its caller: report, stay in the menu.
                 syslog(LOG_ERR, "%s", e.what());
@@ -274,26 +261,26 @@ void GeneralWindow::OpenLog(int row) {
 bool GeneralWindow::OnKey(int key) {
     const unsigned code = SelectedCode();
     switch (key) {
-        case kEscape:
+        case kEsc:
             return false;
-        case kDown:
-        case kUp:
+        case KEY_DOWN:
+        case KEY_UP:
             // Support information always opens on its first page.
             _supportPage = 0;
-            key == kDown ? List()->Down() : List()->Up();
+            key == KEY_DOWN ? List()->Down() : List()->Up();
             DrawDetails();
             return true;
         case kEnter:
             Choose(code);
             DrawStatusLine();
             return true;
-        case kPageDown:
+        case KEY_NPAGE:
             if (code == kViewSupportInfo && _supportPage + 1 < _support.Count()) {
                 ++_supportPage;
                 DrawDetails();
             }
             return true;
-        case kPageUp:
+        case KEY_PPAGE:
             if (code == kViewSupportInfo && _supportPage > 0) {
                 --_supportPage;
                 DrawDetails();

@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "app/RootWindow.h"
+#include "app/frames/HostAccess.h"
+#include "app/frames/RootWindow.h"
 #include "system/MenuFacts.h"
 #include "system/SupportPages.h"
 #include "system/SystemLogs.h"
@@ -23,9 +24,9 @@ class LabelItem;
 class GeneralWindow : public RootWindow {
   public:
     // Builds the menu for the host as it is now.
-    explicit GeneralWindow(Frame* parent);
+    explicit GeneralWindow(Frame* parent, HostAccess& host = HostAccess::System());
     // Builds the menu for a host described by `facts`.
-    GeneralWindow(Frame* parent, const MenuFacts& facts);
+    GeneralWindow(Frame* parent, const MenuFacts& facts, HostAccess& host = HostAccess::System());
     ~GeneralWindow() override;
 
     // The menu loop; returns 1 when the operator leaves with Esc.
@@ -35,7 +36,7 @@ class GeneralWindow : public RootWindow {
 
     // Reads the host for the menu: the lockdown queries, the management interface (cached in
     // _mgmtIntf), the network-boot option and the keyboard.
-    static MenuFacts ReadHostFacts();
+    static MenuFacts ReadHostFacts(HostAccess& host);
 
     // The host's management interface as last looked up; null when the host has none.
     static std::unique_ptr<HostCtl::Network::ZenkNic> _mgmtIntf;
@@ -53,6 +54,7 @@ class GeneralWindow : public RootWindow {
     void Choose(unsigned code);
     void OpenLog(int row);
 
+    HostAccess& _host;
     std::vector<unsigned> _codes;
     std::vector<std::unique_ptr<LabelItem>> _items;
     unsigned _supportPage = 0;

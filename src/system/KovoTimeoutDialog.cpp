@@ -4,8 +4,9 @@
 
 #include <climits>
 
-#include "app/MessageDialog.h"
-#include "app/Startup.h"
+#include "app/frames/Footers.h"
+#include "app/frames/MessageDialog.h"
+#include "app/terminal/Session.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/zenkctl/AdvancedOptionImpl.h"
 
@@ -13,20 +14,19 @@ namespace Kovo {
 
 namespace {
 
-constexpr int kWidth = 70, kHeight = 15, kHeaderHeight = 9;
 constexpr unsigned kTitle = 264, kBody = 265, kLabel = 266, kInvalidTitle = 262;
 constexpr uint32_t kDefaultSeconds = 600;
 
 }  // namespace
 
-KovoTimeoutDialog::KovoTimeoutDialog(Frame* parent, ActionHost& host)
-    : TimeoutDialog(parent, kWidth, kHeight, kHeaderHeight, kTitle, kBody, host), _seconds(ReadSeconds()) {
-    AddField(kLabel, _seconds / 60);
+KovoTimeoutDialog::KovoTimeoutDialog(Frame* parent, HostAccess& host)
+    : TimeoutDialog(parent, {70, 15, 9, kTitle, kBody, Footer::kOkCancel}, host), _seconds(ReadSeconds()) {
+    AddMinutesField(kLabel, _seconds / 60);
 }
 
 uint32_t KovoTimeoutDialog::ReadSeconds() {
     try {
-        auto option = ZenkCtl::Adv::AdvancedOptionImpl(Host().Store()).FindOption(KOVO_TIMEOUT_VAR);
+        auto option = Host().Options()->FindOption(KOVO_TIMEOUT_VAR);
         if (!option || !option->IsInteger()) return kDefaultSeconds;
         const int64_t value = option->GetIntValue();
         if (value < 0) return kDefaultSeconds;
@@ -40,7 +40,7 @@ void KovoTimeoutDialog::Apply() {
     const std::optional<uint32_t> minutes = ReadMinutes(0);
     if (!minutes || *minutes * 60 == _seconds) return;
     try {
-        auto option = ZenkCtl::Adv::AdvancedOptionImpl(Host().Store()).FindOption(KOVO_TIMEOUT_VAR);
+        auto option = Host().Options()->FindOption(KOVO_TIMEOUT_VAR);
         // A host without the option keeps its fixed time-out.
         if (!option || !option->IsInteger()) return;
         option->SetIntValue(*minutes * 60);

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "system/ActionHost.h"
+#include "app/frames/HostAccess.h"
 #include "system/TimeoutDialog.h"
 
 namespace Kovo {
@@ -11,7 +11,7 @@ namespace Kovo {
 // to this session.
 class KovoTimeoutDialog : public TimeoutDialog {
   public:
-    explicit KovoTimeoutDialog(Frame* parent, ActionHost& host = ActionHost::System());
+    explicit KovoTimeoutDialog(Frame* parent, HostAccess& host = HostAccess::System());
 
     uint32_t CurrentSeconds() const { return _seconds; }
 

@@ -1,44 +1,40 @@
 #include "system/LockdownDialog.h"
 
-#include <curses.h>
 #include <syslog.h>
 
 #include <string>
 
-#include "app/KeyReader.h"
-#include "app/Startup.h"
+#include "app/frames/Footers.h"
+#include "app/terminal/Keys.h"
+#include "app/terminal/Session.h"
 #include "text/CheckItem.h"
-#include "text/ItemList.h"
 #include "text/StringFactory.h"
 
 namespace Kovo {
 
 namespace {
-
-constexpr int kWidth = 70, kHeight = 11, kHeaderHeight = 6;
-constexpr int kEsc = 27, kSpace = ' ', kEnter = 10;
 constexpr int kCapture = 255;
 constexpr unsigned kTitle = 245, kBody = 246, kBoxLabel = 247;
-constexpr const char* kFooter =
-    "{color:black}<Space>{/color} {color:dark-grey}Toggle "
-    "Selected{/color}{align:right}{color:black}<Enter>{/color} "
-    "{color:dark-grey}OK{/color}  {color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
-
+constexpr const char* kEnabledQuery = "hclsvc/auth/lockdown_is_enabled";
 }  // namespace
 
-LockdownDialog::LockdownDialog(Frame* parent, ActionHost& host)
-    : Dialog(parent, kWidth, kHeight, kHeaderHeight),
+LockdownDialog::LockdownDialog(Frame* parent, HostAccess& host)
+    : Dialog(parent, {70, 11, 6, kTitle, kBody, Footer::kToggleOkCancel}),
       _host(host),
-      _list(new ItemList(Content(), 0, 0, Content()->Width(), Content()->Height())),
-      _enabled(host.Query("hclsvc/auth/lockdown_is_enabled")) {
-    _box = std::make_unique<CheckItem>(Strings()->GetString(kBoxLabel), _enabled);
-    _list->SetItems({_box.get()});
+      _box(AddCheck(Strings()->GetString(kBoxLabel), host.Query(kEnabledQuery))),
+      _enabled(_box.IsChecked()) {
+    ShowItems();
 }
 
-LockdownDialog::~LockdownDialog() = default;
+bool LockdownDialog::OnKey(int key) {
+    if (!IsEnter(key)) return false;
+    Apply();
+    Close(1);
+    return true;
+}
 
 void LockdownDialog::Apply() {
-    const bool enter = _box->IsChecked();
+    const bool enter = _box.IsChecked();
     if (enter == _enabled) return;
     std::string output, error;
     const int status =
@@ -55,35 +51,6 @@ void LockdownDialog::Apply() {
     }
     syslog(LOG_INFO, "%s", enter ? "Lockdown mode enabled" : "Lockdown mode disabled");
     _enabled = enter;
-}
-
-int LockdownDialog::HandleKey() {
-    SetTitle(Strings()->GetString(kTitle));
-    SetText(Strings()->GetString(kBody));
-    SetFooter(kFooter);
-    _list->Draw();
-    for (;;) {
-        switch (GetKey(this, true)) {
-            case kEsc:
-                return 0;
-            case kEnter:
-            case KEY_ENTER:
-                Apply();
-                return 1;
-            case KEY_DOWN:
-                _list->Down();
-                break;
-            case KEY_UP:
-                _list->Up();
-                break;
-            case kSpace:
-                _box->SetChecked(!_box->IsChecked());
-                _list->Draw();
-                break;
-            default:
-                break;
-        }
-    }
 }
 
 }  // namespace Kovo

@@ -3,19 +3,14 @@
 #include <curses.h>
 #include <pthread.h>
 #include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdlib>
 #include <optional>
 
-#include "app/Log.h"
-#include "app/Startup.h"
-
-extern char** environ;
+#include "app/terminal/CommandRunner.h"
+#include "app/terminal/Session.h"
 
 namespace Kovo {
 
@@ -41,25 +36,6 @@ class SecurePagerEnvironment {
     std::optional<std::string> _previous;
 };
 
-// The console blocks its signals for the signal thread; the pager must get them the ordinary way.
-int Spawn(const std::string& program, const std::string& file, pid_t& pid) {
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t none, defaults;
-    sigemptyset(&none);
-    sigemptyset(&defaults);
-    for (int signal : {SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGWINCH, SIGTSTP, SIGPIPE, SIGCHLD})
-        sigaddset(&defaults, signal);
-    posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setsigdefault(&attributes, &defaults);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    const char* argv[] = {"less", "-cfP", LogPager::kPrompt, file.c_str(), nullptr};
-    const int error =
-        posix_spawn(&pid, program.c_str(), nullptr, &attributes, const_cast<char* const*>(argv), environ);
-    posix_spawnattr_destroy(&attributes);
-    return error;
-}
-
 }  // namespace
 
 int LogPager::Show(const std::string& file) const {
@@ -69,20 +45,11 @@ int LogPager::Show(const std::string& file) const {
     clear();
     refresh();
 
-    int result = -1;
+    int result;
     {
         SecurePagerEnvironment secure;
-        pid_t pid = -1;
-        if (const int error = Spawn(_program, file, pid); error != 0) {
-            errno = error;
-            LogErrno(("posix_spawn(" + _program + ")").c_str());
-        } else {
-            int status = 0;
-            pid_t ended;
-            while ((ended = waitpid(pid, &status, 0)) < 0 && errno == EINTR) {
-            }
-            if (ended == pid && WIFEXITED(status)) result = WEXITSTATUS(status);
-        }
+        const char* argv[] = {"less", "-cfP", kPrompt, file.c_str(), nullptr};
+        result = RunOnTerminal(_program.c_str(), argv);
     }
 
     if (haveSaved) tcsetattr(STDOUT_FILENO, TCSANOW, &saved);

@@ -2,11 +2,11 @@
 
 #include <string>
 
-#include "app/Dialog.h"
+#include "app/frames/Dialog.h"
 
 namespace Kovo {
 
-class ActionHost;
+class HostAccess;
 
 // Takes the host down: shows what is happening, powers the virtual machines off (forcibly unless they
 // are to be kept), then runs the power command. Returns 0 only when that command could not be run at
@@ -19,14 +19,12 @@ class PowerConfirmDialog : public Dialog {
 
   protected:
     PowerConfirmDialog(Frame* parent, bool keepVms, unsigned titleId, unsigned bodyId, std::string command,
-                       ActionHost& host);
+                       HostAccess& host);
 
   private:
     bool _keepVms;
-    unsigned _titleId;
-    unsigned _bodyId;
     std::string _command;
-    ActionHost& _host;
+    HostAccess& _host;
 };
 
 }  // namespace Kovo

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "system/ActionHost.h"
+#include "app/frames/HostAccess.h"
 #include "system/PowerConfirmDialog.h"
 
 namespace Kovo {
@@ -8,7 +8,7 @@ namespace Kovo {
 // Restarts the host once the operator has chosen to (see PowerConfirmDialog).
 class RebootConfirmDialog : public PowerConfirmDialog {
   public:
-    RebootConfirmDialog(Frame* parent, bool keepVms, ActionHost& host = ActionHost::System());
+    RebootConfirmDialog(Frame* parent, bool keepVms, HostAccess& host = HostAccess::System());
 };
 
 }  // namespace Kovo

@@ -1,24 +1,24 @@
 #pragma once
 
-#include "app/Dialog.h"
-#include "system/ActionHost.h"
+#include "app/frames/ConfirmProgressDialog.h"
+#include "app/frames/HostAccess.h"
 
 namespace Kovo {
 
-class TextArea;
-
-// "Reset System Configuration": F11 resets the host's configuration to its defaults, then Enter alone
-// restarts the host. Returns 0 on Esc and, silently, when the reset fails; after a reset it does not
-// return.
-class RestoreDialog : public Dialog {
+// "Reset System Configuration: Confirm": F11 resets the host's configuration to its defaults, then
+// Enter alone restarts the host. Returns 0 on Esc and, silently, when the reset fails; after a reset it
+// does not return.
+class RestoreDialog : public ConfirmProgressDialog {
   public:
-    explicit RestoreDialog(Frame* parent, ActionHost& host = ActionHost::System());
+    explicit RestoreDialog(Frame* parent, HostAccess& host = HostAccess::System());
 
-    int HandleKey() override;
+  protected:
+    bool Run() override;
+    int Finish() override;
+    const char* DoneFooter() const override;
 
   private:
-    ActionHost& _host;
-    TextArea* _question;  // owned by the window tree
+    HostAccess& _host;
 };
 
 }  // namespace Kovo

@@ -5,11 +5,13 @@
 #include <climits>
 #include <cstdlib>
 
+#include "app/frames/Footers.h"
+#include "app/frames/HostAccess.h"
+
 namespace Kovo {
 
 namespace {
 
-constexpr int kWidth = 70, kHeight = 21, kHeaderHeight = 15;
 constexpr unsigned kTitle = 258, kBody = 259, kAvailabilityLabel = 260, kIdleLabel = 261;
 constexpr int kCapture = 256;
 constexpr const char* kAvailabilityOption = "/UserVars/QoriShellTimeOut";
@@ -27,11 +29,11 @@ constexpr FieldRule kRules[2] = {
 
 }  // namespace
 
-ShellTimeoutDialog::ShellTimeoutDialog(Frame* parent, ActionHost& host)
-    : TimeoutDialog(parent, kWidth, kHeight, kHeaderHeight, kTitle, kBody, host),
+ShellTimeoutDialog::ShellTimeoutDialog(Frame* parent, HostAccess& host)
+    : TimeoutDialog(parent, {70, 21, 15, kTitle, kBody, Footer::kOkCancel}, host),
       _current{ReadOption(kAvailabilityOption), ReadOption(kIdleOption)} {
-    AddField(kAvailabilityLabel, _current[0]);
-    AddField(kIdleLabel, _current[1]);
+    AddMinutesField(kAvailabilityLabel, _current[0]);
+    AddMinutesField(kIdleLabel, _current[1]);
 }
 
 uint32_t ShellTimeoutDialog::ReadOption(const char* option) {

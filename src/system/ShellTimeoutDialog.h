@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "system/ActionHost.h"
+#include "app/frames/HostAccess.h"
 #include "system/TimeoutDialog.h"
 
 namespace Kovo {
@@ -13,7 +13,7 @@ namespace Kovo {
 // the shell and SSH services that are running so that it takes effect.
 class ShellTimeoutDialog : public TimeoutDialog {
   public:
-    explicit ShellTimeoutDialog(Frame* parent, ActionHost& host = ActionHost::System());
+    explicit ShellTimeoutDialog(Frame* parent, HostAccess& host = HostAccess::System());
 
     uint32_t AvailabilityMinutes() const { return _current[0]; }
     uint32_t IdleMinutes() const { return _current[1]; }

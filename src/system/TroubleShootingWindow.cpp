@@ -5,7 +5,9 @@
 
 #include <string>
 
-#include "app/KeyReader.h"
+#include "app/frames/Footers.h"
+#include "app/terminal/KeyReader.h"
+#include "app/terminal/Keys.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/zenkctl/SystemInfoImpl.h"
 #include "system/KovoTimeoutDialog.h"
@@ -20,16 +22,9 @@ namespace Kovo {
 
 namespace {
 
-constexpr int kEsc = 27, kEnter = 10;
 constexpr unsigned kTitle = 218;
 constexpr unsigned kShellTimeouts = 225, kKovoTimeout = 226, kRestartAgents = 227;
 constexpr unsigned kShellTimeoutsHelp = 235, kKovoTimeoutHelp = 236, kRestartAgentsHelp = 234;
-constexpr const char* kChangeFooter =
-    "{color:white}<Enter>{/color}{color:light-grey} Change{/color}{align:right}{color:white}<Esc>{/color}"
-    "{color:light-grey} Exit{/color}{/align}";
-constexpr const char* kRestartFooter =
-    "{color:white}<Enter>{/color}{color:light-grey} Restart{/color}{align:right}{color:white}<Esc>{/color}"
-    "{color:light-grey} Exit{/color}{/align}";
 
 }  // namespace
 
@@ -82,7 +77,7 @@ const TroubleShootingWindow::Service TroubleShootingWindow::kSsh = {
     true,
 };
 
-TroubleShootingWindow::TroubleShootingWindow(Frame* parent, ActionHost& host)
+TroubleShootingWindow::TroubleShootingWindow(Frame* parent, HostAccess& host)
     : RootWindow(parent),
       _host(host),
       _shellEnabled(ServiceRunning(kShell.initScript)),
@@ -142,7 +137,7 @@ void TroubleShootingWindow::UpdateDetails() {
     }
     RightTitle()->SetText(title);
     Details()->SetText(text);
-    RightFooter()->SetText(entry == kRestartAgentsEntry ? kRestartFooter : kChangeFooter);
+    RightFooter()->SetText(entry == kRestartAgentsEntry ? Footer::kDetailRestartExit : Footer::kDetailChangeExit);
 }
 
 void TroubleShootingWindow::Toggle(const Service& service, bool& enabled) {
@@ -158,8 +153,7 @@ void TroubleShootingWindow::Toggle(const Service& service, bool& enabled) {
         // Started by its script, SSH also needs its port opened in the firewall (and closed when stopped).
         if (service.firewallFallback) {
             try {
-                auto ruleset =
-                    ZenkCtl::System::SystemInfoImpl(_host.Store()).GetFirewallRulesetById("sshServer");
+                auto ruleset = _host.SystemInfo()->GetFirewallRulesetById("sshServer");
                 wasEnabled ? ruleset->Disable() : ruleset->Enable();
             } catch (const HostCtl::Lib::HostCtlException& e) {
                 syslog(LOG_WARNING, "Failed to update firewall sshServer ruleset status: %s", e.what());

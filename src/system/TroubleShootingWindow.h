@@ -3,8 +3,8 @@
 #include <memory>
 #include <vector>
 
-#include "app/RootWindow.h"
-#include "system/ActionHost.h"
+#include "app/frames/RootWindow.h"
+#include "app/frames/HostAccess.h"
 
 namespace Kovo {
 
@@ -17,7 +17,7 @@ class TroubleShootingWindow : public RootWindow {
   public:
     enum Entry : int { kShellEntry, kSshEntry, kShellTimeoutsEntry, kKovoTimeoutEntry, kRestartAgentsEntry };
 
-    explicit TroubleShootingWindow(Frame* parent, ActionHost& host = ActionHost::System());
+    explicit TroubleShootingWindow(Frame* parent, HostAccess& host = HostAccess::System());
     ~TroubleShootingWindow() override;
 
     int HandleKey() override;
@@ -40,7 +40,7 @@ class TroubleShootingWindow : public RootWindow {
     void ShowEntries();
     void Open(Frame& dialog);
 
-    ActionHost& _host;
+    HostAccess& _host;
     std::vector<std::unique_ptr<LabelItem>> _items;
     bool _shellEnabled;
     bool _sshEnabled;

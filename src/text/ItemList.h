@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "app/Window.h"
+#include "app/terminal/Window.h"
 
 namespace Kovo {
 

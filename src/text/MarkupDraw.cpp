@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "app/Colors.h"
+#include "app/terminal/Colors.h"
 #include "text/MarkupTag.h"
 
 namespace Kovo {

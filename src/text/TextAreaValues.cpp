@@ -5,7 +5,7 @@
 #include <cstring>
 #include <sstream>
 
-#include "app/CommandRunner.h"
+#include "app/terminal/CommandRunner.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/HostFactory.h"
 #include "platform/zenkctl/DnsConfigImpl.h"
@@ -33,13 +33,10 @@ struct Captured {
     std::string err;
 };
 
-Captured Run(const char* program, std::initializer_list<const char*> args) {
-    std::vector<const char*> argv(args);
-    argv.push_back(nullptr);
-    char out[kCapture] = {}, err[kCapture] = {};
-    int outLength = kCapture, errLength = kCapture;
-    int status = RunCommand(program, argv.data(), out, &outLength, err, &errLength);
-    return {status, std::string(out, static_cast<size_t>(outLength)), std::string(err, static_cast<size_t>(errLength))};
+Captured Run(const char* program, const std::vector<std::string>& argv) {
+    Captured r;
+    r.status = RunCaptured(program, argv, r.out, r.err, kCapture);
+    return r;
 }
 
 std::string SshFingerprint(const char* keyFile) {

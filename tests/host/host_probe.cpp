@@ -9,7 +9,7 @@
 #include <cstring>
 #include <string>
 
-#include "app/CommandRunner.h"
+#include "app/terminal/CommandRunner.h"
 #include "text/TextArea.h"
 
 int main(int argc, char** argv) {

@@ -2,10 +2,10 @@
 
 #include <functional>
 
-#include "app/Colors.h"
-#include "app/Dialog.h"
-#include "app/Frame.h"
-#include "app/RootWindow.h"
+#include "app/terminal/Colors.h"
+#include "app/frames/Dialog.h"
+#include "app/frames/Frame.h"
+#include "app/frames/RootWindow.h"
 #include "text/ItemList.h"
 #include "text/TextArea.h"
 #include "../support/OffscreenCurses.h"
@@ -24,7 +24,7 @@ public:
 class ProbeDialog : public Dialog {
 public:
     ProbeDialog(Frame* parent, int w, int h, int t, std::function<void()> probe)
-        : Dialog(parent, w, h, t), _probe(std::move(probe)) {}
+        : Dialog(parent, {w, h, t}), _probe(std::move(probe)) {}
     int HandleKey() override {
         if (_probe) _probe();
         return 42;

@@ -1,4 +1,4 @@
-#include "app/KeyReader.h"
+#include "app/terminal/KeyReader.h"
 
 #include <gtest/gtest.h>
 

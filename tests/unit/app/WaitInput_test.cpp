@@ -5,8 +5,8 @@
 #include <cstring>
 #include <optional>
 
-#include "app/Frame.h"
-#include "app/KeyReader.h"
+#include "app/frames/Frame.h"
+#include "app/terminal/KeyReader.h"
 
 namespace Kovo {
 namespace {

@@ -12,8 +12,8 @@
 #include <cwchar>
 #include <string>
 
-#include "app/Colors.h"
-#include "app/Startup.h"
+#include "app/terminal/Colors.h"
+#include "app/startup/Startup.h"
 
 namespace Kovo::Testing {
 

@@ -12,7 +12,7 @@
 #include "../access/LoginTestScreen.h"
 #include "../platform/TempDir.h"
 #include "platform/store/HostStore.h"
-#include "system/ActionHost.h"
+#include "app/frames/HostAccess.h"
 
 namespace Kovo::Testing {
 
@@ -22,10 +22,10 @@ struct HostWentDown {};
 inline const std::string kF2 = "\033OQ";
 inline const std::string kF11 = "\033[23~";
 
-class RecordingHost : public ActionHost {
+class RecordingHost : public HostAccess {
   public:
     explicit RecordingHost(std::shared_ptr<ZenkCtl::Store::HostStore> store = nullptr)
-        : ActionHost(std::move(store)) {}
+        : HostAccess(std::move(store)) {}
 
     // Every call as one line: "<program>: argv..." for programs, "shell: <line>", "exec: <line>",
     // "query: <path>", "event: <text>", "powerOffVms[ --terminate]", "thread", "wait", "spin".
@@ -64,7 +64,7 @@ class RecordingHost : public ActionHost {
         Record("thread");
         return threadError;
     }
-    void WaitForHostDown(Frame*) override {
+    void WaitForHostDown(Window*) override {
         Record("wait");
         throw HostWentDown{};
     }

@@ -1,4 +1,4 @@
-#include "app/Log.h"
+#include "app/terminal/Log.h"
 
 #include <syslog.h>
 

@@ -7,7 +7,7 @@
 
 namespace Kovo {
 
-class Frame;
+class Window;
 
 // Codes WaitInput returns besides keys.
 enum InputEvent : int {
@@ -31,7 +31,11 @@ int WaitInput(std::optional<timeval> limit);
 
 // The key reader every frame loop calls: dims after a minute, raises KovoTimeout at the idle logout
 // when useIdleTimeout is set, and turns signals into their reactions.
-int GetKey(Frame* frame, bool useIdleTimeout);
+// The frame is dimmed and restored through `frame`; host notifications go to the hook.
+int GetKey(Window* frame, bool useIdleTimeout);
+
+// What a host notification (SIGUSR1) does; set once at start-up by the layer that knows the screens.
+void SetNotificationHook(void (*hook)());
 
 void ResizeTerminal();
 void LoadIdleTimeout();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Frame.h"
+#include "app/frames/Frame.h"
 
 namespace Kovo {
 

@@ -1,4 +1,4 @@
-#include "app/KeyReader.h"
+#include "app/terminal/KeyReader.h"
 
 #include <curses.h>
 #include <poll.h>
@@ -13,11 +13,10 @@
 #include <cstdlib>
 #include <fcntl.h>
 
-#include "access/SmartCardLogin.h"
-#include "app/Frame.h"
-#include "app/KovoTimeout.h"
-#include "app/Log.h"
-#include "app/Startup.h"
+#include "app/terminal/KovoTimeout.h"
+#include "app/terminal/Log.h"
+#include "app/terminal/Session.h"
+#include "app/terminal/Window.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/zenkctl/AdvancedOptionImpl.h"
 
@@ -53,7 +52,7 @@ char SignalByte(int sig) {
 
 }  // namespace
 
-void* Frame::SignalHandler(void*) {
+void* Session::SignalHandler(void*) {
     for (;;) {
         int sig = 0;
         int rc = sigwait(&_signalSet, &sig);
@@ -74,19 +73,19 @@ void* Frame::SignalHandler(void*) {
 }
 
 void StartSignalThread() {
-    if (pipe2(Frame::_signalPipe, O_CLOEXEC) != 0) {
+    if (pipe2(Session::_signalPipe, O_CLOEXEC) != 0) {
         LogErrno("pipe() failed");
         exit(1);
     }
-    sigemptyset(&Frame::_signalSet);
-    for (int sig : {SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGWINCH}) sigaddset(&Frame::_signalSet, sig);
-    int rc = pthread_sigmask(SIG_BLOCK, &Frame::_signalSet, nullptr);
+    sigemptyset(&Session::_signalSet);
+    for (int sig : {SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGWINCH}) sigaddset(&Session::_signalSet, sig);
+    int rc = pthread_sigmask(SIG_BLOCK, &Session::_signalSet, nullptr);
     if (rc != 0) {
         errno = rc;
         LogErrno("pthread_sigmask() failed");
     }
     pthread_t thread;
-    rc = pthread_create(&thread, nullptr, &Frame::SignalHandler, nullptr);
+    rc = pthread_create(&thread, nullptr, &Session::SignalHandler, nullptr);
     if (rc != 0) {
         errno = rc;
         LogErrno("pthread_create() failed");
@@ -94,6 +93,10 @@ void StartSignalThread() {
     }
     pthread_detach(thread);
 }
+
+static void (*g_notificationHook)() = nullptr;
+
+void SetNotificationHook(void (*hook)()) { g_notificationHook = hook; }
 
 // After an Esc, curses may hold input it read while telling a lone Esc from a key sequence (a key typed
 // right after it); poll() cannot see that. So the wait after an Esc first asks curses without blocking.
@@ -112,7 +115,7 @@ int WaitInput(std::optional<timeval> limit) {
         int key = ReadKeyNow();
         if (key != ERR) return key;
     }
-    pollfd fds[2] = {{0, POLLIN, 0}, {Frame::_signalPipe[0], POLLIN, 0}};
+    pollfd fds[2] = {{0, POLLIN, 0}, {Session::_signalPipe[0], POLLIN, 0}};
     int ms = -1;
     if (limit) ms = static_cast<int>(limit->tv_usec / 1000 + limit->tv_sec * 1000);
     int rc = poll(fds, 2, ms);
@@ -126,7 +129,7 @@ int WaitInput(std::optional<timeval> limit) {
         char byte = 0;
         ssize_t n;
         do {
-            n = read(Frame::_signalPipe[0], &byte, 1);
+            n = read(Session::_signalPipe[0], &byte, 1);
         } while (n < 0 && errno == EINTR);
         if (n != 1) return kInputFailed;
         switch (byte) {
@@ -166,15 +169,12 @@ std::optional<timeval> NextWaitLimit(const timeval& now, const IdleDeadlines& de
     return left;
 }
 
-int GetKey(Frame* frame, bool useIdleTimeout) {
-    const IdleDeadlines deadlines = ComputeIdleDeadlines(Now(), Frame::_idleTimeout, useIdleTimeout);
+int GetKey(Window* frame, bool useIdleTimeout) {
+    const IdleDeadlines deadlines = ComputeIdleDeadlines(Now(), Session::_idleTimeout, useIdleTimeout);
     bool dimmed = false;
     for (;;) {
         timeval now = Now();
-        if (deadlines.logoutArmed && TimeReached(now, deadlines.logoutAt)) {
-            Frame::fgFrame = nullptr;
-            throw KovoTimeout();
-        }
+        if (deadlines.logoutArmed && TimeReached(now, deadlines.logoutAt)) throw KovoTimeout();
         if (!dimmed && TimeReached(now, deadlines.dimAt)) {
             frame->SetActive(false);
             frame->Refresh();
@@ -185,12 +185,11 @@ int GetKey(Frame* frame, bool useIdleTimeout) {
             case kInputTimedOut:
             case kInputFailed: continue;
             case kHostNotification:
-                if (Frame::fgFrame) Frame::fgFrame->Notification();
-                CheckSmartCard();
+                if (g_notificationHook) g_notificationHook();
                 continue;
             case kRestartRequest:
-                if (!Frame::_loggedIn) exit(0);
-                Frame::_markForRestart = true;
+                if (!Session::_loggedIn) exit(0);
+                Session::_markForRestart = true;
                 continue;
             case KEY_RESIZE:
             case kTerminalResized:
@@ -238,10 +237,10 @@ void SetIdleTimeoutOption(uint32_t seconds) {
     if (option && option->IsInteger()) option->SetIntValue(seconds);
 }
 
-void LoadIdleTimeout() { Frame::_idleTimeout = GetIdleTimeoutOption(); }
+void LoadIdleTimeout() { Session::_idleTimeout = GetIdleTimeoutOption(); }
 
 void SetLoggedIn(bool loggedIn) {
-    Frame::_loggedIn = loggedIn;
+    Session::_loggedIn = loggedIn;
     if (loggedIn) LoadIdleTimeout();
 }
 

@@ -1,9 +1,9 @@
-#include "app/Window.h"
+#include "app/terminal/Window.h"
 
 #include <algorithm>
 #include <cstdlib>
 
-#include "app/Colors.h"
+#include "app/terminal/Colors.h"
 
 namespace Kovo {
 

@@ -1,8 +1,8 @@
-#include "app/RootWindow.h"
+#include "app/frames/RootWindow.h"
 
 #include <syslog.h>
 
-#include "app/Colors.h"
+#include "app/terminal/Colors.h"
 #include "text/ItemList.h"
 #include "text/TextArea.h"
 

@@ -1,9 +1,10 @@
-#include "app/CommandRunner.h"
+#include "app/terminal/CommandRunner.h"
 
 #include <fcntl.h>
 #include <poll.h>
 #include <pthread.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <syslog.h>
@@ -14,9 +15,11 @@
 #include <cstring>
 #include <new>
 
-#include "app/Frame.h"
-#include "app/Startup.h"
+#include "app/terminal/Log.h"
+#include "app/terminal/Session.h"
 #include "platform/events/ObsUserLib.h"
+
+extern char** environ;
 
 namespace Kovo {
 
@@ -218,6 +221,53 @@ int RunCommand(const char* program, const char* const argv[], char* output, int*
     return WEXITSTATUS(status);
 }
 
+int RunCaptured(const std::string& program, const std::vector<std::string>& argv, std::string& output,
+                std::string& error, int capacity) {
+    std::vector<const char*> pointers;
+    pointers.reserve(argv.size() + 1);
+    for (const std::string& arg : argv) pointers.push_back(arg.c_str());
+    pointers.push_back(nullptr);
+    output.clear();
+    error.clear();
+    // Nothing to keep: the child's output is drained and dropped.
+    if (capacity <= 0) return RunCommand(program.c_str(), pointers.data());
+    std::string outBuffer(static_cast<size_t>(capacity), '\0'), errBuffer(static_cast<size_t>(capacity), '\0');
+    int outLength = capacity, errLength = capacity;
+    const int status = RunCommand(program.c_str(), pointers.data(), outBuffer.data(), &outLength,
+                                  errBuffer.data(), &errLength);
+    // Each text ends where the capture ended.
+    output.assign(outBuffer.data(), static_cast<size_t>(outLength));
+    error.assign(errBuffer.data(), static_cast<size_t>(errLength));
+    return status;
+}
+
+int RunOnTerminal(const char* program, const char* const argv[]) {
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    // The console blocks its signals for the signal thread; the program must get them the ordinary way.
+    sigset_t none, defaults;
+    sigemptyset(&none);
+    sigemptyset(&defaults);
+    for (int signal : {SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGWINCH, SIGTSTP, SIGPIPE, SIGCHLD})
+        sigaddset(&defaults, signal);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    posix_spawnattr_setsigdefault(&attributes, &defaults);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    pid_t pid = -1;
+    const int error = posix_spawn(&pid, program, nullptr, &attributes, const_cast<char* const*>(argv), environ);
+    posix_spawnattr_destroy(&attributes);
+    if (error != 0) {
+        errno = error;
+        LogErrno((std::string("posix_spawn(") + program + ")").c_str());
+        return -1;
+    }
+    int status = 0;
+    pid_t ended;
+    while ((ended = waitpid(pid, &status, 0)) < 0 && errno == EINTR) {
+    }
+    return ended == pid && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 int RunShell(const std::string& commandLine) {
     const char* argv[] = {"sh", "-c", commandLine.c_str(), nullptr};
     return RunCommand("/bin/sh", argv);
@@ -273,10 +323,10 @@ bool HclCmdQuery(const char* commandPath) {
 
 bool IsTrueAnswer(const char* output, int length) { return length >= 4 && memcmp(output, "true", 4) == 0; }
 
-void RefreshHostAgent() { RunHclCmd({"hcl-cmd", "-U", Frame::_loginName, "internalsvc/refresh"}); }
+void RefreshHostAgent() { RunHclCmd({"hcl-cmd", "-U", Session::_loginName, "internalsvc/refresh"}); }
 
 int PowerOffVms(bool graceful) {
-    RunHclCmd({"hcl-cmd", "-U", Frame::_loginName, "hostsvc/autostartmanager/autostop"});
+    RunHclCmd({"hcl-cmd", "-U", Session::_loginName, "hostsvc/autostartmanager/autostop"});
     if (graceful) {
         const char* argv[] = {"powerOffVms", nullptr};
         return RunCommand("/bin/powerOffVms", argv);

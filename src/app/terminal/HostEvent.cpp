@@ -1,6 +1,6 @@
-#include "app/HostEvent.h"
+#include "app/terminal/HostEvent.h"
 
-#include "app/CommandRunner.h"
+#include "app/terminal/CommandRunner.h"
 #include "platform/events/ObsUserLib.h"
 
 namespace Kovo {

@@ -1,21 +1,11 @@
-#include "app/Frame.h"
+#include "app/frames/Frame.h"
 
-#include "app/KovoTimeout.h"
+#include "app/terminal/KovoTimeout.h"
 #include "text/StringFactory.h"
 
 namespace Kovo {
 
 Frame* Frame::fgFrame = nullptr;
-uint32_t Frame::_idleTimeout = 600;
-bool Frame::_loggedIn = false;
-bool Frame::_markForRestart = false;
-sigset_t Frame::_signalSet;
-int Frame::_signalPipe[2] = {-1, -1};
-std::string Frame::_loginName;
-bool Frame::_isLoggedWithSmartCard = false;
-std::string Frame::_smartCardLoginId;
-bool Frame::_isUserPasswordEmpty = false;
-std::string Frame::_cardInfo;
 
 Frame::Frame(Frame* parent, int x, int y, int width, int height, int background, int foreground)
     : Window(x, y, width, height, background, foreground),
@@ -43,13 +33,22 @@ int Frame::RunModal() {
         // Nothing is reactivated on the way out: the welcome window repaints everything.
         fgFrame = nullptr;
         throw;
+    } catch (...) {
+        // A failure passing through to a caller that catches it must leave that caller as it was:
+        // its colours, its cursor and the key reader's foreground frame.
+        Reactivate();
+        throw;
     }
+    Reactivate();
+    return result;
+}
+
+void Frame::Reactivate() {
     if (_parentFrame) {
         _parentFrame->SetActive(true);
         _parentFrame->Refresh();
     }
     fgFrame = _parentFrame;
-    return result;
 }
 
 }  // namespace Kovo

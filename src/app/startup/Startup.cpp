@@ -1,4 +1,4 @@
-#include "app/Startup.h"
+#include "app/startup/Startup.h"
 
 #include <curses.h>
 #include <fcntl.h>
@@ -15,17 +15,17 @@
 #include <memory>
 #include <string>
 
+#include "access/SmartCardLogin.h"
 #include "access/WelcomeWindow.h"
-#include "app/Colors.h"
-#include "app/KeyReader.h"
+#include "app/frames/Frame.h"
+#include "app/terminal/Colors.h"
+#include "app/terminal/KeyReader.h"
 #include "platform/zenkctl/Log.h"
 #include "platform/zenkctl/Preference.h"
 #include "platform/zenkctl/ProductState.h"
 
 namespace Kovo {
 
-struct termios orig_termios;
-bool usingKeyboard = false;
 
 namespace {
 
@@ -146,6 +146,17 @@ void ResetPalette() {
     fflush(stdout);
 }
 
+namespace {
+
+// A host notification: the screen on top redraws what it shows of the host, and a smart-card
+// session ends when its card is gone.
+void OnHostNotification() {
+    if (Frame::fgFrame) Frame::fgFrame->Notification();
+    CheckSmartCard();
+}
+
+}  // namespace
+
 int KovoMain(int argc, char** argv) {
     Preference_Init();
 
@@ -153,6 +164,7 @@ int KovoMain(int argc, char** argv) {
     if (argc > 1) vt = ParseVtArgument(argv[1]);
 
     StartSignalThread();
+    SetNotificationHook(OnHostNotification);
     LoadIdleTimeout();
 
     int devnull = open("/dev/null", O_WRONLY | O_CLOEXEC);

@@ -1,21 +1,10 @@
 #pragma once
 
-#include <termios.h>
-
 #include <string>
 
+#include "app/terminal/Session.h"
+
 namespace Kovo {
-
-// Attributes of standard output read at start-up.
-extern struct termios orig_termios;
-// The operator sits at the machine's own keyboard.
-extern bool usingKeyboard;
-
-inline constexpr const char* KOVO_TIMEOUT_VAR = "/UserVars/KovoTimeOut";
-inline constexpr const char* KOVO_APP = "kovo";
-// The console's own host account, used for host-tool calls that must not depend on the operator.
-inline constexpr const char* KOVO_USER = "kovo";
-inline constexpr const char* KOVO_PID_FILE = "/var/run/kovo.pid";
 
 // The process entry: start-up, then the welcome window for the life of the process.
 int KovoMain(int argc, char** argv);

@@ -1,3 +1,3 @@
-#include "app/Startup.h"
+#include "app/startup/Startup.h"
 
 int main(int argc, char** argv) { return Kovo::KovoMain(argc, argv); }

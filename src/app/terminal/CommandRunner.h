@@ -14,6 +14,16 @@ int RunCommand(const char* program, const char* const argv[], char* output = nul
                char* error = nullptr, int* errorLength = nullptr, const char* input = nullptr, int inputLength = 0,
                int timeout = 0);
 
+// The same with the argument vector as strings (argv[0] included), keeping at most `capacity` bytes of
+// each output stream in `output` and `error` (none when `capacity` is 0).
+int RunCaptured(const std::string& program, const std::vector<std::string>& argv, std::string& output,
+                std::string& error, int capacity);
+
+// A program that takes over the console's terminal, such as the log pager: it keeps the console's
+// standard streams and environment and gets the console's signals the ordinary way. Waits for it and
+// returns its exit status, or -1 when it could not be started or did not end normally.
+int RunOnTerminal(const char* program, const char* const argv[]);
+
 // A command line through "/bin/sh -c": no input, no capture, no time-out.
 int RunShell(const std::string& commandLine);
 

@@ -1,11 +1,7 @@
 #pragma once
 
-#include <signal.h>
-
-#include <cstdint>
-#include <string>
-
-#include "app/Window.h"
+#include "app/terminal/Session.h"
+#include "app/terminal/Window.h"
 
 namespace Kovo {
 
@@ -13,7 +9,7 @@ class StringFactory;
 
 // A window with a modal key loop, a parent frame and the shared string table. Frames are shown only
 // through RunModal(), so dialogs stack exactly as the calls nest.
-class Frame : public Window {
+class Frame : public Window, public Session {
 public:
     Frame(Frame* parent, int x, int y, int width, int height, int background, int foreground);
     ~Frame() override;
@@ -29,23 +25,13 @@ public:
     Frame* ParentFrame() const { return _parentFrame; }
     StringFactory* Strings() const { return _strings; }
 
-    // Process-wide session and key-reader state.
+    // The frame on top of the modal chain; null while none is shown.
     static Frame* fgFrame;
-    static uint32_t _idleTimeout;
-    static bool _loggedIn;
-    static bool _markForRestart;
-    static sigset_t _signalSet;
-    static int _signalPipe[2];
-    static std::string _loginName;
-    static bool _isLoggedWithSmartCard;
-    static std::string _smartCardLoginId;
-    static bool _isUserPasswordEmpty;
-    static std::string _cardInfo;
-
-    // The signal thread's body: turns signals into single bytes on _signalPipe.
-    static void* SignalHandler(void*);
 
 private:
+    // Gives the screen back to the parent when this frame's loop has ended.
+    void Reactivate();
+
     Frame* _parentFrame;
     StringFactory* _strings;
 };

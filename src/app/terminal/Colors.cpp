@@ -1,4 +1,4 @@
-#include "app/Colors.h"
+#include "app/terminal/Colors.h"
 
 namespace Kovo {
 

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <curses.h>
+
+namespace Kovo {
+
+// Key codes as GetKey returns them, beyond curses' own KEY_* names.
+inline constexpr int kCtrlH = 8;
+inline constexpr int kTab = 9;
+inline constexpr int kEnter = 10;
+inline constexpr int kEsc = 27;
+inline constexpr int kSpace = ' ';
+inline constexpr int kDel = 127;
+
+// Enter as the terminal sends it: a line feed, or the keypad's Enter.
+inline bool IsEnter(int key) { return key == kEnter || key == KEY_ENTER; }
+
+}  // namespace Kovo
