@@ -9,7 +9,7 @@ packages=(
   libboost-filesystem-dev libboost-system-dev libboost-regex-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libvterm-dev libfaketime faketime
-  clang libclang-rt-dev
+  clang libclang-rt-dev clang-format-14
   util-linux iproute2 dnsmasq-base less openssl openssh-client procps locales
 )
 

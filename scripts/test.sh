@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds KOVO in the checked configuration (warnings as errors) and under
-# AddressSanitizer + UndefinedBehaviorSanitizer, and runs every test in both.
+# Installs what is missing, checks the layers and the format, builds KOVO in the checked configuration
+# (warnings as errors) and under AddressSanitizer + UndefinedBehaviorSanitizer, and runs every test in both.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -8,6 +8,9 @@ bash scripts/install-deps.sh
 
 jobs=$(nproc)
 status=0
+echo "== layers and format =="
+bash scripts/check-layers.sh || status=1
+bash scripts/check-format.sh || status=1
 for preset in dev asan; do
   echo "== ${preset}: configure and build =="
   cmake --preset "$preset" >/dev/null

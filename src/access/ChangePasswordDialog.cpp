@@ -3,8 +3,6 @@
 #include <curses.h>
 #include <syslog.h>
 
-#include <cctype>
-
 #include "access/LoginDialog.h"
 #include "access/SamePasswordConfirmDialog.h"
 #include "app/terminal/HostEvent.h"
@@ -32,17 +30,9 @@ enum StringId : unsigned {
     kChangeFailed = 160,
 };
 
+// The password fields take printable characters and exactly these editing keys.
 bool IsFieldKey(int key) {
-    switch (key) {
-        case KEY_BACKSPACE:
-        case kCtrlH:
-        case KEY_DC:
-        case KEY_LEFT:
-        case KEY_END:
-            return true;
-        default:
-            return key >= 0 && key < 256 && isprint(key);
-    }
+    return AcceptsKey(FieldKeys::Printable, key) || IsOneOf(key, {KEY_BACKSPACE, kCtrlH, KEY_DC, KEY_LEFT, KEY_END});
 }
 
 }  // namespace

@@ -3,8 +3,6 @@
 #include <curses.h>
 #include <syslog.h>
 
-#include <cctype>
-
 #include "access/ChangePasswordDialog.h"
 #include "access/LoginAudit.h"
 #include "access/SmartCardLogin.h"
@@ -43,19 +41,10 @@ enum StringId : unsigned {
 
 constexpr const char* kLoginFailedEvent = "@&!*@*@(obs.user.kovo.login.failed)";
 
+// The login fields take printable characters and these editing keys.
 bool IsFieldKey(int key) {
-    switch (key) {
-        case KEY_BACKSPACE:
-        case kCtrlH:
-        case KEY_DC:
-        case KEY_LEFT:
-        case KEY_RIGHT:
-        case KEY_HOME:
-        case KEY_END:
-            return true;
-        default:
-            return key >= 0 && key < 256 && isprint(key);
-    }
+    return AcceptsKey(FieldKeys::Printable, key) ||
+           IsOneOf(key, {KEY_BACKSPACE, kCtrlH, KEY_DC, KEY_LEFT, KEY_RIGHT, KEY_HOME, KEY_END});
 }
 
 }  // namespace

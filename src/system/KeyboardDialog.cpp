@@ -3,7 +3,6 @@
 #include <syslog.h>
 
 #include "app/frames/Footers.h"
-#include "app/terminal/Keys.h"
 #include "platform/zenkctl/SystemInfoImpl.h"
 #include "text/ItemList.h"
 #include "text/RadioItem.h"
@@ -37,18 +36,15 @@ int KeyboardDialog::ChosenIndex() const {
     return -1;
 }
 
-bool KeyboardDialog::OnKey(int key) {
-    if (!IsEnter(key)) return false;
+void KeyboardDialog::Apply() {
     // Nothing chosen (the host's layout is unknown to it): there is nothing to apply.
-    if (const int chosen = ChosenIndex(); chosen >= 0) {
-        const std::string& layout = _layouts[static_cast<std::size_t>(chosen)];
-        auto system = _host.SystemInfo();
-        system->LoadKeyboardMappings(layout);
-        system->SetKeyboardLayout(layout);
-        syslog(LOG_INFO, "Keyboard Layout changed to %s", layout.c_str());
-    }
-    Close(1);
-    return true;
+    const int chosen = ChosenIndex();
+    if (chosen < 0) return;
+    const std::string& layout = _layouts[static_cast<std::size_t>(chosen)];
+    auto system = _host.SystemInfo();
+    system->LoadKeyboardMappings(layout);
+    system->SetKeyboardLayout(layout);
+    syslog(LOG_INFO, "Keyboard Layout changed to %s", layout.c_str());
 }
 
 }  // namespace Kovo

@@ -21,7 +21,7 @@ class KeyboardDialog : public Dialog {
     const std::vector<std::string>& Layouts() const { return _layouts; }
 
   protected:
-    bool OnKey(int key) override;
+    void Apply() override;
 
   private:
     HostAccess& _host;

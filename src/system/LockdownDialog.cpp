@@ -5,7 +5,6 @@
 #include <string>
 
 #include "app/frames/Footers.h"
-#include "app/terminal/Keys.h"
 #include "app/terminal/Session.h"
 #include "text/CheckItem.h"
 #include "text/StringFactory.h"
@@ -24,13 +23,6 @@ LockdownDialog::LockdownDialog(Frame* parent, HostAccess& host)
       _box(AddCheck(Strings()->GetString(kBoxLabel), host.Query(kEnabledQuery))),
       _enabled(_box.IsChecked()) {
     ShowItems();
-}
-
-bool LockdownDialog::OnKey(int key) {
-    if (!IsEnter(key)) return false;
-    Apply();
-    Close(1);
-    return true;
 }
 
 void LockdownDialog::Apply() {

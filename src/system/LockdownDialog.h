@@ -17,11 +17,9 @@ class LockdownDialog : public Dialog {
     bool LockdownEnabled() const { return _enabled; }
 
   protected:
-    bool OnKey(int key) override;
+    void Apply() override;
 
   private:
-    void Apply();
-
     HostAccess& _host;
     CheckItem& _box;
     bool _enabled;

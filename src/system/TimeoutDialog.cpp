@@ -4,7 +4,6 @@
 #include <string>
 
 #include "app/frames/MessageDialog.h"
-#include "app/terminal/Keys.h"
 #include "text/InputItem.h"
 #include "text/StringFactory.h"
 
@@ -35,13 +34,6 @@ std::optional<uint32_t> TimeoutDialog::ReadMinutes(std::size_t index) {
         return std::nullopt;
     }
     return static_cast<uint32_t>(minutes);
-}
-
-bool TimeoutDialog::OnKey(int key) {
-    if (!IsEnter(key)) return false;
-    Apply();
-    Close(1);
-    return true;
 }
 
 }  // namespace Kovo

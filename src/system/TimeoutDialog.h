@@ -24,13 +24,12 @@ class TimeoutDialog : public Dialog {
 
     void AddMinutesField(unsigned labelId, uint32_t minutes);
     // Acts on the fields after Enter.
-    virtual void Apply() = 0;
+    void Apply() override = 0;
     // The minutes in a field; nothing when it is empty, or when it is out of range (after telling the
     // operator so).
     std::optional<uint32_t> ReadMinutes(std::size_t index);
     HostAccess& Host() const { return _host; }
 
-    bool OnKey(int key) override;
 
   private:
     HostAccess& _host;

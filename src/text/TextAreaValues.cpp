@@ -7,7 +7,7 @@
 
 #include "app/terminal/CommandRunner.h"
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/hostctl/HostFactory.h"
+#include "platform/zenkctl/HostFactory.h"
 #include "platform/zenkctl/DnsConfigImpl.h"
 #include "platform/zenkctl/HardwareInfoImpl.h"
 #include "platform/zenkctl/MemoryInfoImpl.h"

@@ -143,7 +143,12 @@ void Dialog::Close(int result) {
     _result = result;
 }
 
-bool Dialog::OnKey(int) { return false; }
+bool Dialog::OnKey(int key) {
+    if (!IsEnter(key)) return false;
+    Apply();
+    Close(1);
+    return true;
+}
 
 int Dialog::HandleKey() {
     if (_list) _list->Draw();

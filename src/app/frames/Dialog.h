@@ -42,7 +42,7 @@ bool AcceptsKey(FieldKeys keys, int key);
 //
 // A dialog describes itself with a DialogLayout, adds its items through the helpers below (the dialog
 // owns them, the list only shows them), and handles only its own keys in OnKey; the common keys are
-// handled here: Esc closes with 0, Up/Down move between items, Space toggles the focused check box or
+// handled here: Enter applies and closes with 1 unless the dialog says otherwise, Esc closes with 0, Up/Down move between items, Space toggles the focused check box or
 // chooses the focused radio item, and editing keys go to the focused field if its class takes them.
 class Dialog : public Frame {
   public:
@@ -68,8 +68,11 @@ class Dialog : public Frame {
     ItemList& Items();
 
   protected:
-    // The dialog's own keys; true when the key was handled (the common keys then leave it alone).
+    // The dialog's own keys; true when the key was handled (the common keys then leave it alone). By
+    // default Enter applies the dialog and closes it with 1.
     virtual bool OnKey(int key);
+    // What Enter does before the dialog closes with 1.
+    virtual void Apply() {}
     // Ends the key loop with `result`.
     void Close(int result);
     // One key loop until Close(); returns the result given to it.

@@ -41,6 +41,9 @@ inline constexpr const char* kFirewallRulesets = "/firewall/rulesets";
 inline constexpr const char* kVms = "/vms";
 inline constexpr const char* kMarkers = "/markers";
 
+// The simulated host's own: platform operations made to fail, {"<operation>": "<text>"}.
+inline constexpr const char* kInjectedFaults = "/simulation/faults";
+
 // Changes that take effect at the next boot.
 inline constexpr const char* kPendingBoot = "/boot/pending";
 

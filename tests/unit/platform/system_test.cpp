@@ -6,7 +6,7 @@
 
 #include "TempDir.h"
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/hostctl/HostFactory.h"
+#include "platform/zenkctl/HostFactory.h"
 #include "platform/store/HostStore.h"
 #include "platform/zenkctl/CpuInfoImpl.h"
 #include "platform/zenkctl/MemoryInfoImpl.h"

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "platform/hostctl/Host.h"
+#include "platform/zenkctl/Host.h"
 
 namespace HostCtl {
 

@@ -9,7 +9,8 @@
 
 namespace HostCtl {
 
-// The host as a whole: the entry to its hardware, storage and system information.
+// The host as a whole: the entry to its hardware, storage and system information. It lives with the
+// implementations because it builds them over the store; the interfaces never name an implementation.
 class Host {
   public:
     explicit Host(std::shared_ptr<ZenkCtl::Store::HostStore> store) : _store(std::move(store)) {}
