@@ -75,26 +75,13 @@ ChangePasswordDialog::ChangePasswordDialog(Frame* parent, PamOps pam, HostAccess
 
 ChangePasswordDialog::~ChangePasswordDialog() = default;
 
-void ChangePasswordDialog::Focus(int field) {
-    Items().Select(field);
-    Items().Draw();
-}
-
 void ChangePasswordDialog::Error(unsigned messageId) {
     MessageDialog message(this, kErrorTitle, messageId);
     message.RunModal();
     Items().Draw();
 }
 
-int ChangePasswordDialog::HandleKey() {
-    SetActive(true);
-    SetCursor(true);
-    Focus(kOld);
-    const int result = RunKeys();
-    SetCursor(false);
-    SetActive(false);
-    return result;
-}
+int ChangePasswordDialog::HandleKey() { return RunWithCursor(kOld); }
 
 bool ChangePasswordDialog::OnKey(int key) {
     const int focused = Items().GetSelected();

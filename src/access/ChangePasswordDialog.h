@@ -38,7 +38,6 @@ class ChangePasswordDialog : public Dialog {
 
   private:
     enum Field { kOld, kNew, kConfirm, kFieldCount };
-    void Focus(int field);
     void Error(unsigned messageId);
     bool VerifyOld();
     // The checks, then the change itself; true once the host has the new password.

@@ -121,20 +121,7 @@ void LoginDialog::SetMode(bool pinMode) {
     Items().Draw();
 }
 
-void LoginDialog::Focus(int ordinal) {
-    Items().Select(ordinal);
-    Items().Draw();
-}
-
-int LoginDialog::HandleKey() {
-    SetActive(true);
-    SetCursor(true);
-    Focus(0);
-    const int result = RunKeys();
-    SetCursor(false);
-    SetActive(false);
-    return result;
-}
+int LoginDialog::HandleKey() { return RunWithCursor(0); }
 
 bool LoginDialog::OnKey(int key) {
     const int itemCount = _hasKeyboard ? 3 : 2;

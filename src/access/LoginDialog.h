@@ -36,7 +36,6 @@ class LoginDialog : public Dialog {
 
   private:
     void SetMode(bool pinMode);
-    void Focus(int ordinal);
     // Runs the keyboard layout dialog, then shows the layout the host ended up with.
     void ChangeKeyboard();
     // One attempt with the typed credentials; true when the user is logged in.

@@ -164,6 +164,21 @@ int Dialog::RunKeys() {
     return _result;
 }
 
+int Dialog::RunWithCursor(int ordinal) {
+    SetActive(true);
+    SetCursor(true);
+    Focus(ordinal);
+    const int result = RunKeys();
+    SetCursor(false);
+    SetActive(false);
+    return result;
+}
+
+void Dialog::Focus(int ordinal) {
+    Items().Select(ordinal);
+    Items().Draw();
+}
+
 bool Dialog::HandleCommonKey(int key) {
     switch (key) {
         case kEsc:

@@ -77,6 +77,11 @@ class Dialog : public Frame {
     void Close(int result);
     // One key loop until Close(); returns the result given to it.
     int RunKeys();
+    // The key loop of a dialog of text fields: shows the text cursor on the item at `ordinal` while it
+    // runs and hides it again however the loop closes.
+    int RunWithCursor(int ordinal);
+    // Moves the focus to the selectable item at `ordinal` (in the order shown).
+    void Focus(int ordinal);
     // The common keys; false for a key none of them is.
     bool HandleCommonKey(int key);
 
