@@ -14,8 +14,6 @@ class HostAccess;
 class PowerConfirmDialog : public Dialog {
   public:
     int HandleKey() override;
-    // True when running virtual machines are not to be terminated forcibly.
-    bool KeepVms() const { return _keepVms; }
 
   protected:
     PowerConfirmDialog(Frame* parent, bool keepVms, unsigned titleId, unsigned bodyId, std::string command,

@@ -15,8 +15,6 @@ class ShellTimeoutDialog : public TimeoutDialog {
   public:
     explicit ShellTimeoutDialog(Frame* parent, HostAccess& host = HostAccess::System());
 
-    uint32_t AvailabilityMinutes() const { return _current[0]; }
-    uint32_t IdleMinutes() const { return _current[1]; }
 
   protected:
     void Apply() override;

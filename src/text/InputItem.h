@@ -23,7 +23,6 @@ public:
     void SetValue(std::string text);
     const std::string& GetValue() const { return _text; }
     void SetMasked(bool masked) { _masked = masked; }
-    bool IsMasked() const { return _masked; }
     const std::string& Label() const { return _label; }
 
     int Cursor() const { return _cursor; }

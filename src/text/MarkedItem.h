@@ -11,7 +11,6 @@ class MarkedItem : public LabelItem {
   public:
     void SetChecked(bool checked);
     bool IsChecked() const { return _checked; }
-    const std::string& Caption() const { return _caption; }
 
   protected:
     MarkedItem(std::string caption, bool checked, const char* onMark, const char* offMark);

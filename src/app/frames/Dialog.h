@@ -62,7 +62,6 @@ class Dialog : public Frame {
     // Null when the body is four rows or less.
     Window* Content() const { return _content; }
     TextArea* Title() const { return _title; }
-    TextArea* Message() const { return _message; }
     TextArea* Footer() const { return _footer; }
     // The dialog's item list, made on first use over the whole content window unless placed before.
     ItemList& Items();

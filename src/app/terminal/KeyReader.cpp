@@ -231,12 +231,6 @@ uint32_t GetIdleTimeoutOption() {
     }
 }
 
-void SetIdleTimeoutOption(uint32_t seconds) {
-    ZenkCtl::Adv::AdvancedOptionImpl options;
-    auto option = options.FindOption(KOVO_TIMEOUT_VAR);
-    if (option && option->IsInteger()) option->SetIntValue(seconds);
-}
-
 void LoadIdleTimeout() { Session::_idleTimeout = GetIdleTimeoutOption(); }
 
 void SetLoggedIn(bool loggedIn) {

@@ -40,7 +40,6 @@ void SetNotificationHook(void (*hook)());
 void ResizeTerminal();
 void LoadIdleTimeout();
 uint32_t GetIdleTimeoutOption();
-void SetIdleTimeoutOption(uint32_t seconds);
 void SetLoggedIn(bool loggedIn);
 
 // The deadlines of one GetKey call, counted from its start.

@@ -11,7 +11,6 @@ std::string Session::_loginName;
 bool Session::_isLoggedWithSmartCard = false;
 std::string Session::_smartCardLoginId;
 bool Session::_isUserPasswordEmpty = false;
-std::string Session::_cardInfo;
 
 struct termios orig_termios;
 bool usingKeyboard = false;

@@ -21,7 +21,6 @@ class Session {
     static bool _isLoggedWithSmartCard;
     static std::string _smartCardLoginId;
     static bool _isUserPasswordEmpty;
-    static std::string _cardInfo;
 
     // The signal thread's body: turns signals into single bytes on _signalPipe.
     static void* SignalHandler(void*);
