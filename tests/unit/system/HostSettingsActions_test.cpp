@@ -93,12 +93,6 @@ TEST_F(HostSettingsActions, LockdownExitRunsAsTheConsoleUser) {
     EXPECT_EQ(host_.calls, (Calls{kLockdownQuery, kExitLockdown}));
 }
 
-TEST_F(HostSettingsActions, KeyboardEnterWithoutMovingReappliesTheCurrentLayout) {
-    EXPECT_EQ(Run<KeyboardDialog>("\n", [](KeyboardDialog& d) { EXPECT_EQ(d.ChosenIndex(), 9); }), 1);
-    EXPECT_EQ(store_.At("/system/keyboard/mappingsLoaded"), "Layout 9");
-    EXPECT_EQ(store_.At("/system/keyboard/layout"), "Layout 9");
-}
-
 TEST_F(HostSettingsActions, KeyboardSpaceChoosesTheLayoutUnderTheCursor) {
     // Moving alone chooses nothing.
     EXPECT_EQ(Run<KeyboardDialog>(Keys::kUp + Keys::kUp + "\n"), 1);
@@ -109,12 +103,6 @@ TEST_F(HostSettingsActions, KeyboardSpaceChoosesTheLayoutUnderTheCursor) {
               1);
     EXPECT_EQ(store_.At("/system/keyboard/layout"), "Layout 7");
     EXPECT_EQ(store_.At("/system/keyboard/mappingsLoaded"), "Layout 7");
-}
-
-TEST_F(HostSettingsActions, KeyboardEscChangesNothing) {
-    EXPECT_EQ(Run<KeyboardDialog>(Keys::kDown + " " + Keys::kEsc), 0);
-    EXPECT_EQ(store_.At("/system/keyboard/layout"), "Layout 9");
-    EXPECT_EQ(store_.At("/system/keyboard/mappingsLoaded"), "");
 }
 
 TEST_F(HostSettingsActions, KeyboardWithAnUnknownCurrentLayoutAppliesNothingUntilOneIsChosen) {
