@@ -84,7 +84,8 @@ void BM_MenuMove(benchmark::State& state) {
     KovoTerm::TermSession session(ConsoleOnHost(host));
     const bool ready = session.WaitForText(kLastOfFirstScreen) && session.WaitForQuiet(300ms) &&
                        (session.Press(KovoTerm::Key::F2), session.WaitForText("Authentication Required")) &&
-                       session.WaitForQuiet(300ms) && (session.Press(KovoTerm::Key::Down), session.WaitForQuiet(200ms)) &&
+                       session.WaitForQuiet(300ms) &&
+                       (session.Press(KovoTerm::Key::Down), session.WaitForQuiet(200ms)) &&
                        (session.Type("Kovo-Demo1"), session.Press(KovoTerm::Key::Enter),
                         session.WaitForText("System Customization")) &&
                        session.WaitForQuiet(300ms);
@@ -100,11 +101,13 @@ void BM_MenuMove(benchmark::State& state) {
         const std::size_t before = session.Output().size();
         const auto start = std::chrono::steady_clock::now();
         session.Press(down ? KovoTerm::Key::Down : KovoTerm::Key::Up);
-        if (!session.WaitFor([&](const KovoTerm::VirtualTerminal& screen) { return screen.RowText(1) != title; })) {
+        if (!session.WaitFor(
+                [&](const KovoTerm::VirtualTerminal& screen) { return screen.RowText(1) != title; })) {
             state.SkipWithError("the menu did not move");
             break;
         }
-        state.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+        state.SetIterationTime(
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
         state.PauseTiming();
         session.WaitForQuiet(100ms);
         bytes += session.Output().size() - before;

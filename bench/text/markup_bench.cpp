@@ -36,7 +36,7 @@ std::string DetailPane() {
 }
 
 class Screen {
-public:
+  public:
     Screen() {
         std::setlocale(LC_ALL, "C.UTF-8");
         _out = std::fopen("/dev/null", "w");
@@ -58,7 +58,7 @@ public:
         std::fclose(_in);
     }
 
-private:
+  private:
     FILE* _out;
     FILE* _in;
     SCREEN* _screen;

@@ -5,10 +5,10 @@
 
 #include "access/LoginDialog.h"
 #include "access/SamePasswordConfirmDialog.h"
-#include "app/terminal/HostEvent.h"
-#include "app/terminal/Keys.h"
 #include "app/frames/Footers.h"
 #include "app/frames/MessageDialog.h"
+#include "app/terminal/HostEvent.h"
+#include "app/terminal/Keys.h"
 #include "text/InputItem.h"
 #include "text/ItemList.h"
 #include "text/StringFactory.h"
@@ -32,7 +32,8 @@ enum StringId : unsigned {
 
 // The password fields take printable characters and exactly these editing keys.
 bool IsFieldKey(int key) {
-    return AcceptsKey(FieldKeys::Printable, key) || IsOneOf(key, {KEY_BACKSPACE, kCtrlH, KEY_DC, KEY_LEFT, KEY_END});
+    return AcceptsKey(FieldKeys::Printable, key) ||
+           IsOneOf(key, {KEY_BACKSPACE, kCtrlH, KEY_DC, KEY_LEFT, KEY_END});
 }
 
 }  // namespace
@@ -81,7 +82,9 @@ void ChangePasswordDialog::Error(unsigned messageId) {
     Items().Draw();
 }
 
-int ChangePasswordDialog::HandleKey() { return RunWithCursor(kOld); }
+int ChangePasswordDialog::HandleKey() {
+    return RunWithCursor(kOld);
+}
 
 bool ChangePasswordDialog::OnKey(int key) {
     const int focused = Items().GetSelected();
@@ -155,8 +158,8 @@ void ChangePasswordDialog::AfterChange() {
     _host.Run("/sbin/backup.sh", {"backup.sh"});
     _host.RefreshAgent();
     syslog(LOG_INFO, "Login password for user %s has changed", _loginName.c_str());
-    _host.PostEvent(
-        HostEvent::Text("obs.user.kovo.login.passwd.changed", "Login password for user " + _loginName + " changed"));
+    _host.PostEvent(HostEvent::Text("obs.user.kovo.login.passwd.changed",
+                                    "Login password for user " + _loginName + " changed"));
     _isUserPasswordEmpty = _fields[kNew]->GetValue().empty();
 }
 

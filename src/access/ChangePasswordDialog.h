@@ -20,8 +20,8 @@ enum class NewPasswordCheck { Mismatch, Empty, SameAsOld, Ready };
 NewPasswordCheck CheckNewPassword(const std::string& oldPassword, const std::string& newPassword,
                                   const std::string& confirmed);
 
-// "Configure Password": sets a new login password for the session's user. HandleKey returns 1 when the password was changed,
-// 0 when left with Esc.
+// "Configure Password": sets a new login password for the session's user. HandleKey returns 1 when the
+// password was changed, 0 when left with Esc.
 class ChangePasswordDialog : public Dialog {
   public:
     explicit ChangePasswordDialog(Frame* parent, HostAccess& host = HostAccess::System());

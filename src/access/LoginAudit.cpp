@@ -19,7 +19,8 @@ std::string Quoted(const std::string& value) {
 }  // namespace
 
 std::string FormatLoginAudit(const char* event, const std::string& user, bool success, const char* reason) {
-    std::string record = std::string(event) + " user=" + Quoted(user) + " result=" + (success ? "success" : "failure");
+    std::string record =
+        std::string(event) + " user=" + Quoted(user) + " result=" + (success ? "success" : "failure");
     if (reason) record += " reason=" + Quoted(reason);
     return record;
 }

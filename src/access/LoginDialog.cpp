@@ -14,16 +14,15 @@
 #include "platform/zenkctl/DnsConfigImpl.h"
 #include "platform/zenkctl/SmartCardInfoImpl.h"
 #include "platform/zenkctl/SystemInfoImpl.h"
-#include "text/ItemList.h"
 #include "system/KeyboardDialog.h"
 #include "text/InputItem.h"
+#include "text/ItemList.h"
 #include "text/LabelItem.h"
 #include "text/StringFactory.h"
 
 namespace Kovo {
 
 namespace {
-
 
 enum StringId : unsigned {
     kTitle = 136,
@@ -98,7 +97,8 @@ std::string HostNameAndDomain(HostAccess& host) {
 LoginDialog::LoginDialog(Frame* parent, HostAccess& host) : LoginDialog(parent, PamOps{}, host) {}
 
 LoginDialog::LoginDialog(Frame* parent, PamOps pam, HostAccess& host)
-    : Dialog(parent, {60, 13, 6, kTitle, 0, _smartCardLoginId.empty() ? Footer::kOkCancel : Footer::kSwitchLoginOkCancel}),
+    : Dialog(parent, {60, 13, 6, kTitle, 0,
+                      _smartCardLoginId.empty() ? Footer::kOkCancel : Footer::kSwitchLoginOkCancel}),
       _pam(pam),
       _host(host),
       _hasKeyboard(usingKeyboard),
@@ -110,7 +110,8 @@ LoginDialog::~LoginDialog() = default;
 
 void LoginDialog::SetMode(bool pinMode) {
     _pinMode = pinMode;
-    SetText(std::string(Strings()->GetString(pinMode ? kPinPrompt : kPasswordPrompt)) + HostNameAndDomain(_host));
+    SetText(std::string(Strings()->GetString(pinMode ? kPinPrompt : kPasswordPrompt)) +
+            HostNameAndDomain(_host));
     ClearItems();
     if (_hasKeyboard) _keyboard = &AddLabel(KeyboardText(), true);
     _name = &AddField(Strings()->GetString(pinMode ? kLoginId : kLoginName),
@@ -121,7 +122,9 @@ void LoginDialog::SetMode(bool pinMode) {
     Items().Draw();
 }
 
-int LoginDialog::HandleKey() { return RunWithCursor(0); }
+int LoginDialog::HandleKey() {
+    return RunWithCursor(0);
+}
 
 bool LoginDialog::OnKey(int key) {
     const int itemCount = _hasKeyboard ? 3 : 2;

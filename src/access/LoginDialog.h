@@ -16,8 +16,9 @@ class LabelItem;
 enum class LoginKey { Ignore, Cancel, Previous, Next, First, ToggleMode, Edit, Keyboard, Submit };
 LoginKey RouteLoginKey(int key, int focused, int itemCount, bool hasKeyboardItem);
 
-// "Authentication Required": asks for a login name and password (or a smart card's login id and PIN) and checks them through PAM.
-// HandleKey returns 1 after a successful login (the session's user is set), 0 when left with Esc.
+// "Authentication Required": asks for a login name and password (or a smart card's login id and PIN) and
+// checks them through PAM. HandleKey returns 1 after a successful login (the session's user is set), 0 when
+// left with Esc.
 class LoginDialog : public Dialog {
   public:
     explicit LoginDialog(Frame* parent, HostAccess& host = HostAccess::System());
@@ -61,6 +62,5 @@ class LoginDialog : public Dialog {
 
 // The host's name and domain as dialogs address it ("host01.lab.example"); empty when unknown.
 std::string HostNameAndDomain(HostAccess& host = HostAccess::System());
-
 
 }  // namespace Kovo

@@ -59,7 +59,9 @@ bool CheckSmartCard(ZenkCtl::Hardware::SmartCardInfoImpl& cards) {
     return false;
 }
 
-std::string FindSmartCardUser(HostAccess& host) { return FindSmartCardUser(*host.SmartCards()); }
+std::string FindSmartCardUser(HostAccess& host) {
+    return FindSmartCardUser(*host.SmartCards());
+}
 
 bool HasSmartCardForUser(const std::string& user, HostAccess& host) {
     return HasSmartCardForUser(*host.SmartCards(), user);

@@ -5,16 +5,16 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <memory>
-#include <cstring>
 #include <sstream>
 #include <vector>
 
-#include "app/terminal/Colors.h"
 #include "access/LoginAudit.h"
 #include "access/LoginDialog.h"
 #include "access/LoginDisabledDialog.h"
+#include "app/terminal/Colors.h"
 #include "app/terminal/KeyReader.h"
 #include "app/terminal/KovoTimeout.h"
 #include "platform/hostctl/HostCtlException.h"
@@ -25,9 +25,9 @@
 #include "platform/zenkctl/NetworkInfoImpl.h"
 #include "platform/zenkctl/SysinfoUtil.h"
 #include "platform/zenkctl/SystemInfoImpl.h"
-#include "text/StringFactory.h"
 #include "system/GeneralWindow.h"
 #include "system/ShutdownDialog.h"
+#include "text/StringFactory.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
@@ -39,7 +39,8 @@ constexpr const char* kReleaseInVersionLine = "7.0.0";
 constexpr const char* kEditionLabel = "1.0 Tech Preview";
 constexpr const char* kTipsLine = "Tips for running this host: https://kovo.example.org/tips";
 constexpr const char* kNoAdapter =
-    "No compatible network adapter found. Please consult the product's Hardware Compatibility Guide (HCG) for "
+    "No compatible network adapter found. Please consult the product's Hardware Compatibility Guide (HCG) "
+    "for "
     "a list of supported adapters.";
 constexpr const char* kNoAdapterAlert = "No compatible network adapter found.";
 // Present while the host allows logins at its console.
@@ -70,7 +71,8 @@ std::string Trim(const std::string& text) {
 
 }  // namespace
 
-WelcomeWindow::WelcomeWindow(HostAccess& host) : Frame(nullptr, 0, 0, COLS, LINES, kBlack, kWhite), _host(host) {
+WelcomeWindow::WelcomeWindow(HostAccess& host)
+    : Frame(nullptr, 0, 0, COLS, LINES, kBlack, kWhite), _host(host) {
     Build();
 }
 
@@ -83,7 +85,8 @@ std::string WelcomeWindow::MemoryLine(uint64_t totalBytes) {
     }
     const float tenths = static_cast<float>(totalBytes) * 10.0f / static_cast<float>(unit);
     std::ostringstream line;
-    line << static_cast<float>(static_cast<int64_t>(tenths)) / 10.0f << " " << "MGTP"[index] << "iB Memory";
+    line << static_cast<float>(static_cast<int64_t>(tenths)) / 10.0f << " "
+         << "MGTP"[index] << "iB Memory";
     return line.str();
 }
 
@@ -135,10 +138,17 @@ std::string WelcomeWindow::AddressText() {
         for (const auto& net : config.GetIpv6Network()) {
             std::string line = "https://[" + net.GetAddress().GetStringAddress() + "]/ ";
             switch (net.GetIpv6AddressType()) {
-                case kIpv6Static: line += std::string("(") + Strings()->GetString(kStaticLabel) + ")"; break;
-                case kIpv6Dhcp: line += std::string("(") + Strings()->GetString(kDhcpLabel) + ")"; break;
-                case kIpv6Autoconf: line += std::string("(") + Strings()->GetString(kAutoconfLabel) + ")"; break;
-                default: break;
+                case kIpv6Static:
+                    line += std::string("(") + Strings()->GetString(kStaticLabel) + ")";
+                    break;
+                case kIpv6Dhcp:
+                    line += std::string("(") + Strings()->GetString(kDhcpLabel) + ")";
+                    break;
+                case kIpv6Autoconf:
+                    line += std::string("(") + Strings()->GetString(kAutoconfLabel) + ")";
+                    break;
+                default:
+                    break;
             }
             lines.push_back(line + "\n");
         }
@@ -199,8 +209,8 @@ void WelcomeWindow::Build() {
     _keyLine = new TextArea(_lower, 0, _lower->Height() - 1, COLS, 1);
     FillIdentity();
     _keyLine->SetText(std::string("<F2> {color:dark-grey}") + Strings()->GetString(kCustomizeSystem) +
-                      "{/color}{align:right}<F12> {color:dark-grey}" + Strings()->GetString(kShutDownRestart) +
-                      "{/color}{/align}");
+                      "{/color}{align:right}<F12> {color:dark-grey}" +
+                      Strings()->GetString(kShutDownRestart) + "{/color}{/align}");
     Refresh();
 }
 
@@ -226,7 +236,9 @@ int WelcomeWindow::HandleKey() {
     }
 }
 
-bool WelcomeWindow::LoginAllowed() { return access(kLoginMarker, F_OK) == 0; }
+bool WelcomeWindow::LoginAllowed() {
+    return access(kLoginMarker, F_OK) == 0;
+}
 
 void WelcomeWindow::RunSession(bool customize) {
     try {

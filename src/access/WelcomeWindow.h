@@ -13,7 +13,7 @@ class TextArea;
 // The idle screen: who the host is, where to manage it from, warnings about its state, and the keys
 // that lead to a login. It owns the session round trip and ends idle sessions.
 class WelcomeWindow : public Frame {
-public:
+  public:
     explicit WelcomeWindow(HostAccess& host = HostAccess::System());
     int HandleKey() override;
     void Notification() override;
@@ -26,7 +26,7 @@ public:
     // The management addresses block, from the heading down to the sorted IPv6 lines.
     std::string AddressText();
 
-private:
+  private:
     static bool LoginAllowed();
     // One login round: the login dialog, then the menu (F2) or the shutdown dialog (F12).
     void RunSession(bool customize);

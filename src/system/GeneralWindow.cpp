@@ -6,9 +6,9 @@
 #include <algorithm>
 
 #include "access/ChangePasswordDialog.h"
-#include "app/terminal/KeyReader.h"
 #include "app/frames/Footers.h"
 #include "app/frames/MessageDialog.h"
+#include "app/terminal/KeyReader.h"
 #include "app/terminal/Keys.h"
 #include "app/terminal/Session.h"
 #include "platform/hostctl/HostCtlException.h"
@@ -50,7 +50,6 @@ enum StringId : unsigned {
     kEnabled = 113,
     kDisabled = 114,
 };
-
 
 // A host value for the detail pane; a host that cannot tell it leaves the line out.
 std::string Guarded(std::string (*read)()) {
@@ -95,7 +94,8 @@ MenuFacts GeneralWindow::ReadHostFacts(HostAccess& host) {
     return facts;
 }
 
-GeneralWindow::GeneralWindow(Frame* parent, HostAccess& host) : GeneralWindow(parent, ReadHostFacts(host), host) {}
+GeneralWindow::GeneralWindow(Frame* parent, HostAccess& host)
+    : GeneralWindow(parent, ReadHostFacts(host), host) {}
 
 GeneralWindow::GeneralWindow(Frame* parent, const MenuFacts& facts, HostAccess& host)
     : RootWindow(parent), _host(host), _lockdownEnabled(facts.lockdownEnabled) {

@@ -6,7 +6,9 @@ namespace Kovo {
 
 PowerConfirmDialog::PowerConfirmDialog(Frame* parent, bool keepVms, unsigned titleId, unsigned bodyId,
                                        std::string command, HostAccess& host)
-    : Dialog(parent, {70, 10, 7, titleId, bodyId}), _keepVms(keepVms), _command(std::move(command)),
+    : Dialog(parent, {70, 10, 7, titleId, bodyId}),
+      _keepVms(keepVms),
+      _command(std::move(command)),
       _host(host) {}
 
 int PowerConfirmDialog::HandleKey() {

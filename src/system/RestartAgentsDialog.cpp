@@ -33,7 +33,9 @@ RestartAgentsDialog::RestartAgentsDialog(Frame* parent, HostAccess& host)
     ShowItems();
 }
 
-bool RestartAgentsDialog::CollectLiveCore() const { return _liveCore.IsChecked(); }
+bool RestartAgentsDialog::CollectLiveCore() const {
+    return _liveCore.IsChecked();
+}
 
 void* RestartAgentsDialog::GenerateAgentLiveCore(void*) {
     syslog(LOG_INFO, "%s", "Executing zenkbacktrace -c against hagentd");

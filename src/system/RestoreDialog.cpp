@@ -31,7 +31,9 @@ bool RestoreDialog::Run() {
 }
 
 // Only a restart makes the reset take effect, so Enter restarts the host and Esc is no way out.
-const char* RestoreDialog::DoneFooter() const { return Footer::kRestartHost; }
+const char* RestoreDialog::DoneFooter() const {
+    return Footer::kRestartHost;
+}
 
 int RestoreDialog::Finish() {
     if (_host.Shell("reboot -f") == -1) return 0;

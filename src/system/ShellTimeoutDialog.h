@@ -15,7 +15,6 @@ class ShellTimeoutDialog : public TimeoutDialog {
   public:
     explicit ShellTimeoutDialog(Frame* parent, HostAccess& host = HostAccess::System());
 
-
   protected:
     void Apply() override;
 

@@ -22,7 +22,9 @@ ShutdownDialog::ShutdownDialog(Frame* parent, HostAccess& host)
     ShowItems();
 }
 
-bool ShutdownDialog::ForceTerminate() const { return _terminate.IsChecked(); }
+bool ShutdownDialog::ForceTerminate() const {
+    return _terminate.IsChecked();
+}
 
 bool ShutdownDialog::OnKey(int key) {
     if (key != KEY_F(2) && key != KEY_F(11)) return false;

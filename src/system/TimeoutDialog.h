@@ -30,7 +30,6 @@ class TimeoutDialog : public Dialog {
     std::optional<uint32_t> ReadMinutes(std::size_t index);
     HostAccess& Host() const { return _host; }
 
-
   private:
     HostAccess& _host;
     std::vector<InputItem*> _fields;  // owned by the dialog's items

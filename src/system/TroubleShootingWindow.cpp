@@ -137,7 +137,8 @@ void TroubleShootingWindow::UpdateDetails() {
     }
     RightTitle()->SetText(title);
     Details()->SetText(text);
-    RightFooter()->SetText(entry == kRestartAgentsEntry ? Footer::kDetailRestartExit : Footer::kDetailChangeExit);
+    RightFooter()->SetText(entry == kRestartAgentsEntry ? Footer::kDetailRestartExit
+                                                        : Footer::kDetailChangeExit);
 }
 
 void TroubleShootingWindow::Toggle(const Service& service, bool& enabled) {

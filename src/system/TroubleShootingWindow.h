@@ -3,8 +3,8 @@
 #include <memory>
 #include <vector>
 
-#include "app/frames/RootWindow.h"
 #include "app/frames/HostAccess.h"
+#include "app/frames/RootWindow.h"
 
 namespace Kovo {
 

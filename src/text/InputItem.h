@@ -9,7 +9,7 @@ namespace Kovo {
 // A labelled, editable text field. Moving onto it arms replace mode, so typing replaces the whole
 // value, while moving the cursor first edits in place.
 class InputItem : public Item {
-public:
+  public:
     // A field width of -1 takes half the line's width minus one.
     InputItem(std::string label, std::string text, int fieldWidth);
     ~InputItem() override = default;
@@ -29,7 +29,7 @@ public:
     int Offset() const { return _offset; }
     bool ReplaceMode() const { return _replace; }
 
-private:
+  private:
     void Clear();
 
     std::string _label;

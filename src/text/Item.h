@@ -6,7 +6,7 @@ class TextArea;
 
 // One line of an ItemList. The list draws each visible item into its own one-line text area.
 class Item {
-public:
+  public:
     // Called whenever the selected state changes.
     virtual void OnSelect() {}
     virtual ~Item() = default;
@@ -22,12 +22,12 @@ public:
     int Background() const { return _background; }
     int Foreground() const { return _foreground; }
 
-protected:
+  protected:
     explicit Item(bool selectable) : _selectable(selectable) {}
     Item(const Item&) = default;
     Item& operator=(const Item&) = default;
 
-private:
+  private:
     bool _selectable;
     bool _selected = false;
     bool _enabled = true;

@@ -12,7 +12,7 @@ class TextArea;
 // A vertically scrolling list of items with a one-column scroll bar on the right. It reads no keys:
 // the owning dialog moves the selection and edits or toggles the selected item itself.
 class ItemList : public Window {
-public:
+  public:
     ItemList(Window* parent, int x, int y, int width, int height);
     ~ItemList() override = default;
 
@@ -30,7 +30,7 @@ public:
     int Top() const { return _top; }
     int Row() const { return _row; }
 
-private:
+  private:
     int Visible() const { return static_cast<int>(_lines.size()); }
     void SelectPrevious();
     void SelectNext();

@@ -8,7 +8,7 @@ namespace Kovo {
 
 // A line of plain markup text; selectable when it stands for a choice of a menu.
 class LabelItem : public Item {
-public:
+  public:
     LabelItem(std::string text, bool selectable);
     ~LabelItem() override = default;
 
@@ -17,7 +17,7 @@ public:
     void SetText(std::string text) { _text = std::move(text); }
     const std::string& Text() const { return _text; }
 
-private:
+  private:
     std::string _text;
 };
 

@@ -3,7 +3,11 @@
 namespace Kovo {
 
 MarkedItem::MarkedItem(std::string caption, bool checked, const char* onMark, const char* offMark)
-    : LabelItem({}, true), _checked(checked), _caption(std::move(caption)), _onMark(onMark), _offMark(offMark) {
+    : LabelItem({}, true),
+      _checked(checked),
+      _caption(std::move(caption)),
+      _onMark(onMark),
+      _offMark(offMark) {
     SetChecked(checked);
 }
 

@@ -10,7 +10,7 @@ namespace Kovo {
 namespace {
 
 class Painter {
-public:
+  public:
     Painter(const MarkupCanvas& canvas, const MarkupColors& colors)
         : _c(canvas), _colors(colors), _background(canvas.background), _foreground(canvas.foreground) {
         // Every render starts in the area's own colours, whatever an earlier text left switched on.
@@ -46,7 +46,7 @@ public:
         Flush();
     }
 
-private:
+  private:
     // Writes the gathered run at the current place. A run never spills into the next row: curses would
     // wrap it there and the next line would be drawn over it.
     void Flush() {

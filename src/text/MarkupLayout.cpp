@@ -28,7 +28,7 @@ long PaddingWidth(std::string_view digits) {
 
 // One run of the layout pass. The output position is always the length of `_out`.
 class Layout {
-public:
+  public:
     Layout(int width, const MarkupVariables& variables)
         : _width(std::max(width, 1)), _room(_width), _variables(variables) {}
 
@@ -56,7 +56,7 @@ public:
         return std::move(_out);
     }
 
-private:
+  private:
     bool FieldFull() const { return _mode == Align::Padding && _field <= 0; }
 
     void Take(char c) {

@@ -5,7 +5,7 @@ namespace Kovo {
 // Every text the operator reads, by numeric id. Texts carry markup and are constant, NUL-terminated
 // UTF-8 that lives as long as the process; callers neither free nor copy-own them.
 class StringFactory {
-public:
+  public:
     virtual ~StringFactory() = default;
 
     // The text of the id; the empty string for an id that has none, so a screen shows an empty line

@@ -12,7 +12,7 @@ namespace Kovo {
 // A rectangle that shows marked-up text: colour tags, align tags and host-value variables. The text is
 // kept and laid out afresh on every render, so variables always show current values.
 class TextArea : public Window {
-public:
+  public:
     TextArea(Window* parent, int dx, int dy, int width, int height, int background = -1, int foreground = -1);
     ~TextArea() override = default;
 
@@ -50,7 +50,7 @@ public:
     static std::string GetCPLDVersion();
     static std::string GetPLSAVersion();
 
-private:
+  private:
     void Render();
 
     std::string _text;

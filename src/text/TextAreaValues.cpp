@@ -7,9 +7,9 @@
 
 #include "app/terminal/CommandRunner.h"
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/zenkctl/HostFactory.h"
 #include "platform/zenkctl/DnsConfigImpl.h"
 #include "platform/zenkctl/HardwareInfoImpl.h"
+#include "platform/zenkctl/HostFactory.h"
 #include "platform/zenkctl/MemoryInfoImpl.h"
 #include "platform/zenkctl/NetworkInfoImpl.h"
 #include "platform/zenkctl/StorageInfoImpl.h"
@@ -54,21 +54,29 @@ std::string SshFingerprint(const char* keyFile) {
 
 ZenkCtl::Util::SysinfoVersionRecord ReadVersionRecord() {
     ZenkCtl::Util::SysinfoVersionRecord record{};
-    ZenkCtl::Util::SysinfoUtil::SysinfoGet(ZenkCtl::Util::SYSNODE_system_version, &record, sizeof record, nullptr);
+    ZenkCtl::Util::SysinfoUtil::SysinfoGet(ZenkCtl::Util::SYSNODE_system_version, &record, sizeof record,
+                                           nullptr);
     return record;
 }
 
-std::string Field(const char* text, size_t size) { return std::string(text, strnlen(text, size)); }
+std::string Field(const char* text, size_t size) {
+    return std::string(text, strnlen(text, size));
+}
 
 enum FirmwareComponent { kPlsa = 1, kBmc = 2, kBios = 3, kAssetTag = 4 };
 
 const char* ComponentName(int component) {
     switch (component) {
-        case kPlsa: return "PLSA";
-        case kBmc: return "BMC";
-        case kBios: return "BIOS";
-        case kAssetTag: return "asset tag";
-        default: return "unknown";
+        case kPlsa:
+            return "PLSA";
+        case kBmc:
+            return "BMC";
+        case kBios:
+            return "BIOS";
+        case kAssetTag:
+            return "asset tag";
+        default:
+            return "unknown";
     }
 }
 
@@ -77,8 +85,10 @@ std::string FirmwareString(int component) {
         auto host = HostCtl::HostFactory::GetHost();
         auto hardware = host->GetHardwareInfo();
         switch (component) {
-            case kPlsa: return host->GetStorageInfo()->GetAdapterVersion("zenhba0");
-            case kBmc: return hardware->GetBmcVersion();
+            case kPlsa:
+                return host->GetStorageInfo()->GetAdapterVersion("zenhba0");
+            case kBmc:
+                return hardware->GetBmcVersion();
             case kBios: {
                 auto bios = hardware->GetBiosInfo();
                 char line[256];
@@ -86,8 +96,11 @@ std::string FirmwareString(int component) {
                          bios.minorRelease, bios.releaseDate.c_str());
                 return line;
             }
-            case kAssetTag: return hardware->GetAssetTag();
-            default: syslog(LOG_ERR, "Invalid version id: %d requested", component); return {};
+            case kAssetTag:
+                return hardware->GetAssetTag();
+            default:
+                syslog(LOG_ERR, "Invalid version id: %d requested", component);
+                return {};
         }
     } catch (const HostCtl::Lib::HostCtlException& e) {
         syslog(LOG_ERR, "Get %s version string failed, err=%s", ComponentName(component), e.what());
@@ -109,7 +122,8 @@ std::string TextArea::GetIpValue() {
 }
 
 std::string TextArea::GetSSLThumbprintValue() {
-    Captured r = Run("/bin/openssl", {"openssl", "x509", "-in", kSslCertificate, "-noout", "-fingerprint", "-sha1"});
+    Captured r =
+        Run("/bin/openssl", {"openssl", "x509", "-in", kSslCertificate, "-noout", "-fingerprint", "-sha1"});
     if (r.status != 0) return {};
     char word[256] = {};
     // Newer openssl names the digest in lower case.
@@ -119,10 +133,16 @@ std::string TextArea::GetSSLThumbprintValue() {
     return word;
 }
 
-std::string TextArea::GetSSHDsaKeyFingerprintValue() { return SshFingerprint("/etc/ssh/ssh_host_dsa_key"); }
-std::string TextArea::GetSSHRsaKeyFingerprintValue() { return SshFingerprint("/etc/ssh/ssh_host_rsa_key"); }
+std::string TextArea::GetSSHDsaKeyFingerprintValue() {
+    return SshFingerprint("/etc/ssh/ssh_host_dsa_key");
+}
+std::string TextArea::GetSSHRsaKeyFingerprintValue() {
+    return SshFingerprint("/etc/ssh/ssh_host_rsa_key");
+}
 
-std::string TextArea::GetSerialNumberValue() { return ZenkCtl::Hardware::HardwareInfoImpl().GetSerialNumber(); }
+std::string TextArea::GetSerialNumberValue() {
+    return ZenkCtl::Hardware::HardwareInfoImpl().GetSerialNumber();
+}
 
 std::string TextArea::GetHostnameValue() {
     ZenkCtl::Network::DnsConfigImpl dns("defaultNetStack");
@@ -150,8 +170,12 @@ std::string TextArea::GetQORVersion() {
     }
 }
 
-std::string TextArea::GetSupportStart() { return "N/A"; }
-std::string TextArea::GetSupportPeriod() { return "N/A"; }
+std::string TextArea::GetSupportStart() {
+    return "N/A";
+}
+std::string TextArea::GetSupportPeriod() {
+    return "N/A";
+}
 
 std::string FormatMemory(uint64_t totalPages, uint64_t pageSize) {
     constexpr uint64_t kQuarterGiB = 268435456;
@@ -184,10 +208,20 @@ std::string TextArea::GetServiceTag() {
     }
 }
 
-std::string TextArea::GetAssetTag() { return FirmwareString(kAssetTag); }
-std::string TextArea::GetBIOSVersion() { return FirmwareString(kBios); }
-std::string TextArea::GetBMCVersion() { return FirmwareString(kBmc); }
-std::string TextArea::GetCPLDVersion() { return "N/A"; }
-std::string TextArea::GetPLSAVersion() { return FirmwareString(kPlsa); }
+std::string TextArea::GetAssetTag() {
+    return FirmwareString(kAssetTag);
+}
+std::string TextArea::GetBIOSVersion() {
+    return FirmwareString(kBios);
+}
+std::string TextArea::GetBMCVersion() {
+    return FirmwareString(kBmc);
+}
+std::string TextArea::GetCPLDVersion() {
+    return "N/A";
+}
+std::string TextArea::GetPLSAVersion() {
+    return FirmwareString(kPlsa);
+}
 
 }  // namespace Kovo

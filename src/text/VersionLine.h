@@ -15,7 +15,7 @@ std::string FormatVersionLine(const ZenkCtl::Util::SysinfoVersionRecord& record)
 // The host's version line, read on first need and then kept. While the host cannot report its version
 // (the source throws HostCtl::Lib::HostCtlException) the line is empty and the next Get() tries again.
 class VersionLine {
-public:
+  public:
     using Source = std::function<std::string()>;
 
     explicit VersionLine(Source source);
@@ -23,7 +23,7 @@ public:
     // Once non-empty, the returned text never changes and stays valid as long as this object.
     const char* Get();
 
-private:
+  private:
     Source _source;
     std::string _line;
 };

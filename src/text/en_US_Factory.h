@@ -7,7 +7,7 @@ namespace Kovo {
 // The English table. Stateless: the texts are compiled in, and the one computed text (the host's
 // version line) is cached process-wide, not per object.
 class en_US_Factory : public StringFactory {
-public:
+  public:
     static constexpr unsigned int kVersionLineId = 2;
     static constexpr unsigned int kLastId = 266;
 

@@ -28,8 +28,7 @@ TEST(Actions, ShutDownWithTheBoxClearPowersVmsOffGracefullyAndTheHostOff) {
     EXPECT_EQ(host->SyslogLines({"user.info", "]: Shutting down host"}).size(), 1u);
     EXPECT_FALSE(host->SyslogLines({"init: powering off"}).empty()) << host->Syslog();
     const nlohmann::json store = StoreOnDisk(*host);  // kept: the loop reads into it
-    for (const auto& vm : store["vms"])
-        EXPECT_NE(vm.dump().find("poweredOff"), std::string::npos) << vm;
+    for (const auto& vm : store["vms"]) EXPECT_NE(vm.dump().find("poweredOff"), std::string::npos) << vm;
 }
 
 TEST(Actions, RestartWithTheBoxCheckedTerminatesVmsAndTheConsoleComesBack) {

@@ -19,7 +19,9 @@ using namespace std::chrono_literals;
 namespace {
 
 // Row 0 lies behind every dialog: the welcome screen's upper panel, dark grey when active.
-bool WelcomeActive(const VirtualTerminal& screen) { return screen.CellAt(0, 0).bg.IsIndex(6); }
+bool WelcomeActive(const VirtualTerminal& screen) {
+    return screen.CellAt(0, 0).bg.IsIndex(6);
+}
 bool WelcomeGreyed(const VirtualTerminal& screen) {
     auto cell = screen.CellAt(0, 0);
     auto bottom = screen.CellAt(screen.Rows() - 1, 0);

@@ -22,8 +22,9 @@ bool LoginBodyActive(const KovoTerm::VirtualTerminal& screen) {
 TEST(PlatformFailure, UnderTheLoginsKeyboardDialogLeavesTheLoginActiveAndWorking) {
     ConsoleStart start;
     start.term = "xterm";  // at the machine's keyboard: the login dialog offers the keyboard layout
-    auto host = MakeHost("default", {{"/simulation/faults/SystemInfo.LoadKeyboardMappings", "\"mappings unreadable\""}},
-                         start);
+    auto host =
+        MakeHost("default",
+                 {{"/simulation/faults/SystemInfo.LoadKeyboardMappings", "\"mappings unreadable\""}}, start);
     ASSERT_TRUE(host->WaitForFirstPaint()) << host->Term().Dump();
     pid_t console = host->WaitForConsole();
     host->Term().Press(Key::F2);
@@ -34,7 +35,8 @@ TEST(PlatformFailure, UnderTheLoginsKeyboardDialogLeavesTheLoginActiveAndWorking
     ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
 
     host->Term().Press(Key::Enter);
-    EXPECT_TRUE(host->WaitForSyslog({"user.err", "Unable to change the keyboard layout: mappings unreadable"}))
+    EXPECT_TRUE(
+        host->WaitForSyslog({"user.err", "Unable to change the keyboard layout: mappings unreadable"}))
         << host->Syslog();
     ASSERT_TRUE(host->Term().WaitForTextGone(kKeyboardDialogText)) << host->Term().Dump();
     EXPECT_TRUE(host->Term().WaitFor(LoginBodyActive)) << "login left greyed\n" << host->Term().Dump();

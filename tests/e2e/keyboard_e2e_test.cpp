@@ -22,11 +22,13 @@ TEST(Keyboard, EnterWithoutMovingReappliesTheCurrentLayoutAndLogs) {
     ASSERT_TRUE(OpenFromMenu(*host, kKeyboardDowns, kKeyboardDialogText)) << host->Term().Dump();
 
     host->Term().Press(Key::Enter);
-    EXPECT_TRUE(host->WaitForSyslog({"user.info", "]: Keyboard Layout changed to US Default"})) << host->Syslog();
+    EXPECT_TRUE(host->WaitForSyslog({"user.info", "]: Keyboard Layout changed to US Default"}))
+        << host->Syslog();
     EXPECT_TRUE(host->Term().WaitForTextGone(kKeyboardDialogText)) << host->Term().Dump();
     EXPECT_EQ(StoreValue(*host, "/system/keyboard/layout"), "\"US Default\"");
     // The host records which layout's mappings it loaded last.
-    EXPECT_EQ(StoreValue(*host, "/system/keyboard/mappingsLoaded"), "\"US Default\"") << "mappings not loaded again";
+    EXPECT_EQ(StoreValue(*host, "/system/keyboard/mappingsLoaded"), "\"US Default\"")
+        << "mappings not loaded again";
 }
 
 TEST(Keyboard, EscChangesNothing) {

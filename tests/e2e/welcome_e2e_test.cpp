@@ -52,7 +52,8 @@ TEST_P(WelcomeScreen, ShowsTheHostAsItIs) {
         EXPECT_GE(row, previous) << "out of order: " << text << "\n" << host->Term().Dump();
         previous = row;
     }
-    for (const std::string& text : c.absent) EXPECT_LT(RowOf(screen, text), 0) << text << "\n" << host->Term().Dump();
+    for (const std::string& text : c.absent)
+        EXPECT_LT(RowOf(screen, text), 0) << text << "\n" << host->Term().Dump();
 }
 
 const std::string kDhcpWarning = "Warning: DHCP lookup failed.";
@@ -61,28 +62,40 @@ const std::string kAuditWarning = "Warning: Host is running in audit mode.";
 INSTANTIATE_TEST_SUITE_P(
     Hosts, WelcomeScreen,
     ::testing::Values(
-        WelcomeCase{"Healthy", "default", {},
-                    {"KOVO Host 1.0 Tech Preview (ZenKernel 1.0.0 Build 24680)", "Northwind Servers Northwind NS-2200",
-                     "2 x Sample Xeon-class CPU 4410 @ 2.40GHz", "128 GiB Memory", "To manage this host, go to:",
-                     "https://kovo-host-01/", "https://10.20.30.41/ (STATIC)",
+        WelcomeCase{"Healthy",
+                    "default",
+                    {},
+                    {"KOVO Host 1.0 Tech Preview (ZenKernel 1.0.0 Build 24680)",
+                     "Northwind Servers Northwind NS-2200", "2 x Sample Xeon-class CPU 4410 @ 2.40GHz",
+                     "128 GiB Memory", "To manage this host, go to:", "https://kovo-host-01/",
+                     "https://10.20.30.41/ (STATIC)",
                      // IPv6 lines sorted as text: the global address before the link-local one.
-                     "https://[2001:db8:20:30:21b:21ff:fe4a:1000]/ (AUTOCONF)", "https://[fe80::21b:21ff:fe4a:1000]/"},
+                     "https://[2001:db8:20:30:21b:21ff:fe4a:1000]/ (AUTOCONF)",
+                     "https://[fe80::21b:21ff:fe4a:1000]/"},
                     {kDhcpWarning, kAuditWarning, "7.0.0"}},
-        WelcomeCase{"DhcpWithoutLease", "dhcp-no-lease", {},
-                    {"https://0.0.0.0/ (Waiting for DHCP...)", kDhcpWarning}, {"(STATIC)"}},
-        WelcomeCase{"DhcpWithLease", "default",
+        WelcomeCase{"DhcpWithoutLease",
+                    "dhcp-no-lease",
+                    {},
+                    {"https://0.0.0.0/ (Waiting for DHCP...)", kDhcpWarning},
+                    {"(STATIC)"}},
+        WelcomeCase{"DhcpWithLease",
+                    "default",
                     {{"/network/zenkNics/0/ipConfig/ipv4/mode", "\"dhcp\""},
                      {"/network/dhcpLeases/zk0/ipv4",
                       R"({"address": "10.20.30.77", "netmask": "255.255.255.0", "gateway": "10.20.30.1"})"}},
-                    {"https://10.20.30.77/ (DHCP)"}, {kDhcpWarning, "(STATIC)"}},
+                    {"https://10.20.30.77/ (DHCP)"},
+                    {kDhcpWarning, "(STATIC)"}},
         WelcomeCase{"AuditMode", "audit-mode", {}, {kAuditWarning}, {}},
-        WelcomeCase{"OnePackageLocalhostNoIpv6", "default",
+        WelcomeCase{"OnePackageLocalhostNoIpv6",
+                    "default",
                     {{"/hardware/cpu/packages", "1"},
                      {"/network/dns/hostname", "\"localhost\""},
                      {"/network/ipv6Enabled", "false"}},
                     {"Sample Xeon-class CPU 4410 @ 2.40GHz", "https://10.20.30.41/ (STATIC)"},
                     {"1 x ", "https://localhost/", "https://["}},
-        WelcomeCase{"NoNetworkAdapter", "no-nic", {},
+        WelcomeCase{"NoNetworkAdapter",
+                    "no-nic",
+                    {},
                     {"No compatible network adapter found. Please consult the product's Hardware",
                      "Compatibility Guide (HCG) for a list of supported adapters."},
                     {"To manage this host, go to:"}}),
@@ -100,7 +113,9 @@ TEST(WelcomeScreenKeys, F4TogglesBlackAndWhite) {
     ConsoleStart start;
     start.term = "xterm-256color";
     auto host = KovoLoginE2e::MakeHost("default", {}, start);
-    auto colour = [](const VirtualTerminal& s) { return s.CellAt(0, 0).bg.IsIndex(6) && !s.CellAt(0, 0).reverse; };
+    auto colour = [](const VirtualTerminal& s) {
+        return s.CellAt(0, 0).bg.IsIndex(6) && !s.CellAt(0, 0).reverse;
+    };
     auto mono = [](const VirtualTerminal& s) { return s.CellAt(0, 0).reverse; };
     ASSERT_TRUE(host->Term().WaitFor(colour)) << host->Term().Dump();
     host->Term().Press(Key::F4);

@@ -14,8 +14,9 @@ TEST(CommandRunnerOnHost, UserTheToolRejectsIsRetriedOnceAsTheConsolesOwnUser) {
     ASSERT_EQ(runs.size(), 2u) << host.Commands();
     EXPECT_NE(runs[0].find("\"viewer\""), std::string::npos) << runs[0];
     EXPECT_NE(runs[1].find("\"kovo\""), std::string::npos) << runs[1];
-    auto logged = LinesWith(host.Syslog(),
-                            "]: Unable to execute command hcl-cmd internalsvc/refresh using user viewer. Using user kovo");
+    auto logged = LinesWith(
+        host.Syslog(),
+        "]: Unable to execute command hcl-cmd internalsvc/refresh using user viewer. Using user kovo");
     ASSERT_EQ(logged.size(), 1u) << host.Syslog();
     EXPECT_NE(logged[0].find(" user.info KOVO["), std::string::npos) << logged[0];
 }

@@ -33,11 +33,14 @@ ProbeHost::ProbeHost(const std::string& scenario)
     fs::create_directories(_dir.parent_path());
 }
 
-ProbeHost::~ProbeHost() { fs::remove_all(_dir); }
+ProbeHost::~ProbeHost() {
+    fs::remove_all(_dir);
+}
 
 std::string ProbeHost::Probe(const std::string& args) {
     std::string command = std::string(KOVO_LAUNCHER) + " run --dir " + Quote(_dir.string()) + " --scenario " +
-                          _scenario + " --once --kovo " + KOVO_HOST_PROBE + " -- " + args + " </dev/null 2>/dev/null";
+                          _scenario + " --once --kovo " + KOVO_HOST_PROBE + " -- " + args +
+                          " </dev/null 2>/dev/null";
     std::string out;
     if (FILE* p = popen(command.c_str(), "r")) {
         char buf[512];
@@ -49,8 +52,8 @@ std::string ProbeHost::Probe(const std::string& args) {
 
 bool ProbeHost::Set(const std::string& pointer, const std::string& json) {
     if (!fs::exists(_dir)) Probe("nothing");  // the first boot creates the host from its scenario
-    std::string command = std::string(KOVO_LAUNCHER) + " set " + Quote(_dir.string()) + " " + Quote(pointer) + " " +
-                          Quote(json) + " >/dev/null 2>&1";
+    std::string command = std::string(KOVO_LAUNCHER) + " set " + Quote(_dir.string()) + " " + Quote(pointer) +
+                          " " + Quote(json) + " >/dev/null 2>&1";
     return system(command.c_str()) == 0;
 }
 
@@ -62,8 +65,12 @@ int ProbeHost::Exec(const std::string& commandLine) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-std::string ProbeHost::Commands() const { return Slurp(_dir / "upper/var/log/kovo-sim/commands.log"); }
-std::string ProbeHost::Syslog() const { return Slurp(_dir / "upper/var/log/syslog.log"); }
+std::string ProbeHost::Commands() const {
+    return Slurp(_dir / "upper/var/log/kovo-sim/commands.log");
+}
+std::string ProbeHost::Syslog() const {
+    return Slurp(_dir / "upper/var/log/syslog.log");
+}
 
 std::vector<std::string> LinesWith(const std::string& text, const std::string& needle) {
     std::vector<std::string> lines;

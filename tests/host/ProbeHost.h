@@ -8,7 +8,7 @@ namespace KovoHostTest {
 
 // A simulated host in a fresh directory of its own, booted once per probe run.
 class ProbeHost {
-public:
+  public:
     explicit ProbeHost(const std::string& scenario = "default");
     ~ProbeHost();
 
@@ -22,7 +22,7 @@ public:
     std::string Commands() const;
     std::string Syslog() const;
 
-private:
+  private:
     std::filesystem::path _dir;
     std::string _scenario;
 };

@@ -13,7 +13,8 @@ namespace {
 constexpr int kStart = 1;
 }  // namespace
 
-ConfirmProgressDialog::ConfirmProgressDialog(Frame* parent, const DialogLayout& layout) : Dialog(parent, layout) {}
+ConfirmProgressDialog::ConfirmProgressDialog(Frame* parent, const DialogLayout& layout)
+    : Dialog(parent, layout) {}
 
 bool ConfirmProgressDialog::OnKey(int key) {
     if (key != KEY_F(11)) return false;
@@ -21,7 +22,9 @@ bool ConfirmProgressDialog::OnKey(int key) {
     return true;
 }
 
-const char* ConfirmProgressDialog::DoneFooter() const { return Footer::kOk; }
+const char* ConfirmProgressDialog::DoneFooter() const {
+    return Footer::kOk;
+}
 
 TextArea& ConfirmProgressDialog::Progress() {
     if (!_progress) _progress = &AddTextArea(0, 0, Content()->Width(), Content()->Height(), kBlack);
@@ -35,7 +38,9 @@ void ConfirmProgressDialog::ShowProgress(const std::string& running) {
     Progress().SetText(text);
 }
 
-void ConfirmProgressDialog::AddFinished(const std::string& line) { _finished.push_back(line); }
+void ConfirmProgressDialog::AddFinished(const std::string& line) {
+    _finished.push_back(line);
+}
 
 int ConfirmProgressDialog::HandleKey() {
     if (Dialog::HandleKey() != kStart) return 0;

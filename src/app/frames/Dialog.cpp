@@ -37,8 +37,8 @@ bool AcceptsKey(FieldKeys keys, int key) {
 }
 
 Dialog::Dialog(Frame* parent, const DialogLayout& layout)
-    : Frame(parent, (COLS - layout.width) / 2, (LINES - layout.height) / 2, layout.width, layout.height, kBlack,
-            kWhite) {
+    : Frame(parent, (COLS - layout.width) / 2, (LINES - layout.height) / 2, layout.width, layout.height,
+            kBlack, kWhite) {
     const int width = layout.width;
     const int headerHeight = layout.headerHeight;
     Erase();
@@ -63,9 +63,15 @@ void Dialog::SetActive(bool active) {
     Window::SetActive(active);
 }
 
-void Dialog::SetTitle(const std::string& text) { _title->SetText(text); }
-void Dialog::SetText(const std::string& text) { _message->SetText(text); }
-void Dialog::SetFooter(const std::string& text) { _footer->SetText(text); }
+void Dialog::SetTitle(const std::string& text) {
+    _title->SetText(text);
+}
+void Dialog::SetText(const std::string& text) {
+    _message->SetText(text);
+}
+void Dialog::SetFooter(const std::string& text) {
+    _footer->SetText(text);
+}
 
 ItemList& Dialog::Items() {
     if (!_list) _list = new ItemList(_content, 0, 0, _content->Width(), _content->Height());

@@ -29,10 +29,10 @@ struct DialogLayout {
 
 // The characters an input field accepts besides the editing keys.
 enum class FieldKeys {
-    Digits,       // 0-9
-    Address,      // hexadecimal digits, '.', ':' and '/': IPv4 and IPv6 addresses with a prefix
-    HostName,     // letters, digits, '.', '-' and '_'
-    Printable,    // any printable character
+    Digits,     // 0-9
+    Address,    // hexadecimal digits, '.', ':' and '/': IPv4 and IPv6 addresses with a prefix
+    HostName,   // letters, digits, '.', '-' and '_'
+    Printable,  // any printable character
 };
 // True when `key` is a character a field of the class takes.
 bool AcceptsKey(FieldKeys keys, int key);
@@ -42,8 +42,9 @@ bool AcceptsKey(FieldKeys keys, int key);
 //
 // A dialog describes itself with a DialogLayout, adds its items through the helpers below (the dialog
 // owns them, the list only shows them), and handles only its own keys in OnKey; the common keys are
-// handled here: Enter applies and closes with 1 unless the dialog says otherwise, Esc closes with 0, Up/Down move between items, Space toggles the focused check box or
-// chooses the focused radio item, and editing keys go to the focused field if its class takes them.
+// handled here: Enter applies and closes with 1 unless the dialog says otherwise, Esc closes with 0, Up/Down
+// move between items, Space toggles the focused check box or chooses the focused radio item, and editing keys
+// go to the focused field if its class takes them.
 class Dialog : public Frame {
   public:
     Dialog(Frame* parent, const DialogLayout& layout);

@@ -4,7 +4,8 @@
 // texts: operators learn them, so every screen that offers the same keys shows the same line.
 namespace Kovo::Footer {
 
-inline constexpr const char* kOk = "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}{/align}";
+inline constexpr const char* kOk =
+    "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}{/align}";
 inline constexpr const char* kOkCancel =
     "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}  {color:black}<Esc>{/color} "
     "{color:dark-grey}Cancel{/color}{/align}";
@@ -15,11 +16,13 @@ inline constexpr const char* kConfirmCancel =
     "{color:black}<Enter>{/color} {color:dark-grey}Confirm{/color}{align:right}{color:black}<Esc>{/color} "
     "{color:dark-grey}Cancel{/color}{/align}";
 inline constexpr const char* kToggleOkCancel =
-    "{color:black}<Space>{/color} {color:dark-grey}Toggle Selected{/color}{align:right}{color:black}<Enter>{/color} "
+    "{color:black}<Space>{/color} {color:dark-grey}Toggle "
+    "Selected{/color}{align:right}{color:black}<Enter>{/color} "
     "{color:dark-grey}OK{/color}  {color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 inline constexpr const char* kSelectToggleOkCancel =
     "{color:black}<Up/Down>{/color} {color:dark-grey}Select{/color}  {color:black}<Space>{/color} "
-    "{color:dark-grey}Toggle Selected{/color}{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}"
+    "{color:dark-grey}Toggle Selected{/color}{align:right}{color:black}<Enter>{/color} "
+    "{color:dark-grey}OK{/color}"
     "  {color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 inline constexpr const char* kShutDownRestartCancel =
     "{color:black}<F2>{/color} {color:dark-grey}Shut Down{/color}  {color:black}<F11>{/color} "

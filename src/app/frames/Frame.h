@@ -10,7 +10,7 @@ class StringFactory;
 // A window with a modal key loop, a parent frame and the shared string table. Frames are shown only
 // through RunModal(), so dialogs stack exactly as the calls nest.
 class Frame : public Window, public Session {
-public:
+  public:
     Frame(Frame* parent, int x, int y, int width, int height, int background, int foreground);
     ~Frame() override;
 
@@ -28,7 +28,7 @@ public:
     // The frame on top of the modal chain; null while none is shown.
     static Frame* fgFrame;
 
-private:
+  private:
     // Gives the screen back to the parent when this frame's loop has ended.
     void Reactivate();
 

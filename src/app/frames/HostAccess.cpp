@@ -48,19 +48,29 @@ int HostAccess::RunCaptured(const std::string& program, const std::vector<std::s
     return Kovo::RunCaptured(program, argv, output, error, capacity);
 }
 
-int HostAccess::Shell(const std::string& commandLine) { return RunShell(commandLine); }
+int HostAccess::Shell(const std::string& commandLine) {
+    return RunShell(commandLine);
+}
 
-void HostAccess::PowerOffVms(bool graceful) { Kovo::PowerOffVms(graceful); }
+void HostAccess::PowerOffVms(bool graceful) {
+    Kovo::PowerOffVms(graceful);
+}
 
-bool HostAccess::Query(const char* commandPath) { return HclCmdQuery(commandPath); }
+bool HostAccess::Query(const char* commandPath) {
+    return HclCmdQuery(commandPath);
+}
 
 int HostAccess::Exec(const std::string& commandLine) {
     return ZenkCtl::Util::ZenkCtl_Exec(commandLine, false, true, false);
 }
 
-void HostAccess::RefreshAgent() { RefreshHostAgent(); }
+void HostAccess::RefreshAgent() {
+    RefreshHostAgent();
+}
 
-void HostAccess::PostEvent(const std::string& text) { HostEvent::Post(text); }
+void HostAccess::PostEvent(const std::string& text) {
+    HostEvent::Post(text);
+}
 
 int HostAccess::StartThread(void* (*body)(void*)) {
     pthread_attr_t attributes;
@@ -74,10 +84,14 @@ int HostAccess::StartThread(void* (*body)(void*)) {
     return rc;
 }
 
-void HostAccess::WaitForHostDown(Window* frame) { GetKey(frame, true); }
+void HostAccess::WaitForHostDown(Window* frame) {
+    GetKey(frame, true);
+}
 
 // Not even the signal pipe is read: the host ends the process from outside.
-void HostAccess::SpinForHostDown() { std::this_thread::yield(); }
+void HostAccess::SpinForHostDown() {
+    std::this_thread::yield();
+}
 
 std::unique_ptr<ZenkCtl::Network::NetworkInfoImpl> HostAccess::Network() const {
     return std::make_unique<ZenkCtl::Network::NetworkInfoImpl>(_store);

@@ -6,7 +6,9 @@
 namespace Kovo {
 
 namespace {
-DialogLayout Layout(unsigned titleId, unsigned messageId) { return {70, 10, 7, titleId, messageId, Footer::kOk}; }
+DialogLayout Layout(unsigned titleId, unsigned messageId) {
+    return {70, 10, 7, titleId, messageId, Footer::kOk};
+}
 }  // namespace
 
 MessageDialog::MessageDialog(Frame* parent, unsigned titleId, unsigned messageId)

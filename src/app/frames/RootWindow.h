@@ -10,13 +10,13 @@ class TextArea;
 // A full-screen menu: entries on the left, a detail pane on the right that describes the selected
 // entry, and a status line at the bottom.
 class RootWindow : public Frame {
-public:
+  public:
     explicit RootWindow(Frame* parent);
 
     // Rebuilds the right-hand detail pane for the selected entry.
     virtual void UpdateDetails() = 0;
 
-protected:
+  protected:
     Window* MainArea() const { return _main; }
     Window* LeftPane() const { return _left; }
     Window* RightPane() const { return _right; }
@@ -28,7 +28,7 @@ protected:
     TextArea* Details() const { return _details; }
     TextArea* RightFooter() const { return _rightFooter; }
 
-private:
+  private:
     // All owned by the window tree.
     Window* _main;
     TextArea* _status;

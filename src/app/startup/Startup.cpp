@@ -26,12 +26,13 @@
 
 namespace Kovo {
 
-
 namespace {
 
 bool g_paletteReset = false;
 
-void EndCurses() { endwin(); }
+void EndCurses() {
+    endwin();
+}
 
 bool IsLinuxConsole(int fd) {
     char type = 0;
@@ -103,8 +104,8 @@ void InitColors() {
     const int colors[] = {kWhite, kBlack, kYellow, kLightGrey, kDarkGrey, kRed};
     for (int background : colors)
         for (int foreground : colors)
-            init_pair(static_cast<short>(ColorPairNumber(background, foreground)), static_cast<short>(foreground),
-                      static_cast<short>(background));
+            init_pair(static_cast<short>(ColorPairNumber(background, foreground)),
+                      static_cast<short>(foreground), static_cast<short>(background));
 }
 
 void DefineKeys() {
@@ -114,26 +115,73 @@ void DefineKeys() {
     };
     static const Binding bindings[] = {
         {"\033R", KEY_RESIZE},
-        {"\033[11~", KEY_F(1)}, {"\033[12~", KEY_F(2)}, {"\033[13~", KEY_F(3)}, {"\033[14~", KEY_F(4)},
-        {"\033[15~", KEY_F(5)}, {"\033[17~", KEY_F(6)}, {"\033[18~", KEY_F(7)}, {"\033[19~", KEY_F(8)},
-        {"\033[20~", KEY_F(9)}, {"\033[21~", KEY_F(10)}, {"\033[23~", KEY_F(11)}, {"\033[24~", KEY_F(12)},
+        {"\033[11~", KEY_F(1)},
+        {"\033[12~", KEY_F(2)},
+        {"\033[13~", KEY_F(3)},
+        {"\033[14~", KEY_F(4)},
+        {"\033[15~", KEY_F(5)},
+        {"\033[17~", KEY_F(6)},
+        {"\033[18~", KEY_F(7)},
+        {"\033[19~", KEY_F(8)},
+        {"\033[20~", KEY_F(9)},
+        {"\033[21~", KEY_F(10)},
+        {"\033[23~", KEY_F(11)},
+        {"\033[24~", KEY_F(12)},
         // Escape then a digit, for terminals that send no function-key sequences.
-        {"\0331", KEY_F(1)}, {"\0332", KEY_F(2)}, {"\0333", KEY_F(3)}, {"\0334", KEY_F(4)},
-        {"\0335", KEY_F(5)}, {"\0336", KEY_F(6)}, {"\0337", KEY_F(7)}, {"\0338", KEY_F(8)},
-        {"\0339", KEY_F(9)}, {"\0330", KEY_F(10)}, {"\033!", KEY_F(11)}, {"\033@", KEY_F(12)},
-        {"\033h", KEY_HOME}, {"\033k", KEY_END}, {"\033+", KEY_IC}, {"\033-", KEY_DC},
-        {"\033?", KEY_PPAGE}, {"\033/", KEY_NPAGE},
-        {"\033[M", KEY_F(1)}, {"\033[N", KEY_F(2)}, {"\033[O", KEY_F(3)}, {"\033[P", KEY_F(4)},
-        {"\033[Q", KEY_F(5)}, {"\033[R", KEY_F(6)}, {"\033[S", KEY_F(7)}, {"\033[T", KEY_F(8)},
-        {"\033[U", KEY_F(9)}, {"\033[V", KEY_F(10)}, {"\033[W", KEY_F(11)}, {"\033[X", KEY_F(12)},
-        {"\033OP", KEY_F(1)}, {"\033OQ", KEY_F(2)}, {"\033OR", KEY_F(3)}, {"\033OS", KEY_F(4)},
-        {"\033OT", KEY_F(5)}, {"\033OU", KEY_F(6)}, {"\033OV", KEY_F(7)}, {"\033OW", KEY_F(8)},
+        {"\0331", KEY_F(1)},
+        {"\0332", KEY_F(2)},
+        {"\0333", KEY_F(3)},
+        {"\0334", KEY_F(4)},
+        {"\0335", KEY_F(5)},
+        {"\0336", KEY_F(6)},
+        {"\0337", KEY_F(7)},
+        {"\0338", KEY_F(8)},
+        {"\0339", KEY_F(9)},
+        {"\0330", KEY_F(10)},
+        {"\033!", KEY_F(11)},
+        {"\033@", KEY_F(12)},
+        {"\033h", KEY_HOME},
+        {"\033k", KEY_END},
+        {"\033+", KEY_IC},
+        {"\033-", KEY_DC},
+        {"\033?", KEY_PPAGE},
+        {"\033/", KEY_NPAGE},
+        {"\033[M", KEY_F(1)},
+        {"\033[N", KEY_F(2)},
+        {"\033[O", KEY_F(3)},
+        {"\033[P", KEY_F(4)},
+        {"\033[Q", KEY_F(5)},
+        {"\033[R", KEY_F(6)},
+        {"\033[S", KEY_F(7)},
+        {"\033[T", KEY_F(8)},
+        {"\033[U", KEY_F(9)},
+        {"\033[V", KEY_F(10)},
+        {"\033[W", KEY_F(11)},
+        {"\033[X", KEY_F(12)},
+        {"\033OP", KEY_F(1)},
+        {"\033OQ", KEY_F(2)},
+        {"\033OR", KEY_F(3)},
+        {"\033OS", KEY_F(4)},
+        {"\033OT", KEY_F(5)},
+        {"\033OU", KEY_F(6)},
+        {"\033OV", KEY_F(7)},
+        {"\033OW", KEY_F(8)},
         {"\033OX", KEY_F(9)},
         {"\033OY", KEY_F(12)},  // there is deliberately no ESC O form for F10 or F11
-        {"\033OA", KEY_UP}, {"\033OB", KEY_DOWN}, {"\033OC", KEY_RIGHT}, {"\033OD", KEY_LEFT},
-        {"\033[A", KEY_UP}, {"\033[B", KEY_DOWN}, {"\033[C", KEY_RIGHT}, {"\033[D", KEY_LEFT},
-        {"\033[2~", KEY_IC}, {"\033[3~", KEY_DC}, {"\033[1~", KEY_HOME}, {"\033[4~", KEY_END},
-        {"\033[5~", KEY_PPAGE}, {"\033[6~", KEY_NPAGE},
+        {"\033OA", KEY_UP},
+        {"\033OB", KEY_DOWN},
+        {"\033OC", KEY_RIGHT},
+        {"\033OD", KEY_LEFT},
+        {"\033[A", KEY_UP},
+        {"\033[B", KEY_DOWN},
+        {"\033[C", KEY_RIGHT},
+        {"\033[D", KEY_LEFT},
+        {"\033[2~", KEY_IC},
+        {"\033[3~", KEY_DC},
+        {"\033[1~", KEY_HOME},
+        {"\033[4~", KEY_END},
+        {"\033[5~", KEY_PPAGE},
+        {"\033[6~", KEY_NPAGE},
         {"\177", KEY_BACKSPACE},
     };
     for (const Binding& b : bindings) define_key(b.sequence, b.key);

@@ -1,3 +1,5 @@
 #include "app/startup/Startup.h"
 
-int main(int argc, char** argv) { return Kovo::KovoMain(argc, argv); }
+int main(int argc, char** argv) {
+    return Kovo::KovoMain(argc, argv);
+}

@@ -31,7 +31,7 @@ constexpr int kQueryCapacity = 255;
 constexpr int kTickMs = 20;
 
 class Fd {
-public:
+  public:
     Fd() = default;
     explicit Fd(int fd) : _fd(fd) {}
     Fd(const Fd&) = delete;
@@ -47,7 +47,7 @@ public:
     }
     int Get() const { return _fd; }
 
-private:
+  private:
     int _fd = -1;
 };
 
@@ -117,7 +117,7 @@ bool Drain(Fd& fd, Capture& capture) {
 // Writing to a child that stopped reading must fail with EPIPE, not kill the console: SIGPIPE is held
 // back for this thread while a command runs and any one raised by it is discarded.
 class SigpipeGuard {
-public:
+  public:
     SigpipeGuard() {
         sigemptyset(&_pipe);
         sigaddset(&_pipe, SIGPIPE);
@@ -135,7 +135,7 @@ public:
         pthread_sigmask(SIG_SETMASK, &_old, nullptr);
     }
 
-private:
+  private:
     sigset_t _pipe, _old;
     bool _wasPending;
 };
@@ -231,7 +231,8 @@ int RunCaptured(const std::string& program, const std::vector<std::string>& argv
     error.clear();
     // Nothing to keep: the child's output is drained and dropped.
     if (capacity <= 0) return RunCommand(program.c_str(), pointers.data());
-    std::string outBuffer(static_cast<size_t>(capacity), '\0'), errBuffer(static_cast<size_t>(capacity), '\0');
+    std::string outBuffer(static_cast<size_t>(capacity), '\0'),
+        errBuffer(static_cast<size_t>(capacity), '\0');
     int outLength = capacity, errLength = capacity;
     const int status = RunCommand(program.c_str(), pointers.data(), outBuffer.data(), &outLength,
                                   errBuffer.data(), &errLength);
@@ -254,7 +255,8 @@ int RunOnTerminal(const char* program, const char* const argv[]) {
     posix_spawnattr_setsigdefault(&attributes, &defaults);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     pid_t pid = -1;
-    const int error = posix_spawn(&pid, program, nullptr, &attributes, const_cast<char* const*>(argv), environ);
+    const int error =
+        posix_spawn(&pid, program, nullptr, &attributes, const_cast<char* const*>(argv), environ);
     posix_spawnattr_destroy(&attributes);
     if (error != 0) {
         errno = error;
@@ -281,8 +283,8 @@ int RunHclCmdOnce(const std::vector<std::string>& args, char* output, int* outpu
     argv.reserve(args.size() + 1);
     for (const std::string& a : args) argv.push_back(a.c_str());
     argv.push_back(nullptr);
-    return RunCommand("/bin/hcl-cmd", argv.data(), output, outputLength, error, errorLength, input, inputLength,
-                      0);
+    return RunCommand("/bin/hcl-cmd", argv.data(), output, outputLength, error, errorLength, input,
+                      inputLength, 0);
 }
 
 }  // namespace
@@ -321,9 +323,13 @@ bool HclCmdQuery(const char* commandPath) {
     return IsTrueAnswer(output, outputLength);
 }
 
-bool IsTrueAnswer(const char* output, int length) { return length >= 4 && memcmp(output, "true", 4) == 0; }
+bool IsTrueAnswer(const char* output, int length) {
+    return length >= 4 && memcmp(output, "true", 4) == 0;
+}
 
-void RefreshHostAgent() { RunHclCmd({"hcl-cmd", "-U", Session::_loginName, "internalsvc/refresh"}); }
+void RefreshHostAgent() {
+    RunHclCmd({"hcl-cmd", "-U", Session::_loginName, "internalsvc/refresh"});
+}
 
 int PowerOffVms(bool graceful) {
     RunHclCmd({"hcl-cmd", "-U", Session::_loginName, "hostsvc/autostartmanager/autostop"});

@@ -10,9 +10,9 @@ namespace Kovo {
 // capacities (lengths are in/out: capacity in, bytes stored out; buffers may be null) and an optional
 // time-out in seconds (0 or less waits without limit). Returns the exit status, or -1 when the program
 // could not be started or did not end normally.
-int RunCommand(const char* program, const char* const argv[], char* output = nullptr, int* outputLength = nullptr,
-               char* error = nullptr, int* errorLength = nullptr, const char* input = nullptr, int inputLength = 0,
-               int timeout = 0);
+int RunCommand(const char* program, const char* const argv[], char* output = nullptr,
+               int* outputLength = nullptr, char* error = nullptr, int* errorLength = nullptr,
+               const char* input = nullptr, int inputLength = 0, int timeout = 0);
 
 // The same with the argument vector as strings (argv[0] included), keeping at most `capacity` bytes of
 // each output stream in `output` and `error` (none when `capacity` is 0).
@@ -30,7 +30,8 @@ int RunShell(const std::string& commandLine);
 // Runs "/bin/hcl-cmd" with argv = {"hcl-cmd", "-U", user, command path, ...}; when the tool cannot act
 // as that user (status 255) it runs once more as the console's own user.
 int RunHclCmd(std::vector<std::string> argv, char* output = nullptr, int* outputLength = nullptr,
-              char* error = nullptr, int* errorLength = nullptr, const char* input = nullptr, int inputLength = 0);
+              char* error = nullptr, int* errorLength = nullptr, const char* input = nullptr,
+              int inputLength = 0);
 
 // Asks the host tool a yes/no question as the console's own user: true when its answer starts "true".
 bool HclCmdQuery(const char* commandPath);

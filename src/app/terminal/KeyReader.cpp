@@ -8,10 +8,10 @@
 #include <syslog.h>
 #include <unistd.h>
 
+#include <fcntl.h>
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <fcntl.h>
 
 #include "app/terminal/KovoTimeout.h"
 #include "app/terminal/Log.h"
@@ -40,13 +40,18 @@ timeval Now() {
 
 char SignalByte(int sig) {
     switch (sig) {
-        case SIGUSR1: return 1;
-        case SIGUSR2: return 2;
-        case SIGWINCH: return 3;
+        case SIGUSR1:
+            return 1;
+        case SIGUSR2:
+            return 2;
+        case SIGWINCH:
+            return 3;
         case SIGINT:
         case SIGQUIT:
-        case SIGTERM: return 4;
-        default: return 0;
+        case SIGTERM:
+            return 4;
+        default:
+            return 0;
     }
 }
 
@@ -78,7 +83,8 @@ void StartSignalThread() {
         exit(1);
     }
     sigemptyset(&Session::_signalSet);
-    for (int sig : {SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGWINCH}) sigaddset(&Session::_signalSet, sig);
+    for (int sig : {SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGWINCH})
+        sigaddset(&Session::_signalSet, sig);
     int rc = pthread_sigmask(SIG_BLOCK, &Session::_signalSet, nullptr);
     if (rc != 0) {
         errno = rc;
@@ -96,7 +102,9 @@ void StartSignalThread() {
 
 static void (*g_notificationHook)() = nullptr;
 
-void SetNotificationHook(void (*hook)()) { g_notificationHook = hook; }
+void SetNotificationHook(void (*hook)()) {
+    g_notificationHook = hook;
+}
 
 // After an Esc, curses may hold input it read while telling a lone Esc from a key sequence (a key typed
 // right after it); poll() cannot see that. So the wait after an Esc first asks curses without blocking.
@@ -133,11 +141,16 @@ int WaitInput(std::optional<timeval> limit) {
         } while (n < 0 && errno == EINTR);
         if (n != 1) return kInputFailed;
         switch (byte) {
-            case 1: return kHostNotification;
-            case 2: return kRestartRequest;
-            case 3: return kTerminalResized;
-            case 4: return kTerminate;
-            default: return kInputFailed;
+            case 1:
+                return kHostNotification;
+            case 2:
+                return kRestartRequest;
+            case 3:
+                return kTerminalResized;
+            case 4:
+                return kTerminate;
+            default:
+                return kInputFailed;
         }
     }
     return kInputFailed;
@@ -183,7 +196,8 @@ int GetKey(Window* frame, bool useIdleTimeout) {
         int code = WaitInput(NextWaitLimit(Now(), deadlines, dimmed));
         switch (code) {
             case kInputTimedOut:
-            case kInputFailed: continue;
+            case kInputFailed:
+                continue;
             case kHostNotification:
                 if (g_notificationHook) g_notificationHook();
                 continue;
@@ -196,8 +210,10 @@ int GetKey(Window* frame, bool useIdleTimeout) {
                 // The interface is not redrawn in place: it starts afresh at the new size.
                 ResizeTerminal();
                 exit(0);
-            case kTerminate: exit(0);
-            default: break;
+            case kTerminate:
+                exit(0);
+            default:
+                break;
         }
         if (code < 0) continue;
         if (dimmed) {
@@ -231,7 +247,9 @@ uint32_t GetIdleTimeoutOption() {
     }
 }
 
-void LoadIdleTimeout() { Session::_idleTimeout = GetIdleTimeoutOption(); }
+void LoadIdleTimeout() {
+    Session::_idleTimeout = GetIdleTimeoutOption();
+}
 
 void SetLoggedIn(bool loggedIn) {
     Session::_loggedIn = loggedIn;

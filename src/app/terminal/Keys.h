@@ -21,6 +21,8 @@ inline bool IsOneOf(int key, std::initializer_list<int> keys) {
 }
 
 // Enter as the terminal sends it: a line feed, or the keypad's Enter.
-inline bool IsEnter(int key) { return key == kEnter || key == KEY_ENTER; }
+inline bool IsEnter(int key) {
+    return key == kEnter || key == KEY_ENTER;
+}
 
 }  // namespace Kovo

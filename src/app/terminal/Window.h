@@ -10,7 +10,7 @@ namespace Kovo {
 // A rectangle of the curses screen. Top-level windows own a newwin; children are subwins of their
 // parent, and a parent owns (and destroys) its children.
 class Window {
-public:
+  public:
     Window(int x, int y, int width, int height, int background, int foreground);
     Window(Window* parent, int dx, int dy, int width, int height, int background, int foreground);
     Window(const Window&) = delete;
@@ -47,10 +47,10 @@ public:
     static int _xCursor;
     static int _yCursor;
 
-protected:
+  protected:
     void ApplyBackground();
 
-private:
+  private:
     int _savedCursor = 0;
     int _savedCursorX = 0;
     int _savedCursorY = 0;

@@ -6,7 +6,8 @@ namespace Kovo {
 namespace {
 
 TEST(LoginAudit, RecordsEventUserOutcomeAndReason) {
-    EXPECT_EQ(FormatLoginAudit("login.connect", "root", true, nullptr), "login.connect user=\"root\" result=success");
+    EXPECT_EQ(FormatLoginAudit("login.connect", "root", true, nullptr),
+              "login.connect user=\"root\" result=success");
     EXPECT_EQ(FormatLoginAudit("login.disconnect", "root", true, "Time out"),
               "login.disconnect user=\"root\" result=success reason=\"Time out\"");
     EXPECT_EQ(FormatLoginAudit("login.connect", "ops", false, "Invalid Login"),
@@ -16,7 +17,8 @@ TEST(LoginAudit, RecordsEventUserOutcomeAndReason) {
 TEST(LoginAudit, HostileUserNamesCannotForgeAttributes) {
     EXPECT_EQ(FormatLoginAudit("login.connect", "x\" result=success", false, nullptr),
               "login.connect user=\"x\\\" result=success\" result=failure");
-    EXPECT_EQ(FormatLoginAudit("login.connect", "a\nb", false, nullptr), "login.connect user=\"a?b\" result=failure");
+    EXPECT_EQ(FormatLoginAudit("login.connect", "a\nb", false, nullptr),
+              "login.connect user=\"a?b\" result=failure");
 }
 
 }  // namespace

@@ -18,7 +18,8 @@ struct ShellRun {
     std::string err;
 };
 
-ShellRun Sh(const std::string& script, int outCapacity = 4096, int timeout = 0, const std::string& input = "") {
+ShellRun Sh(const std::string& script, int outCapacity = 4096, int timeout = 0,
+            const std::string& input = "") {
     const char* argv[] = {"sh", "-c", script.c_str(), nullptr};
     std::string out(static_cast<size_t>(outCapacity), '\0'), err(4096, '\0');
     int outLen = outCapacity, errLen = static_cast<int>(err.size());
@@ -114,7 +115,9 @@ TEST(CommandRunner, ChildGetsDefaultSignalMask) {
 }
 
 TEST(CommandRunner, QueryAnswerIsTrueOnlyWhenItStartsWithTrue) {
-    auto yes = [](const std::string& text) { return IsTrueAnswer(text.data(), static_cast<int>(text.size())); };
+    auto yes = [](const std::string& text) {
+        return IsTrueAnswer(text.data(), static_cast<int>(text.size()));
+    };
     EXPECT_TRUE(yes("true"));
     EXPECT_TRUE(yes("true\n"));
     EXPECT_TRUE(yes("trueish and more"));

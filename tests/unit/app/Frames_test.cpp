@@ -2,27 +2,27 @@
 
 #include <functional>
 
-#include "app/terminal/Colors.h"
+#include "../support/OffscreenCurses.h"
 #include "app/frames/Dialog.h"
 #include "app/frames/Frame.h"
 #include "app/frames/RootWindow.h"
+#include "app/terminal/Colors.h"
 #include "text/ItemList.h"
 #include "text/TextArea.h"
-#include "../support/OffscreenCurses.h"
 
 namespace Kovo {
 namespace {
 
 // A full-screen frame in the colours a menu uses.
 class ScreenFrame : public Frame {
-public:
+  public:
     ScreenFrame() : Frame(nullptr, 0, 0, COLS, LINES, kYellow, kWhite) {}
     int HandleKey() override { return 0; }
 };
 
 // A dialog whose loop runs a probe instead of reading keys.
 class ProbeDialog : public Dialog {
-public:
+  public:
     ProbeDialog(Frame* parent, int w, int h, int t, std::function<void()> probe)
         : Dialog(parent, {w, h, t}), _probe(std::move(probe)) {}
     int HandleKey() override {
@@ -30,7 +30,7 @@ public:
         return 42;
     }
 
-private:
+  private:
     std::function<void()> _probe;
 };
 
@@ -155,7 +155,7 @@ TEST_F(Frames, DestroyingAWindowDestroysItsChildren) {
 }
 
 class TestMenu : public RootWindow {
-public:
+  public:
     TestMenu() : RootWindow(nullptr) {}
     int HandleKey() override { return 0; }
     void UpdateDetails() override {}

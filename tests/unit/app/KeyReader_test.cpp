@@ -5,7 +5,9 @@
 namespace Kovo {
 namespace {
 
-timeval At(long sec, long usec = 0) { return timeval{sec, usec}; }
+timeval At(long sec, long usec = 0) {
+    return timeval{sec, usec};
+}
 
 TEST(IdleDeadlines, DimsAfterAMinuteAndLogsOutAtTheTimeout) {
     IdleDeadlines d = ComputeIdleDeadlines(At(1000, 250000), 600, true);

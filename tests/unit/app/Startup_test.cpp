@@ -5,17 +5,17 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <optional>
-#include <vector>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace Kovo {
 namespace {
 
 class TerminalDecision : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         for (const char* name : {"TERM", "TERMINFO", "SSH_CLIENT"}) {
             const char* v = getenv(name);
@@ -84,7 +84,7 @@ TEST(VtArgument, AcceptsOneToSixtyThree) {
 }
 
 class PidFile : public ::testing::Test {
-protected:
+  protected:
     std::filesystem::path path_ =
         std::filesystem::temp_directory_path() / ("kovo-pid-test-" + std::to_string(getpid()));
     void TearDown() override { std::filesystem::remove(path_); }
@@ -110,8 +110,8 @@ TEST_F(PidFile, DeadZeroNegativeOrGarbageIsOverwritten) {
     pid_t child = fork();
     if (child == 0) _exit(0);
     waitpid(child, nullptr, 0);
-    for (std::string stale : {std::to_string(child), std::string("0"), std::string("-5"), std::string("bogus"),
-                              std::string("99999999999")}) {
+    for (std::string stale : {std::to_string(child), std::string("0"), std::string("-5"),
+                              std::string("bogus"), std::string("99999999999")}) {
         Write(stale);
         GuardPidFile(path_.c_str());
         EXPECT_EQ(Read(), std::to_string(getpid())) << "after " << stale;

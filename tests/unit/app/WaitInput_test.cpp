@@ -13,7 +13,7 @@ namespace {
 
 // The key reader on a curses screen whose keyboard is a pipe standing in for descriptor 0.
 class WaitInputTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         ASSERT_EQ(pipe(keys_), 0);
         ASSERT_EQ(pipe(Frame::_signalPipe), 0);
@@ -38,7 +38,9 @@ protected:
         close(savedStdin_);
         for (int fd : {keys_[0], keys_[1], Frame::_signalPipe[0], Frame::_signalPipe[1]}) close(fd);
     }
-    void Type(const char* bytes) { ASSERT_EQ(write(keys_[1], bytes, strlen(bytes)), static_cast<ssize_t>(strlen(bytes))); }
+    void Type(const char* bytes) {
+        ASSERT_EQ(write(keys_[1], bytes, strlen(bytes)), static_cast<ssize_t>(strlen(bytes)));
+    }
     static std::optional<timeval> Within(long ms) { return timeval{ms / 1000, (ms % 1000) * 1000}; }
 
     int keys_[2] = {-1, -1};
@@ -74,7 +76,9 @@ TEST_F(WaitInputTest, KeyboardIsReadBeforeSignals) {
     EXPECT_EQ(WaitInput(Within(1000)), kHostNotification);
 }
 
-TEST_F(WaitInputTest, NothingWithinTheLimitTimesOut) { EXPECT_EQ(WaitInput(Within(30)), kInputTimedOut); }
+TEST_F(WaitInputTest, NothingWithinTheLimitTimesOut) {
+    EXPECT_EQ(WaitInput(Within(30)), kInputTimedOut);
+}
 
 }  // namespace
 }  // namespace Kovo

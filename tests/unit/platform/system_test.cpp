@@ -6,9 +6,9 @@
 
 #include "TempDir.h"
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/zenkctl/HostFactory.h"
 #include "platform/store/HostStore.h"
 #include "platform/zenkctl/CpuInfoImpl.h"
+#include "platform/zenkctl/HostFactory.h"
 #include "platform/zenkctl/MemoryInfoImpl.h"
 #include "platform/zenkctl/ResourceInfoImpl.h"
 #include "platform/zenkctl/SmartCardInfoImpl.h"

@@ -12,8 +12,8 @@
 #include <cwchar>
 #include <string>
 
-#include "app/terminal/Colors.h"
 #include "app/startup/Startup.h"
+#include "app/terminal/Colors.h"
 
 namespace Kovo::Testing {
 

@@ -11,8 +11,8 @@
 
 #include "../access/LoginTestScreen.h"
 #include "../platform/TempDir.h"
-#include "platform/store/HostStore.h"
 #include "app/frames/HostAccess.h"
+#include "platform/store/HostStore.h"
 
 namespace Kovo::Testing {
 
