@@ -2,11 +2,11 @@
 // order, what the host logged and posted, and what became of the host.
 #include <gtest/gtest.h>
 
-#include "actions_e2e_support.h"
+#include "HostSteps.h"
 
 namespace {
 
-using namespace KovoActionsE2e;
+using namespace KovoE2e;
 
 const std::string kShutdownEvent = "@&!*@*@(obs.user.kovo.shutdown.host)Shutting down host";
 const std::string kRebootEvent = "@&!*@*@(obs.user.kovo.reboot.host)Rebooting host";

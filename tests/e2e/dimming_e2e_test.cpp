@@ -6,10 +6,11 @@
 #include <chrono>
 #include <string>
 
-#include "HostConsole.h"
+#include "HostSteps.h"
 
 using namespace std::chrono_literals;
 using KovoE2e::ConsoleStart;
+using KovoE2e::FastClock;
 using KovoE2e::FreshHostDir;
 using KovoE2e::HostConsole;
 using KovoTerm::Key;
@@ -18,13 +19,6 @@ using KovoTerm::VirtualTerminal;
 namespace {
 
 constexpr int kSpeedUp = 20;
-
-ConsoleStart FastClock() {
-    ConsoleStart start;
-    start.consoleOnlyEnvironment = {{"LD_PRELOAD", KOVO_E2E_FAKETIME},
-                                    {"FAKETIME", "+0 x" + std::to_string(kSpeedUp)}};
-    return start;
-}
 
 // Active, the welcome screen's upper half is dark grey and its bottom line amber; dimmed, the whole
 // screen is dark grey on black. Both ends of the screen are checked so a half-finished repaint does not
@@ -46,7 +40,7 @@ bool Dimmed(const VirtualTerminal& screen) {
 // F4 switches the welcome screen to black and white: pressed on the dimmed screen it must both wake it
 // and take effect, not be used up by the wake-up.
 TEST(ConsoleDimming, DimsAfterAMinuteWithoutKeysAndTheKeyThatWakesItAlsoActs) {
-    HostConsole host(FreshHostDir(), FastClock());
+    HostConsole host(FreshHostDir(), FastClock(kSpeedUp));
     ASSERT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
     ASSERT_TRUE(Active(host.Term().Screen())) << host.Term().Dump();
     const auto painted = std::chrono::steady_clock::now();
@@ -65,7 +59,7 @@ TEST(ConsoleDimming, DimsAfterAMinuteWithoutKeysAndTheKeyThatWakesItAlsoActs) {
 }
 
 TEST(ConsoleDimming, ResizeKeyOnTheDimmedScreenStillEndsTheConsole) {
-    HostConsole host(FreshHostDir(), FastClock());
+    HostConsole host(FreshHostDir(), FastClock(kSpeedUp));
     ASSERT_TRUE(host.WaitForFirstPaint()) << host.Term().Dump();
     ASSERT_TRUE(host.Term().WaitFor(Dimmed)) << host.Term().Dump();
     ASSERT_TRUE(host.Term().WaitForQuiet(300ms));

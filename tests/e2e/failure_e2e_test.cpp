@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
-#include "actions_e2e_support.h"
+#include "HostSteps.h"
 
-using namespace KovoActionsE2e;
+using namespace KovoE2e;
 
 namespace {
 

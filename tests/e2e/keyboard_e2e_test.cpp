@@ -2,9 +2,9 @@
 // offers it.
 #include <gtest/gtest.h>
 
-#include "actions_e2e_support.h"
+#include "HostSteps.h"
 
-using namespace KovoActionsE2e;
+using namespace KovoE2e;
 
 namespace {
 

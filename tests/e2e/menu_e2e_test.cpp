@@ -14,12 +14,14 @@
 #include <utility>
 #include <vector>
 
-#include "HostConsole.h"
+#include "HostSteps.h"
 
 using namespace std::chrono_literals;
 using KovoE2e::ConsoleStart;
+using KovoE2e::FastClock;
 using KovoE2e::FreshHostDir;
 using KovoE2e::HostConsole;
+using KovoE2e::StoreChanges;
 using KovoTerm::Key;
 using KovoTerm::VirtualTerminal;
 
@@ -30,39 +32,16 @@ constexpr const char* kPassword = "Menu-Pass1";
 constexpr const char* kPasswordHash =
     "\"$6$kovomenu$67oiz3OXRlS/m.C8ed7OlBtPj7D2HsJTN0VQrzCD59uSats95fQMeZtYeSG0QxLRGMsRMJ3hF0Sn8AX6NH4qg1\"";
 
-constexpr const char* kMenuTitle = "System Customization";
-constexpr const char* kWelcomeKeys = "<F12> Shut Down/Restart";
+using KovoE2e::kMenuTitle;
+using KovoE2e::kWelcomeKeys;
 // Where the menu's entry list starts on the screen.
 constexpr int kListRow = 4, kListColumn = 2, kListWidth = 37;
 
-using StoreChanges = std::vector<std::pair<std::string, std::string>>;
-
-// Runs the simulated host's launcher to completion with its output discarded; true when it exits 0.
-bool Launcher(const std::vector<std::string>& arguments) {
-    std::string command = std::string("'") + KOVO_E2E_LAUNCHER + "'";
-    for (const auto& argument : arguments) command += " '" + argument + "'";  // none holds a quote
-    return std::system((command + " </dev/null >/dev/null").c_str()) == 0;
-}
-
-// A host made from `scenario` with root's password set as above and `changes` made to its store (JSON
-// pointer, JSON value), then its console started.
-std::unique_ptr<HostConsole> MakeHost(const std::string& scenario, StoreChanges changes = {},
+// A host made from `scenario` with root's password set as above and `changes` made to its store.
+std::unique_ptr<HostConsole> MenuHost(const std::string& scenario, StoreChanges changes = {},
                                       const ConsoleStart& start = ConsoleStart{}) {
-    const std::string dir = FreshHostDir();
-    // A first boot with a console that ends at once makes the host's disk from the scenario.
-    EXPECT_TRUE(Launcher({"run", "--dir", dir, "--scenario", scenario, "--once", "--kovo", "/bin/true"}));
     changes.emplace_back("/users/0/passwordHash", kPasswordHash);
-    for (const auto& [pointer, value] : changes)
-        EXPECT_TRUE(Launcher({"set", dir, pointer, value})) << pointer << " = " << value;
-    auto host = std::make_unique<HostConsole>(dir, start);
-    EXPECT_TRUE(host->WaitForFirstPaint()) << host->Term().Dump();
-    return host;
-}
-
-ConsoleStart FastClock() {
-    ConsoleStart start;
-    start.consoleOnlyEnvironment = {{"LD_PRELOAD", KOVO_E2E_FAKETIME}, {"FAKETIME", "+0 x20"}};
-    return start;
+    return KovoE2e::MakeHost(scenario, changes, start);
 }
 
 std::string Trimmed(std::string text) {
@@ -158,7 +137,7 @@ TEST_P(MenuOnHost, OffersWhatTheHostCanDoAndTheSelectionSkipsTheRest) {
     start.term = "xterm";  // the machine's own keyboard, unless the session came over SSH
     if (c.remote) start.environment = {{"SSH_CLIENT", "192.0.2.7 50022 22"}};
     if (!c.grey.empty()) start.term = "xterm-256color";  // colours, to see the greyed entries
-    auto host = MakeHost(c.scenario, c.changes, start);
+    auto host = MenuHost(c.scenario, c.changes, start);
     ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
     auto& term = host->Term();
     const auto& screen = term.Screen();
@@ -252,7 +231,7 @@ INSTANTIATE_TEST_SUITE_P(
 // --- View Support Information -------------------------------------------------------------------------
 
 TEST(MainMenu, SupportPagesTurnWithPageKeysAndStopAtBothEnds) {
-    auto host = MakeHost("default");
+    auto host = MenuHost("default");
     ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
     auto& term = host->Term();
     ASSERT_TRUE(SelectDown(*host, "View Support Information")) << term.Dump();
@@ -276,13 +255,13 @@ TEST(MainMenu, SupportPagesTurnWithPageKeysAndStopAtBothEnds) {
 // --- host notifications -------------------------------------------------------------------------------
 
 TEST(MainMenu, HostNotificationRedrawsTheDetailsWithTheHostsNewValues) {
-    auto host = MakeHost("default");
+    auto host = MenuHost("default");
     ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
     auto& term = host->Term();
     ASSERT_TRUE(SelectDown(*host, "Configure Management Network")) << term.Dump();
     ASSERT_TRUE(term.WaitForText("kovo-host-01.lab.example")) << term.Dump();
     EXPECT_TRUE(term.Screen().Contains("10.20.30.41")) << term.Dump();
-    ASSERT_TRUE(Launcher({"set", host->HostDir(), "/network/dns/hostname", "\"renamed-01\""}));
+    ASSERT_TRUE(KovoE2e::SetStore(*host, "/network/dns/hostname", "\"renamed-01\""));
     ASSERT_TRUE(term.Signal(SIGUSR1, host->WaitForConsole()));
     EXPECT_TRUE(term.WaitForText("renamed-01.lab.example")) << term.Dump();
     EXPECT_EQ(SelectedEntry(term.Screen()), "Configure Management Network");
@@ -295,7 +274,7 @@ class SystemLogsMenu : public ::testing::Test {
     // A host with the logs at `rows` (1-based) present, each holding a line that names it, and at
     // `pipeRow` (when given) a pipe instead of a file; logged in, with View System Logs selected.
     void Start(const std::vector<int>& rows, int pipeRow = 0) {
-        _host = MakeHost("default");
+        _host = MenuHost("default");
         const pid_t console = _host->WaitForConsole();
         ASSERT_GT(console, 0);
         const char* paths[] = {"/var/log/syslog.log",  "/var/log/zenkernel.log",  "/var/log/sysboot.log",
@@ -394,7 +373,7 @@ TEST_F(SystemLogsMenu, PagerCannotRunCommandsOrOpenOtherFiles) {
 
 TEST(MainMenu, IdleTimeoutLogsOutFromTheMenuToTheWelcomeScreen) {
     // Two minutes of the console's clock, six seconds here.
-    auto host = MakeHost("default", {{"/advancedOptions/UserVars/KovoTimeOut/value", "120"}}, FastClock());
+    auto host = MenuHost("default", {{"/advancedOptions/UserVars/KovoTimeOut/value", "120"}}, FastClock());
     ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
     const auto loggedIn = std::chrono::steady_clock::now();
     auto& term = host->Term();

@@ -6,9 +6,9 @@
 
 #include <string>
 
-#include "login_e2e_support.h"
+#include "HostSteps.h"
 
-using namespace KovoLoginE2e;
+using namespace KovoE2e;
 
 namespace {
 

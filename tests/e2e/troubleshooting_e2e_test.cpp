@@ -3,20 +3,14 @@
 // the host's store, commands and logs.
 #include <gtest/gtest.h>
 
-#include "actions_e2e_support.h"
+#include "HostSteps.h"
 
 namespace {
 
-using namespace KovoActionsE2e;
+using namespace KovoE2e;
 
 constexpr const char* kTimeoutsDetail = "Modify the number of minutes that";
 constexpr const char* kKovoDetail = "Modify the number of idle minutes";
-
-ConsoleStart FastClock() {
-    ConsoleStart start;
-    start.consoleOnlyEnvironment = {{"LD_PRELOAD", KOVO_E2E_FAKETIME}, {"FAKETIME", "+0 x20"}};
-    return start;
-}
 
 void Press(HostConsole& host, Key key, int times = 1) {
     for (int i = 0; i < times; ++i) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "login_e2e_support.h"
+#include "HostSteps.h"
 
 using KovoE2e::ConsoleStart;
 using KovoE2e::HostConsole;
@@ -18,7 +18,7 @@ namespace {
 struct WelcomeCase {
     const char* name;
     const char* scenario;
-    KovoLoginE2e::StoreChanges changes;
+    KovoE2e::StoreChanges changes;
     std::vector<std::string> shown;   // each on the screen, in this order from top to bottom
     std::vector<std::string> absent;  // none of these anywhere
 };
@@ -42,7 +42,7 @@ TEST_P(WelcomeScreen, ShowsTheHostAsItIs) {
     ConsoleStart start;
     start.columns = 100;
     start.rows = 30;
-    auto host = KovoLoginE2e::MakeHost(c.scenario, c.changes, start);
+    auto host = KovoE2e::MakeHost(c.scenario, c.changes, start);
     ASSERT_TRUE(host->Term().WaitForText(c.shown.back())) << host->Term().Dump();
     const VirtualTerminal& screen = host->Term().Screen();
     int previous = -1;
@@ -102,7 +102,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const ::testing::TestParamInfo<WelcomeCase>& info) { return std::string(info.param.name); });
 
 TEST(WelcomeScreenAlert, NoNetworkAdapterRaisesTheSystemAlert) {
-    auto host = KovoLoginE2e::MakeHost("no-nic");
+    auto host = KovoE2e::MakeHost("no-nic");
     ASSERT_TRUE(host->Term().WaitForText("No compatible network adapter found.")) << host->Term().Dump();
     const std::string store = StoreText(*host);
     EXPECT_NE(store.find("No compatible network adapter found."), std::string::npos) << store;
@@ -112,7 +112,7 @@ TEST(WelcomeScreenAlert, NoNetworkAdapterRaisesTheSystemAlert) {
 TEST(WelcomeScreenKeys, F4TogglesBlackAndWhite) {
     ConsoleStart start;
     start.term = "xterm-256color";
-    auto host = KovoLoginE2e::MakeHost("default", {}, start);
+    auto host = KovoE2e::MakeHost("default", {}, start);
     auto colour = [](const VirtualTerminal& s) {
         return s.CellAt(0, 0).bg.IsIndex(6) && !s.CellAt(0, 0).reverse;
     };
