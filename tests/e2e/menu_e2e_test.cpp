@@ -76,6 +76,14 @@ std::string SelectedEntry(const VirtualTerminal& screen) {
     return {};
 }
 
+// The list pane's footer and the frame's right edge beside the list, which the list must not draw over.
+bool ListFooterShown(const VirtualTerminal& screen) {
+    const int edge = screen.Columns() / 2 - 1;
+    for (int row = kListRow; row < screen.Rows() - 2; ++row)
+        if (screen.CellAt(row, edge).text != "│") return false;
+    return screen.RowText(screen.Rows() - 3).find("<Up/Down> Select  <Esc> Log Out") != std::string::npos;
+}
+
 bool MenuShown(const VirtualTerminal& screen) {
     return screen.Contains(kMenuTitle) && !SelectedEntry(screen).empty();
 }
@@ -141,6 +149,8 @@ TEST_P(MenuOnHost, OffersWhatTheHostCanDoAndTheSelectionSkipsTheRest) {
     ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
     auto& term = host->Term();
     const auto& screen = term.Screen();
+    // The list pane's keys are there from the first frame, not only once something has covered them.
+    EXPECT_TRUE(ListFooterShown(screen)) << term.Dump();
 
     EXPECT_EQ(EntryText(screen, 0), "Configure Password");
     EXPECT_EQ(EntryText(screen, 8), c.remote ? "Troubleshooting Options" : "Configure Keyboard")
@@ -161,6 +171,7 @@ TEST_P(MenuOnHost, OffersWhatTheHostCanDoAndTheSelectionSkipsTheRest) {
             << next << "\n"
             << term.Dump();
     }
+    EXPECT_TRUE(ListFooterShown(screen)) << term.Dump();
     // Down at the last choosable entry stays put: Up then lands on the one before it.
     term.Press(Key::Down);
     term.Press(Key::Up);
@@ -265,6 +276,33 @@ TEST(MainMenu, HostNotificationRedrawsTheDetailsWithTheHostsNewValues) {
     ASSERT_TRUE(term.Signal(SIGUSR1, host->WaitForConsole()));
     EXPECT_TRUE(term.WaitForText("renamed-01.lab.example")) << term.Dump();
     EXPECT_EQ(SelectedEntry(term.Screen()), "Configure Management Network");
+}
+
+// A terminal that cannot redefine colours shows the selection in standout; whatever covered the menu, the
+// line must come back marked, or an operator on a serial line cannot see where he is.
+TEST(MainMenu, OnABlackAndWhiteTerminalTheSelectionIsShownAfterADialogAndThePager) {
+    ConsoleStart start;
+    start.term = "xterm";
+    auto host = MenuHost("default", {}, start);
+    auto& term = host->Term();
+    ASSERT_TRUE(LogIn(*host)) << term.Dump();
+    auto selected = [](const std::string& entry) {
+        return [entry](const VirtualTerminal& s) { return SelectedEntry(s) == entry && ListFooterShown(s); };
+    };
+    ASSERT_TRUE(term.WaitFor(selected("Configure Password"))) << term.Dump();
+
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForText("Setting the password will prevent unauthorized access")) << term.Dump();
+    ASSERT_TRUE(term.WaitForQuiet(200ms));
+    term.Press(Key::Escape);
+    ASSERT_TRUE(term.WaitForTextGone("Setting the password will prevent unauthorized access")) << term.Dump();
+    EXPECT_TRUE(term.WaitFor(selected("Configure Password"))) << term.Dump();
+
+    ASSERT_TRUE(SelectDown(*host, "View System Logs")) << term.Dump();
+    term.Type("1");
+    ASSERT_TRUE(term.WaitForText("<Q> Quit </> RegExp Search <H> Help")) << term.Dump();
+    term.Type("q");
+    EXPECT_TRUE(term.WaitFor(selected("View System Logs"))) << term.Dump();
 }
 
 // --- View System Logs ---------------------------------------------------------------------------------

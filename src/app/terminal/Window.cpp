@@ -56,6 +56,20 @@ void Window::ApplyBackground() {
     wattrset(_win, attr);
 }
 
+void Window::ReapplyChildBackgrounds() {
+    for (Window* child : _children) {
+        if (child->_win) {
+            // curses leaves a window alone when its background does not change, so go through plain.
+            const chtype background = getbkgd(child->_win);
+            if (background & A_ATTRIBUTES & ~A_COLOR) {
+                wbkgd(child->_win, background & ~(A_ATTRIBUTES & ~A_COLOR));
+                wbkgd(child->_win, background);
+            }
+        }
+        child->ReapplyChildBackgrounds();
+    }
+}
+
 void Window::SetActive(bool active) {
     _active = active;
     if (!active && !_parent) {
@@ -68,6 +82,10 @@ void Window::SetActive(bool active) {
     // and a child's cells share memory with its parent's, so the parent must not reach them first.
     for (Window* child : std::vector<Window*>(_children)) child->SetActive(active);
     ApplyBackground();
+    // Setting a background strips its attributes from every cell of the window, its children's included;
+    // colours survive, but without colours the standout that marks a selection does not. Once the whole
+    // tree is done, the children put theirs back, inner windows last.
+    if (!_parent) ReapplyChildBackgrounds();
     Refresh();
     if (active && !_parent) {
         _xCursor = _savedCursorX;

@@ -49,6 +49,7 @@ class Window {
 
   protected:
     void ApplyBackground();
+    void ReapplyChildBackgrounds();
 
   private:
     int _savedCursor = 0;

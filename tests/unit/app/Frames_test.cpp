@@ -8,6 +8,7 @@
 #include "app/frames/RootWindow.h"
 #include "app/terminal/Colors.h"
 #include "text/ItemList.h"
+#include "text/LabelItem.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
@@ -175,7 +176,9 @@ TEST_F(Frames, MenuWindowSplitsTheScreenIntoPanes) {
     EXPECT_EQ(menu.StatusLine()->Y(), 24);
     EXPECT_EQ(menu.List()->X(), 2);
     EXPECT_EQ(menu.List()->Y(), 4);
-    EXPECT_EQ(menu.List()->Height(), 19);
+    // Inside the frame and above the footer row, so redrawing the list never wipes either.
+    EXPECT_EQ(menu.List()->Width(), 37);
+    EXPECT_EQ(menu.List()->Height(), 18);
     EXPECT_EQ(menu.Details()->X(), 42);
     EXPECT_EQ(menu.Details()->Width(), 36);
     // Boxed panes with a rule under the title row.
@@ -183,6 +186,25 @@ TEST_F(Frames, MenuWindowSplitsTheScreenIntoPanes) {
     EXPECT_EQ(mvwinch(menu.RightPane()->Handle(), 2, 5) & A_CHARTEXT, ACS_HLINE & A_CHARTEXT);
     EXPECT_EQ(AttrAt(menu.RightPane()->Handle(), 3, 38), ColorAttr(kDarkGrey, kWhite));
     EXPECT_EQ(AttrAt(menu.LeftPane()->Handle(), 10, 1) & A_COLOR, ColorAttr(kYellow, kWhite) & A_COLOR);
+}
+
+// Without colours the selection is only standout: greying the menu under a dialog and bringing it back
+// must leave the selected line marked and the rest plain.
+TEST_F(Frames, BlackAndWhiteMenuKeepsItsSelectionThroughADialog) {
+    bwColor = true;
+    TestMenu menu;
+    LabelItem first("first", true), second("second", true);
+    menu.List()->SetItems({&first, &second});
+    menu.List()->Draw();
+    WINDOW* screen = menu.Handle();
+    ASSERT_EQ(AttrAt(screen, 4, 3) & A_STANDOUT, A_STANDOUT);
+
+    menu.SetActive(false);
+    menu.SetActive(true);
+    EXPECT_EQ(AttrAt(screen, 4, 3) & A_STANDOUT, A_STANDOUT) << Row(screen, 4);
+    EXPECT_EQ(AttrAt(screen, 4, 20) & A_STANDOUT, A_STANDOUT) << "the whole line, not just its text";
+    EXPECT_EQ(AttrAt(screen, 5, 3) & A_STANDOUT, 0u);
+    EXPECT_EQ(AttrAt(screen, 10, 1) & A_STANDOUT, 0u) << "the pane itself";
 }
 
 }  // namespace
