@@ -112,16 +112,19 @@ void InputItem::Draw(TextArea& area) {
         visible = _text.substr(static_cast<std::size_t>(_offset), static_cast<std::size_t>(width));
     if (_masked) visible.assign(visible.size(), '*');
 
+    // The field is blanks in the field's colours; the typed text goes over them as it is, so no tag an
+    // operator types takes effect.
+    const int column = lineWidth - 2 - width;
     std::string line = PadRight(_label, lineWidth - 5 - width) + " [ ";
     if (IsSelected()) {
         line += _replace ? "{bgcolor:white}{color:black}" : "{bgcolor:black}{color:white}";
-        line += visible + "{/color}{/bgcolor}";
+        line += std::string(visible.size(), ' ') + "{/color}{/bgcolor}";
         line.append(static_cast<std::size_t>(std::max(0, width - static_cast<int>(visible.size()))), ' ');
     } else {
-        line += PadRight(visible, width);
+        line += std::string(static_cast<std::size_t>(std::max(0, width)), ' ');
     }
     line += " ]";
-    area.SetText(line);
+    area.SetText(line, visible, column);
 
     // After the text is drawn, so that the refresh of the area does not move the cursor away again.
     if (IsSelected()) area.MoveCursor(_cursor - _offset + lineWidth - 2 - width, 0);

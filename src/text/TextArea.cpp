@@ -45,7 +45,13 @@ void TextArea::SetText(const char* text) {
 }
 
 void TextArea::SetText(const std::string& text) {
-    _text = text;
+    SetText(text, std::string(), 0);
+}
+
+void TextArea::SetText(const std::string& markup, std::string plain, int column) {
+    _text = markup;
+    _plain = std::move(plain);
+    _plainColumn = column;
     Render();
 }
 
@@ -62,6 +68,13 @@ void TextArea::Render() {
     Erase();
     std::string laidOut = LayoutMarkup(_text, Width(), _variables);
     DrawMarkup({Handle(), Width(), Height(), Background(), Foreground(), _active}, laidOut, _colors);
+    if (WINDOW* window = Handle()) {
+        for (std::size_t i = 0; i < _plain.size() && _plainColumn + static_cast<int>(i) < Width(); ++i) {
+            const int column = _plainColumn + static_cast<int>(i);
+            const chtype attributes = mvwinch(window, 0, column) & A_ATTRIBUTES;
+            mvwaddch(window, 0, column, static_cast<unsigned char>(_plain[i]) | attributes);
+        }
+    }
     Refresh();
 }
 

@@ -21,6 +21,9 @@ class TextArea : public Window {
 
     void SetText(const char* text);
     void SetText(const std::string& text);
+    // Markup with `plain` written over its first row from `column`, character for character, in the
+    // colours the markup gave those cells: what an operator typed is shown, never interpreted.
+    void SetText(const std::string& markup, std::string plain, int column);
     void AppendText(const char* text);
     void AppendText(const std::string& text);
 
@@ -54,6 +57,8 @@ class TextArea : public Window {
     void Render();
 
     std::string _text;
+    std::string _plain;
+    int _plainColumn = 0;
     bool _active = true;
     MarkupColors _colors;
     MarkupVariables _variables;

@@ -194,6 +194,22 @@ TEST(Login, RandomBytesAndLongInputInEveryFieldNeverBreakTheConsole) {
     ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << term.Dump();
 }
 
+// Before anyone has logged in, what is typed is data: a host value's tag shows as typed and reads nothing.
+TEST(Login, TagsTypedIntoTheNameFieldAreShownAsTyped) {
+    auto host = MakeHost("default");
+    auto& term = host->Term();
+    ASSERT_TRUE(OpenLogin(*host)) << term.Dump();
+    term.Type("{hostname}{ip}");
+    EXPECT_TRUE(term.WaitForText("[ {hostname}{ip}")) << term.Dump();
+    for (int i = 0; i < 14; ++i) term.Press(Key::Backspace);
+    ASSERT_TRUE(term.WaitForTextGone("{hostname}")) << term.Dump();
+    term.Type("{color:red}{serial-number}");
+    EXPECT_TRUE(term.WaitForText("{color:red}{serial-num")) << term.Dump();
+    term.Press(Key::Escape);
+    ASSERT_TRUE(term.WaitForTextGone(kLoginTitle)) << term.Dump();
+    EXPECT_TRUE(term.Running());
+}
+
 TEST(Login, KeyboardLineOpensTheLayoutDialogAndShowsTheLayoutAfterwards) {
     ConsoleStart start;
     start.term = "xterm";  // the machine's own keyboard

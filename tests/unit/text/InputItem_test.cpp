@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "../support/OffscreenCurses.h"
 #include "text/ItemList.h"
@@ -122,6 +124,38 @@ TEST_F(InputItemDrawTest, DrawsLabelFieldAndCursor) {
     field.Draw(*_area);
     EXPECT_EQ(PairAt(_area->Handle(), 0, 28), ColorPairNumber(kBlack, kWhite));
     EXPECT_EQ(Window::_xCursor, 10 + 7 + 40 - 2 - 10);
+}
+
+// What an operator types is data: no variable, colour or alignment tag in it takes effect, selected or
+// not.
+TEST_F(InputItemDrawTest, TypedTagsAreShownAsTheyWereTyped) {
+    std::vector<std::string> typed{"{}",
+                                   "{",
+                                   "}{",
+                                   "{color:red}x",
+                                   "{bgcolor:black}",
+                                   "{/color}",
+                                   "{align:right}",
+                                   "{align:padding:2}abc",
+                                   "{/align}"};
+    for (const auto& [name, value] : TextArea::VariableTable()) typed.push_back("{" + name + "}");
+    for (const std::string& text : typed) {
+        InputItem field("Name", text, 30);
+        for (bool selected : {false, true}) {
+            field.SetSelected(selected);
+            field.Draw(*_area);
+            const std::string shown = text.substr(0, 30);
+            EXPECT_EQ(Line(), "Name  [ " + shown + std::string(30 - shown.size(), ' ') + " ]")
+                << text << (selected ? " (selected)" : "");
+        }
+    }
+    // The field's own colours (here: about to be replaced) still apply to the typed text, and only to it.
+    InputItem field("Name", "{color:red}x", 30);
+    field.SetSelected(true);
+    field.Draw(*_area);
+    EXPECT_EQ(PairAt(_area->Handle(), 0, 8), ColorPairNumber(kWhite, kBlack));
+    EXPECT_EQ(PairAt(_area->Handle(), 0, 19), ColorPairNumber(kWhite, kBlack));
+    EXPECT_NE(PairAt(_area->Handle(), 0, 20), ColorPairNumber(kWhite, kBlack)) << "past the text";
 }
 
 TEST_F(InputItemDrawTest, DefaultWidthIsHalfTheLineLessOne) {
