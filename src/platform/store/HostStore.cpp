@@ -66,6 +66,13 @@ void WriteAll(int fd, const std::string& data, const std::string& path) {
 
 const char kTempInfix[] = ".tmp.";
 
+// Every write replaces the file, so device, inode, modification time and size together change with it.
+std::string GenerationOf(const struct stat& st) {
+    return std::to_string(st.st_dev) + ":" + std::to_string(st.st_ino) + ":" +
+           std::to_string(st.st_mtim.tv_sec) + "." + std::to_string(st.st_mtim.tv_nsec) + ":" +
+           std::to_string(st.st_size);
+}
+
 }  // namespace
 
 HostStore::HostStore(std::string path) : _path(std::move(path)) {}
@@ -88,12 +95,20 @@ json HostStore::Parse(const std::string& text, const std::string& origin) {
     return document;
 }
 
-json HostStore::LoadLocked() const {
+std::shared_ptr<const json> HostStore::LoadLocked() const {
+    // Under the lock no writer can replace the file between this look and the read below.
+    struct stat st {};
+    if (::stat(_path.c_str(), &st) == 0) {
+        std::lock_guard<std::mutex> guard(_cacheMutex);
+        if (_cached && _cachedGeneration == GenerationOf(st)) return _cached;
+    }
     Fd fd(::open(_path.c_str(), O_RDONLY | O_CLOEXEC));
     if (fd.get() < 0) {
         if (errno == ENOENT) throw HostCtlException("The host configuration " + _path + " does not exist");
         throw HostCtlException("Cannot read the host configuration " + _path + ": " + Errno());
     }
+    if (::fstat(fd.get(), &st) != 0)
+        throw HostCtlException("Cannot read the host configuration " + _path + ": " + Errno());
     std::string text;
     char buffer[65536];
     for (;;) {
@@ -104,7 +119,11 @@ json HostStore::LoadLocked() const {
         text.append(buffer, static_cast<size_t>(n));
     }
     if (text.empty()) throw HostCtlException("The host configuration " + _path + " is empty");
-    return Parse(text, _path);
+    auto document = std::make_shared<const json>(Parse(text, _path));
+    std::lock_guard<std::mutex> guard(_cacheMutex);
+    _cached = document;
+    _cachedGeneration = GenerationOf(st);
+    return document;
 }
 
 void HostStore::RemoveStaleTempFiles() const {
@@ -146,9 +165,22 @@ void HostStore::WriteLocked(const json& document) {
     // The rename is only durable once the directory entry is.
     Fd dir(::open(DirName(_path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (dir.get() >= 0) ::fsync(dir.get());
+    // What was just written needs no parse on the next read.
+    struct stat st {};
+    std::lock_guard<std::mutex> guard(_cacheMutex);
+    if (::stat(_path.c_str(), &st) == 0) {
+        _cached = std::make_shared<const json>(document);
+        _cachedGeneration = GenerationOf(st);
+    } else {
+        _cached.reset();
+    }
 }
 
 json HostStore::Read() const {
+    return *Snapshot();
+}
+
+std::shared_ptr<const json> HostStore::Snapshot() const {
     FileLock lock(LockPath(), FileLock::Mode::Shared);
     return LoadLocked();
 }
@@ -156,16 +188,14 @@ json HostStore::Read() const {
 std::string HostStore::Generation() const {
     struct stat st {};
     if (::stat(_path.c_str(), &st) != 0) return {};
-    return std::to_string(st.st_dev) + ":" + std::to_string(st.st_ino) + ":" +
-           std::to_string(st.st_mtim.tv_sec) + "." + std::to_string(st.st_mtim.tv_nsec) + ":" +
-           std::to_string(st.st_size);
+    return GenerationOf(st);
 }
 
 json HostStore::Get(const std::string& pointer) const {
-    const json document = Read();
+    const auto document = Snapshot();
     try {
         const json::json_pointer ptr(pointer);
-        return document.contains(ptr) ? document.at(ptr) : json();
+        return document->contains(ptr) ? document->at(ptr) : json();
     } catch (const json::exception& e) {
         throw HostCtlException("Invalid host configuration path " + pointer + ": " + e.what());
     }
@@ -173,8 +203,8 @@ json HostStore::Get(const std::string& pointer) const {
 
 void HostStore::Update(const std::function<void(json&)>& mutate) {
     FileLock lock(LockPath(), FileLock::Mode::Exclusive);
-    const json before = LoadLocked();
-    json after = before;
+    const auto before = LoadLocked();
+    json after = *before;
     try {
         mutate(after);
     } catch (const json::exception& e) {
@@ -183,7 +213,7 @@ void HostStore::Update(const std::function<void(json&)>& mutate) {
     }
     if (!after.is_object())
         throw HostCtlException("Refusing to store a host configuration that is not an object");
-    if (after != before) WriteLocked(after);
+    if (after != *before) WriteLocked(after);
 }
 
 void HostStore::Replace(const json& document) {

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include <nlohmann/json.hpp>
@@ -32,6 +33,9 @@ class HostStore {
 
     // A consistent snapshot of the whole document.
     nlohmann::json Read() const;
+    // The same without a copy. The document is parsed only when the file has changed since the last
+    // read (its generation says so), so screens that ask many questions of one store pay one parse.
+    std::shared_ptr<const nlohmann::json> Snapshot() const;
 
     // The value at a JSON pointer, or null when the pointer names nothing.
     nlohmann::json Get(const std::string& pointer) const;
@@ -51,11 +55,15 @@ class HostStore {
     static nlohmann::json Parse(const std::string& text, const std::string& origin);
 
   private:
-    nlohmann::json LoadLocked() const;
+    std::shared_ptr<const nlohmann::json> LoadLocked() const;
     void WriteLocked(const nlohmann::json& document);
     void RemoveStaleTempFiles() const;
 
     std::string _path;
+    // The last document read or written and the generation of the file it came from.
+    mutable std::mutex _cacheMutex;
+    mutable std::shared_ptr<const nlohmann::json> _cached;
+    mutable std::string _cachedGeneration;
 };
 
 }  // namespace ZenkCtl::Store

@@ -18,7 +18,8 @@ NetworkInfoImpl::NetworkInfoImpl(std::shared_ptr<Store::HostStore> store) : _sto
 
 std::vector<std::unique_ptr<HostCtl::Network::Pnic>> NetworkInfoImpl::GetPnics() {
     std::vector<std::unique_ptr<HostCtl::Network::Pnic>> pnics;
-    const json document = _store->Read();
+    const auto snapshot = _store->Snapshot();
+    const json& document = *snapshot;
     const json& list = Json::At(document, Schema::kPnics);
     if (!list.is_null() && !list.is_array())
         throw HostCtlException("Host configuration /network/pnics is not a list");
@@ -27,7 +28,8 @@ std::vector<std::unique_ptr<HostCtl::Network::Pnic>> NetworkInfoImpl::GetPnics()
 }
 
 void NetworkInfoImpl::UpdateManagementInterface() {
-    const json document = _store->Read();
+    const auto snapshot = _store->Snapshot();
+    const json& document = *snapshot;
     const json& nics = Json::At(document, Schema::kZenkNics);
     _management.clear();
     _looked = true;

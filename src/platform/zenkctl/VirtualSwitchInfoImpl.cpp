@@ -157,7 +157,7 @@ void VirtualSwitchInfoImpl::RemoveDvsUplink(const std::string& dvsName, const st
 }
 
 std::string VirtualSwitchInfoImpl::FindUplinkOwner(const std::string& pnic) {
-    return Owner(_store->Read(), pnic);
+    return Owner(*_store->Snapshot(), pnic);
 }
 
 HostCtl::Network::NicTeamingPolicy VirtualSwitchInfoImpl::GetTeamingPolicy(const std::string& switchName) {

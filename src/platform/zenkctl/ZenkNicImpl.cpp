@@ -20,7 +20,8 @@ bool ZenkNicImpl::IsStale() const {
 
 void ZenkNicImpl::Refresh() {
     const std::string generation = _store->Generation();
-    const json document = _store->Read();
+    const auto snapshot = _store->Snapshot();
+    const json& document = *snapshot;
     const json* nic = Json::FindNamed(Json::At(document, Store::Schema::kZenkNics), _name);
     if (nic == nullptr) throw HostCtlException("Kernel network interface " + _name + " does not exist");
     _node = *nic;
@@ -34,7 +35,8 @@ const json& ZenkNicImpl::Node() {
 }
 
 bool ZenkNicImpl::IsValid() {
-    const json document = _store->Read();
+    const auto snapshot = _store->Snapshot();
+    const json& document = *snapshot;
     return Json::FindNamed(Json::At(document, Store::Schema::kZenkNics), _name) != nullptr;
 }
 

@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <fstream>
 #include <random>
 
@@ -99,6 +100,35 @@ TEST(HostStoreTest, UpdateIsVisibleToOtherInstancesAndFailedMutatorsChangeNothin
     EXPECT_THROW(writer.Update([](json& d) { d = json::array(); }), HostCtlException);
     EXPECT_EQ(reader.Read()["network"]["dns"]["hostname"], "h2");
     EXPECT_THROW(reader.Get("no-leading-slash"), HostCtlException);
+}
+
+// A reader keeps the parsed document between reads; it must still see every change another process makes,
+// however quickly and however alike the documents are, and a snapshot it handed out never changes.
+TEST(HostStoreTest, KeptDocumentFollowsEveryChangeFromOutside) {
+    TempDir dir;
+    HostStore reader(dir.File("host.json"));
+    HostStore writer(dir.File("host.json"));
+    writer.Replace({{"n", 1}});
+    const auto first = reader.Snapshot();
+    EXPECT_EQ(reader.Snapshot(), first) << "unchanged file, no new parse";
+    for (int i = 2; i < 50; ++i) {
+        writer.Replace({{"n", i % 10}});  // same size, written within the same clock tick
+        ASSERT_EQ(reader.Get("/n"), i % 10) << i;
+    }
+    EXPECT_EQ((*first)["n"], 1);
+
+    // Changed by a program that does not use the store's writer at all: the new file is still read.
+    {
+        std::ofstream out(dir.File("host.json.new"));
+        out << R"({"n": 7})";
+    }
+    ASSERT_EQ(std::rename(dir.File("host.json.new").c_str(), dir.File("host.json").c_str()), 0);
+    EXPECT_EQ(reader.Get("/n"), 7);
+
+    // The reader's own writes are what it reads next.
+    reader.Update([](json& d) { d["n"] = 8; });
+    EXPECT_EQ(writer.Get("/n"), 8);
+    EXPECT_EQ(reader.Get("/n"), 8);
 }
 
 TEST(HostStoreTest, WriterLeftoversAreRemovedAndNeverRead) {
