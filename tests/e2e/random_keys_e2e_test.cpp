@@ -1,0 +1,135 @@
+// Random keys over every screen an operator can reach, logged in, on several hosts, with a fixed seed so
+// a failure can be replayed. In the sanitizer build the console writes any sanitizer report to a file of
+// the host; there must be none, the console must still answer keys, and the store must still parse.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <thread>
+
+#include "HostSteps.h"
+
+namespace {
+
+using namespace KovoE2e;
+namespace fs = std::filesystem;
+
+constexpr int kEpisodes = 25;
+constexpr int kKeysPerEpisode = 40;
+constexpr const char* kReportPrefix = "kovo-sanitizer";
+
+// Keys weighted towards moving and choosing, with the function keys the screens take, editing keys,
+// and text that includes markup characters. Not F12: shutting the host down ends the walk (its own
+// tests cover it).
+Key RandomKey(std::mt19937& random) {
+    static const Key keys[] = {Key::Up,   Key::Up,     Key::Down,  Key::Down,     Key::Down,     Key::Enter,
+                               Key::Tab,  Key::Escape, Key::Left,  Key::Right,    Key::Backspace, Key::Home,
+                               Key::End,  Key::Delete, Key::PageUp, Key::PageDown, Key::F2,      Key::F3,
+                               Key::F4,   Key::F11,    Key::Up,    Key::Down,     Key::Down,     Key::Up};
+    return keys[random() % std::size(keys)];
+}
+
+std::string RandomText(std::mt19937& random) {
+    static const std::string alphabet = "abcdynqQ 0123456789.:/{}-,";
+    std::string text;
+    for (int i = 0, n = 1 + static_cast<int>(random() % 4); i < n; ++i) text += alphabet[random() % alphabet.size()];
+    return text;
+}
+
+std::vector<std::string> SanitizerReports(const HostConsole& host) {
+    std::vector<std::string> reports;
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(host.HostDir() + "/upper/var/log", error))
+        if (entry.path().filename().string().rfind(kReportPrefix, 0) == 0) reports.push_back(entry.path().string());
+    return reports;
+}
+
+// The menu in front, the left pane in its own colours rather than greyed behind a dialog.
+bool MenuActive(const VirtualTerminal& screen) {
+    return screen.Contains(kMenuTitle) && screen.CellAt(1, 3).bg.IsIndex(3);
+}
+// The welcome screen in front: its upper panel in its own colours.
+bool WelcomeActive(const VirtualTerminal& screen) {
+    return screen.Contains(kWelcomeKeys) && screen.CellAt(0, 0).bg.IsIndex(6);
+}
+
+// Backs out of whatever the walk left open and logs in again when it logged out; false when the menu
+// could not be reached (the walk then goes on wherever it is).
+bool GoToMenu(HostConsole& host) {
+    auto& term = host.Term();
+    for (int attempt = 0; attempt < 8; ++attempt) {
+        const auto& screen = term.Screen();
+        if (MenuActive(screen)) return true;
+        if (WelcomeActive(screen)) {
+            if (OpenLogin(host)) {
+                Submit(host, "", kRootPassword);
+                term.WaitFor(MenuActive, 5000ms);
+            }
+        } else if (!screen.Contains(kMenuTitle) && !screen.Contains(kWelcomeKeys)) {
+            term.Type("q");  // the log pager
+        } else {
+            term.Press(Key::Escape);
+        }
+        term.WaitForQuiet(200ms, 10000ms);
+    }
+    return MenuActive(term.Screen());
+}
+
+class RandomKeys : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(RandomKeys, NoScreenBreaksHangsOrDamagesTheStore) {
+    ConsoleStart start = Restarting();  // a random reset or restart brings the console back
+    const std::string report = std::string("log_path=/var/log/") + kReportPrefix;
+    start.consoleOnlyEnvironment = {{"ASAN_OPTIONS", report}, {"UBSAN_OPTIONS", report + ":print_stacktrace=1"}};
+    auto host = MakeHost(GetParam(), {}, start);
+    auto& term = host->Term();
+    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << term.Dump();
+
+    // Episodes: from the menu, a random entry opened, then random keys inside whatever it opens.
+    std::mt19937 random(20261123);
+    for (int episode = 0; episode < kEpisodes; ++episode) {
+        if (GoToMenu(*host)) {
+            // Not as far as the reset, whose own tests cover it: a reset restarts the host every time.
+            for (int i = 0, n = static_cast<int>(random() % 13); i < n; ++i) term.Press(Key::Down);
+            term.Press(Key::Enter);
+        }
+        for (int i = 0; i < kKeysPerEpisode; ++i) {
+            if (random() % 5 == 0) {
+                term.Type(RandomText(random));
+            } else {
+                term.Press(RandomKey(random));
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(random() % 8));
+        }
+        ASSERT_TRUE(term.WaitForQuiet(100ms, 30000ms)) << "no rest in episode " << episode << "\n" << term.Dump();
+    }
+
+    // Still answering: Esc backs out of whatever is open, down to the menu or the welcome screen.
+    auto home = [](const VirtualTerminal& s) { return s.Contains(kMenuTitle) || s.Contains(kWelcomeKeys); };
+    for (int i = 0; i < 6 && !(home(term.Screen()) && term.WaitForQuiet(300ms)); ++i) {
+        // The pager quits with q; everything else with Esc.
+        term.Type("q");
+        term.Press(Key::Escape);
+        term.WaitForQuiet(300ms, 20000ms);
+    }
+    EXPECT_TRUE(term.WaitFor(home, 20000ms)) << term.Dump();
+    EXPECT_TRUE(term.Running());
+    for (const auto& path : SanitizerReports(*host)) {
+        std::ifstream in(path);
+        ADD_FAILURE() << "sanitizer report " << path << ":\n" << std::string(std::istreambuf_iterator<char>(in), {});
+    }
+    const auto store = StoreOnDisk(*host);
+    EXPECT_TRUE(!store.is_discarded() && store.is_object()) << "the store no longer parses";
+}
+
+INSTANTIATE_TEST_SUITE_P(Hosts, RandomKeys, ::testing::Values("default", "no-nic", "dvs"),
+                         [](const ::testing::TestParamInfo<const char*>& info) {
+                             std::string name = info.param;
+                             std::erase(name, '-');
+                             return name;
+                         });
+
+}  // namespace
