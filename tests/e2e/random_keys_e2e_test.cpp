@@ -25,17 +25,18 @@ constexpr const char* kReportPrefix = "kovo-sanitizer";
 // and text that includes markup characters. Not F12: shutting the host down ends the walk (its own
 // tests cover it).
 Key RandomKey(std::mt19937& random) {
-    static const Key keys[] = {Key::Up,   Key::Up,     Key::Down,  Key::Down,     Key::Down,     Key::Enter,
-                               Key::Tab,  Key::Escape, Key::Left,  Key::Right,    Key::Backspace, Key::Home,
-                               Key::End,  Key::Delete, Key::PageUp, Key::PageDown, Key::F2,      Key::F3,
-                               Key::F4,   Key::F11,    Key::Up,    Key::Down,     Key::Down,     Key::Up};
+    static const Key keys[] = {Key::Up,  Key::Up,     Key::Down,   Key::Down,     Key::Down,      Key::Enter,
+                               Key::Tab, Key::Escape, Key::Left,   Key::Right,    Key::Backspace, Key::Home,
+                               Key::End, Key::Delete, Key::PageUp, Key::PageDown, Key::F2,        Key::F3,
+                               Key::F4,  Key::F11,    Key::Up,     Key::Down,     Key::Down,      Key::Up};
     return keys[random() % std::size(keys)];
 }
 
 std::string RandomText(std::mt19937& random) {
     static const std::string alphabet = "abcdynqQ 0123456789.:/{}-,";
     std::string text;
-    for (int i = 0, n = 1 + static_cast<int>(random() % 4); i < n; ++i) text += alphabet[random() % alphabet.size()];
+    for (int i = 0, n = 1 + static_cast<int>(random() % 4); i < n; ++i)
+        text += alphabet[random() % alphabet.size()];
     return text;
 }
 
@@ -43,7 +44,8 @@ std::vector<std::string> SanitizerReports(const HostConsole& host) {
     std::vector<std::string> reports;
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(host.HostDir() + "/upper/var/log", error))
-        if (entry.path().filename().string().rfind(kReportPrefix, 0) == 0) reports.push_back(entry.path().string());
+        if (entry.path().filename().string().rfind(kReportPrefix, 0) == 0)
+            reports.push_back(entry.path().string());
     return reports;
 }
 
@@ -83,7 +85,8 @@ class RandomKeys : public ::testing::TestWithParam<const char*> {};
 TEST_P(RandomKeys, NoScreenBreaksHangsOrDamagesTheStore) {
     ConsoleStart start = Restarting();  // a random reset or restart brings the console back
     const std::string report = std::string("log_path=/var/log/") + kReportPrefix;
-    start.consoleOnlyEnvironment = {{"ASAN_OPTIONS", report}, {"UBSAN_OPTIONS", report + ":print_stacktrace=1"}};
+    start.consoleOnlyEnvironment = {{"ASAN_OPTIONS", report},
+                                    {"UBSAN_OPTIONS", report + ":print_stacktrace=1"}};
     auto host = MakeHost(GetParam(), {}, start);
     auto& term = host->Term();
     ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << term.Dump();
@@ -104,7 +107,8 @@ TEST_P(RandomKeys, NoScreenBreaksHangsOrDamagesTheStore) {
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(random() % 8));
         }
-        ASSERT_TRUE(term.WaitForQuiet(100ms, 30000ms)) << "no rest in episode " << episode << "\n" << term.Dump();
+        ASSERT_TRUE(term.WaitForQuiet(100ms, 30000ms)) << "no rest in episode " << episode << "\n"
+                                                       << term.Dump();
     }
 
     // Still answering: Esc backs out of whatever is open, down to the menu or the welcome screen.
@@ -119,7 +123,8 @@ TEST_P(RandomKeys, NoScreenBreaksHangsOrDamagesTheStore) {
     EXPECT_TRUE(term.Running());
     for (const auto& path : SanitizerReports(*host)) {
         std::ifstream in(path);
-        ADD_FAILURE() << "sanitizer report " << path << ":\n" << std::string(std::istreambuf_iterator<char>(in), {});
+        ADD_FAILURE() << "sanitizer report " << path << ":\n"
+                      << std::string(std::istreambuf_iterator<char>(in), {});
     }
     const auto store = StoreOnDisk(*host);
     EXPECT_TRUE(!store.is_discarded() && store.is_object()) << "the store no longer parses";
