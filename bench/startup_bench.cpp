@@ -7,6 +7,7 @@
 #include <chrono>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "ProcessTree.h"
 #include "TermSession.h"
@@ -61,6 +62,61 @@ void BM_StartToFirstPaint(benchmark::State& state) {
     state.counters["first_screen_bytes"] = double(bytes);
 }
 BENCHMARK(BM_StartToFirstPaint)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(20);
+
+// Exec to first frame inside a running host, for the console and for two programs that set the bar: a
+// whiptail message box and a bare curses program. Each is started the same way (the launcher's exec into
+// the host, in a terminal of its own), so what the start costs outside the program is the same for all.
+struct Program {
+    const char* name;
+    std::vector<std::string> argv;
+    const char* lastOfFirstFrame;
+};
+
+const Program kPrograms[] = {
+    {"kovo", {KOVO_BENCH_CONSOLE}, kLastOfFirstScreen},
+    {"whiptail", {"/usr/bin/whiptail", "--msgbox", "KOVO first frame", "10", "40"}, "<Ok>"},
+    {"bare-curses", {KOVO_BENCH_PROBE}, "KEY 0: none"},
+};
+
+void BM_ExecToFirstFrame(benchmark::State& state) {
+    const Program& program = kPrograms[state.range(0)];
+    state.SetLabel(program.name);
+    const std::string host = FreshHost(std::string("exec-") + program.name);
+    KovoTerm::TermSession hostSession(ConsoleOnHost(host));
+    if (!hostSession.WaitForText(kLastOfFirstScreen)) {
+        state.SkipWithError("the host did not start");
+        return;
+    }
+    long peakKb = 0;
+    for (auto _ : state) {
+        KovoTerm::SpawnOptions options;
+        options.argv = {KOVO_BENCH_LAUNCHER, "exec", host, "--"};
+        options.argv.insert(options.argv.end(), program.argv.begin(), program.argv.end());
+        options.environment = {{"PATH", "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"}};
+        const auto start = std::chrono::steady_clock::now();
+        KovoTerm::TermSession session(options);
+        if (!session.WaitForText(program.lastOfFirstFrame)) {
+            state.SkipWithError("no first frame");
+            break;
+        }
+        state.SetIterationTime(
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+        state.PauseTiming();
+        session.WaitForQuiet(std::chrono::milliseconds(100));
+        const std::string leaf = std::filesystem::path(program.argv[0]).filename();
+        const pid_t pid = session.WaitForDescendant(leaf);
+        if (auto kb = KovoTerm::ProcessTree::StatusKb(pid, "VmHWM")) peakKb = std::max(peakKb, *kb);
+        Stop(session, pid);
+        state.ResumeTiming();
+    }
+    state.counters["peak_rss_kB"] = double(peakKb);
+    Stop(hostSession, hostSession.WaitForDescendant("kovo"));
+}
+BENCHMARK(BM_ExecToFirstFrame)
+    ->DenseRange(0, 2)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(20);
 
 // The same cycle with the console's start-up and the host's boot together: spawn to the host stopped.
 void BM_FullCycle(benchmark::State& state) {

@@ -11,6 +11,7 @@ packages=(
   libvterm-dev libfaketime faketime
   clang libclang-rt-dev clang-format-14
   util-linux iproute2 dnsmasq-base less openssl openssh-client procps locales
+  whiptail
 )
 
 missing=()
