@@ -1,6 +1,7 @@
 #include "platform/zenkctl/DVPortImpl.h"
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/store/InjectedFault.h"
 #include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/NetworkJson.h"
 
@@ -39,6 +40,7 @@ int DVPortImpl::GetVlanId() {
 }
 
 void DVPortImpl::SetVlanId(int vlanId) {
+    Store::ThrowIfInjected(*_store, "DVPort.SetVlanId");
     if (vlanId < 0 || vlanId > 4094) {
         throw HostCtlException("Invalid DVPort vlan specified. Valid range is 0-4094.");
     }

@@ -4,6 +4,7 @@
 
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/Portset.h"
+#include "platform/store/InjectedFault.h"
 #include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/NetworkJson.h"
 
@@ -58,6 +59,7 @@ VirtualSwitchInfoImpl::VirtualSwitchInfoImpl(std::shared_ptr<Store::HostStore> s
     : _store(std::move(store)) {}
 
 std::vector<VirtualSwitch> VirtualSwitchInfoImpl::GetVirtualSwitches() {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.GetVirtualSwitches");
     std::vector<VirtualSwitch> result;
     const json list = _store->Get(Schema::kSwitches);
     if (!list.is_array()) return result;
@@ -75,6 +77,7 @@ std::vector<VirtualSwitch> VirtualSwitchInfoImpl::GetVirtualSwitches() {
 }
 
 std::vector<DvSwitch> VirtualSwitchInfoImpl::GetDvSwitches() {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.GetDvSwitches");
     std::vector<DvSwitch> result;
     const json list = _store->Get(Schema::kDvs);
     if (!list.is_array()) return result;
@@ -89,6 +92,7 @@ std::vector<DvSwitch> VirtualSwitchInfoImpl::GetDvSwitches() {
 }
 
 void VirtualSwitchInfoImpl::AddVirtualSwitch(const std::string& name, int numPorts) {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.AddVirtualSwitch");
     if (name.empty() || name.size() > 31) throw HostCtlException("Invalid virtual switch name: " + name);
     if (numPorts < 1 || numPorts > HostCtl::Network::Portset::MAX_NUM_PORTS) {
         throw HostCtlException("Invalid number of ports for " + name + ": " + std::to_string(numPorts));
@@ -107,6 +111,7 @@ void VirtualSwitchInfoImpl::AddVirtualSwitch(const std::string& name, int numPor
 }
 
 void VirtualSwitchInfoImpl::RemoveVirtualSwitch(const std::string& name) {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.RemoveVirtualSwitch");
     _store->Update([&](json& d) {
         json& vswitch = Switch(d, name);
         for (const auto& nic : Json::ArrayAt(d, Schema::kZenkNics)) {
@@ -124,6 +129,7 @@ void VirtualSwitchInfoImpl::RemoveVirtualSwitch(const std::string& name) {
 }
 
 void VirtualSwitchInfoImpl::AddUplink(const std::string& switchName, const std::string& pnic) {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.AddUplink");
     _store->Update([&](json& d) {
         if (Json::FindNamed(Json::ArrayAt(d, Schema::kPnics), pnic) == nullptr) {
             throw HostCtlException("Physical NIC " + pnic + " does not exist");
@@ -137,6 +143,7 @@ void VirtualSwitchInfoImpl::AddUplink(const std::string& switchName, const std::
 }
 
 void VirtualSwitchInfoImpl::RemoveUplink(const std::string& switchName, const std::string& pnic) {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.RemoveUplink");
     _store->Update([&](json& d) {
         json& uplinks = List(Switch(d, switchName), "uplinks");
         auto it = std::find(uplinks.begin(), uplinks.end(), pnic);
@@ -146,6 +153,7 @@ void VirtualSwitchInfoImpl::RemoveUplink(const std::string& switchName, const st
 }
 
 void VirtualSwitchInfoImpl::RemoveDvsUplink(const std::string& dvsName, const std::string& pnic) {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.RemoveDvsUplink");
     _store->Update([&](json& d) {
         json* dvs = Json::FindNamed(Json::ArrayAt(d, Schema::kDvs), dvsName);
         if (dvs == nullptr) throw HostCtlException("Distributed switch " + dvsName + " does not exist");
@@ -161,17 +169,20 @@ std::string VirtualSwitchInfoImpl::FindUplinkOwner(const std::string& pnic) {
 }
 
 HostCtl::Network::NicTeamingPolicy VirtualSwitchInfoImpl::GetTeamingPolicy(const std::string& switchName) {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.GetTeamingPolicy");
     json document = _store->Read();
     return Json::ToTeaming(Switch(document, switchName).value("teaming", json::object()));
 }
 
 void VirtualSwitchInfoImpl::SetTeamingPolicy(const std::string& switchName,
                                              const HostCtl::Network::NicTeamingPolicy& policy) {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.SetTeamingPolicy");
     _store->Update([&](json& d) { Switch(d, switchName)["teaming"] = Json::FromTeaming(policy); });
 }
 
 void VirtualSwitchInfoImpl::AddPortGroup(const std::string& switchName, const std::string& portGroup,
                                          int vlanId) {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.AddPortGroup");
     if (portGroup.empty() || portGroup.size() > 59)
         throw HostCtlException("Invalid port group name: " + portGroup);
     if (vlanId < 0 || vlanId > 4095) throw HostCtlException("Invalid VLAN id " + std::to_string(vlanId));
@@ -192,6 +203,7 @@ std::string VirtualSwitchInfoImpl::GetPortGroupSwitch(const std::string& portGro
 }
 
 int VirtualSwitchInfoImpl::GetPortGroupVlan(const std::string& portGroup) {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.GetPortGroupVlan");
     json document = _store->Read();
     const json* pg = PortGroup(document, portGroup);
     if (pg == nullptr) throw HostCtlException("Port group " + portGroup + " does not exist");
@@ -199,6 +211,7 @@ int VirtualSwitchInfoImpl::GetPortGroupVlan(const std::string& portGroup) {
 }
 
 void VirtualSwitchInfoImpl::SetPortGroupVlan(const std::string& portGroup, int vlanId) {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.SetPortGroupVlan");
     if (vlanId < 0 || vlanId > 4095) throw HostCtlException("Invalid VLAN id " + std::to_string(vlanId));
     _store->Update([&](json& d) {
         json* pg = PortGroup(d, portGroup);

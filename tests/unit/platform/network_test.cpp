@@ -1,4 +1,8 @@
 #include <fstream>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -286,4 +290,82 @@ TEST(HostsFileTest, RemovesTheNameEverywhereAndKeepsTheRest) {
     EXPECT_EQ(content, "127.0.0.1 localhost\n");
     EXPECT_FALSE(hosts.RemoveEntryByHostName("h1.example.com"));
     EXPECT_THROW(HostsFile(dir.File("missing")).RemoveEntryByHostName("x"), HostCtlException);
+}
+
+// The simulated host makes a named operation fail so that every guarded step of a screen can be reached;
+// each operation must check its own name before it changes anything, and only its own.
+TEST_F(NetworkTest, EveryNetworkOperationFailsWithItsInjectedTextAndChangesNothing) {
+    using Operation = std::function<void()>;
+    NetworkInfoImpl info(store);
+    RoutingInfoImpl routing("defaultNetStack", store);
+    DnsConfigImpl dns("defaultNetStack", store);
+    VirtualSwitchInfoImpl switches(store);
+    ZenkNicImpl nic("zk0", store);
+    DVPortImpl port("dvSwitch0", "10", store);
+    PnicImpl pnic("zennic1", store);
+    const std::vector<std::pair<std::string, Operation>> operations{
+        {"ZenkNic.GetConnectionPoint", [&] { nic.GetConnectionPoint(); }},
+        {"ZenkNic.SetIpConfig", [&] { nic.SetIpConfig(nic.GetConfiguredIpConfig()); }},
+        {"ZenkNic.SetMacAddress", [&] { nic.SetMacAddress("00:50:56:a1:00:07"); }},
+        {"ZenkNic.SetMacAddressFromPnic", [&] { nic.SetMacAddressFromPnic(&pnic); }},
+        {"ZenkNic.SetDhcpBound", [&] { nic.SetDhcpBound(true); }},
+        {"ZenkNic.RenewIpv4Lease", [&] { nic.RenewIpv4Lease(); }},
+        {"ZenkNic.RenewIpv6Lease", [&] { nic.RenewIpv6Lease(); }},
+        {"ZenkNic.Disable", [&] { nic.Disable(); }},
+        {"ZenkNic.Commit", [&] { nic.Commit(); }},
+        {"ZenkNic.Enable", [&] { nic.Enable(); }},
+        {"ZenkNic.ConnectToPortGroup", [&] { nic.ConnectToPortGroup("VM Network"); }},
+        {"ZenkNic.ConnectToDvPort", [&] { nic.ConnectToDvPort("dvSwitch0", "10"); }},
+        {"NetworkInfo.GetPnics", [&] { info.GetPnics(); }},
+        {"NetworkInfo.UpdateManagementInterface", [&] { info.UpdateManagementInterface(); }},
+        {"NetworkInfo.SetZenkIpv6Enabled", [&] { info.SetZenkIpv6Enabled(false); }},
+        {"NetworkInfo.DisableNetDumper", [&] { info.DisableNetDumper(); }},
+        {"NetworkInfo.ClearNetworkConfig", [&] { info.ClearNetworkConfig(); }},
+        {"NetworkInfo.AutoConfigNetwork", [&] { info.AutoConfigNetwork(); }},
+        {"RoutingInfo.GetZenKernelDefaultGateway", [&] { routing.GetZenKernelDefaultGateway(); }},
+        {"RoutingInfo.SetZenKernelDefaultGateway",
+         [&] { routing.SetZenKernelDefaultGateway(Ipv4Address("192.168.10.2"), false); }},
+        {"RoutingInfo.SetIpv6ZenKernelDefaultGateway",
+         [&] { routing.SetIpv6ZenKernelDefaultGateway(Ipv6Address("2001:db8:10::2")); }},
+        {"DnsConfig.SetHostname", [&] { dns.SetHostname("other", false); }},
+        {"DnsConfig.SetFqdn", [&] { dns.SetFqdn("other.example.org", false, ""); }},
+        {"DnsConfig.SetDomain", [&] { dns.SetDomain("example.org"); }},
+        {"DnsConfig.RemoveNameServers", [&] { dns.RemoveNameServers(); }},
+        {"DnsConfig.AddNameServer", [&] { dns.AddNameServer(Ipv4Address("192.0.2.53")); }},
+        {"DnsConfig.SetSearchDomainsString", [&] { dns.SetSearchDomainsString("a.example b.example"); }},
+        {"DnsConfig.AddSearchDomain", [&] { dns.AddSearchDomain("c.example"); }},
+        {"DnsConfig.SaveConfig", [&] { dns.SaveConfig(); }},
+        {"VirtualSwitchInfo.GetVirtualSwitches", [&] { switches.GetVirtualSwitches(); }},
+        {"VirtualSwitchInfo.GetDvSwitches", [&] { switches.GetDvSwitches(); }},
+        {"VirtualSwitchInfo.AddVirtualSwitch", [&] { switches.AddVirtualSwitch("xSwitch9", 64); }},
+        {"VirtualSwitchInfo.RemoveVirtualSwitch", [&] { switches.RemoveVirtualSwitch("xSwitch0"); }},
+        {"VirtualSwitchInfo.AddUplink", [&] { switches.AddUplink("xSwitch0", "zennic2"); }},
+        {"VirtualSwitchInfo.RemoveUplink", [&] { switches.RemoveUplink("xSwitch0", "zennic0"); }},
+        {"VirtualSwitchInfo.RemoveDvsUplink", [&] { switches.RemoveDvsUplink("dvSwitch0", "zennic1"); }},
+        {"VirtualSwitchInfo.GetTeamingPolicy", [&] { switches.GetTeamingPolicy("xSwitch0"); }},
+        {"VirtualSwitchInfo.SetTeamingPolicy",
+         [&] { switches.SetTeamingPolicy("xSwitch0", switches.GetTeamingPolicy("xSwitch0")); }},
+        {"VirtualSwitchInfo.AddPortGroup", [&] { switches.AddPortGroup("xSwitch0", "Extra", 3); }},
+        {"VirtualSwitchInfo.GetPortGroupVlan", [&] { switches.GetPortGroupVlan("Management Network"); }},
+        {"VirtualSwitchInfo.SetPortGroupVlan", [&] { switches.SetPortGroupVlan("Management Network", 12); }},
+        {"DVPort.SetVlanId", [&] { port.SetVlanId(7); }},
+    };
+    for (const auto& [name, operation] : operations) {
+        store->Update([&](json& d) { d["simulation"]["faults"] = {{name, "injected " + name}}; });
+        const json before = store->Read();
+        try {
+            operation();
+            ADD_FAILURE() << name << " did not fail";
+        } catch (const HostCtlException& e) {
+            EXPECT_EQ(std::string(e.what()), "injected " + name);
+        }
+        EXPECT_EQ(store->Read(), before) << name << " changed the store before failing";
+        // Another operation's fault is not this one's (it may still fail for a reason of its own).
+        store->Update([&](json& d) { d["simulation"]["faults"] = {{"Other.Operation", "not this one"}}; });
+        try {
+            operation();
+        } catch (const HostCtlException& e) {
+            EXPECT_NE(std::string(e.what()), "not this one") << name;
+        }
+    }
 }
