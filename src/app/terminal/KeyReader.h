@@ -17,6 +17,7 @@ enum InputEvent : int {
     kRestartRequest = -4,
     kTerminalResized = -5,
     kTerminate = -6,
+    kTerminalGone = -7,  // the terminal hung up: no key will ever come
 };
 
 // Seconds without a key before the screen dims.
@@ -26,7 +27,9 @@ constexpr int kDimSeconds = 60;
 // signal thread. Ends the process with status 1 if the pipe or the thread cannot be made.
 void StartSignalThread();
 
-// One wait for a key or a signal byte; no limit waits indefinitely.
+// One wait for a key or a signal event; no limit waits indefinitely. Every signal byte queued is read at
+// once: termination and resize come before anything else, keys before the rest, and any number of
+// queued notifications (or restart requests) is one event.
 int WaitInput(std::optional<timeval> limit);
 
 // The key reader every frame loop calls: dims after a minute, raises KovoTimeout at the idle logout
