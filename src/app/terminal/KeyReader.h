@@ -23,6 +23,12 @@ enum InputEvent : int {
 // Seconds without a key before the screen dims.
 constexpr int kDimSeconds = 60;
 
+// How long curses waits after Esc for the rest of a key sequence, in milliseconds. Every lone Esc costs
+// this much, so it is short; but an operator without function keys types Esc and then a digit for F1-F10,
+// and the pair must still be one key. Typists take about 240 ms between two keys on average (slow ones
+// well over 300 ms), and Esc-digit is a short reach: 400 ms keeps a deliberate pair together.
+constexpr int kEscapeDelayMs = 400;
+
 // Creates the signal pipe, blocks the handled signals in this (and every later) thread and starts the
 // signal thread. Ends the process with status 1 if the pipe or the thread cannot be made.
 void StartSignalThread();
