@@ -65,7 +65,8 @@ std::unique_ptr<HostConsole> MakeHost(const std::string& scenario, const StoreCh
 
 ConsoleStart FastClock(int speedUp) {
     ConsoleStart start;
-    start.consoleOnlyEnvironment = {{"LD_PRELOAD", KOVO_E2E_FAKETIME}, {"FAKETIME", "+0 x" + std::to_string(speedUp)}};
+    start.consoleOnlyEnvironment = {{"LD_PRELOAD", KOVO_E2E_FAKETIME},
+                                    {"FAKETIME", "+0 x" + std::to_string(speedUp)}};
     return start;
 }
 

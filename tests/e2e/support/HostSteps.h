@@ -65,8 +65,8 @@ std::string HostRecords(const HostConsole& host, const std::string& name);
 // The lines of `text` that contain `part`.
 std::vector<std::string> Lines(const std::string& text, const std::string& part);
 // Waits until the record file holds at least `count` lines containing `part`.
-bool WaitForRecords(const HostConsole& host, const std::string& name, const std::string& part, size_t count = 1,
-                    std::chrono::milliseconds deadline = 10000ms);
+bool WaitForRecords(const HostConsole& host, const std::string& name, const std::string& part,
+                    size_t count = 1, std::chrono::milliseconds deadline = 10000ms);
 // Waits until the syslog holds at least `count` lines containing every one of `parts`.
 bool WaitForSyslogCount(HostConsole& host, const std::vector<std::string>& parts, size_t count,
                         std::chrono::milliseconds deadline = 10000ms);
