@@ -156,11 +156,12 @@ void DrainSignalPipe() {
         pollfd ready = {fd, POLLIN, 0};
         const int rc = poll(&ready, 1, 0);
         if (rc < 0 && errno == EINTR) continue;
-        if (rc <= 0 || !(ready.revents & POLLIN)) return;
-        const ssize_t n = read(fd, bytes, sizeof bytes);
+        if (rc <= 0) return;
+        // A pipe that reports only hang-up or an error would wake every wait from now on.
+        const ssize_t n = ready.revents & POLLIN ? read(fd, bytes, sizeof bytes) : 0;
         if (n < 0 && errno == EINTR) continue;
         if (n <= 0) {
-            LogErrno("reading the signal pipe failed");
+            syslog(LOG_ERR, "The signal pipe failed; signals are no longer seen");
             g_failedPipe = fd;
             return;
         }
