@@ -1,13 +1,18 @@
 // Signals and resize reaching the real console on a simulated host: how it ends, what it leaves behind.
 // The host's notification signal is walked by the smart-card tests, the key map's resize sequence by
 // the dimming tests.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <termios.h>
+#include <unistd.h>
 
+#include <fstream>
 #include <string>
 
 #include "HostConsole.h"
+#include "HostSteps.h"
 
 using KovoE2e::ConsoleStart;
 using KovoE2e::FreshHostDir;
@@ -24,6 +29,18 @@ pid_t StartConsole(HostConsole& host) {
     pid_t console = host.WaitForConsole();
     EXPECT_GT(console, 0);
     return console;
+}
+
+// Signals sent to `pid` that none of its threads has taken yet (the shared pending set).
+unsigned long long SharedPending(pid_t pid) {
+    std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.rfind("ShdPnd:", 0) == 0) return std::stoull(line.substr(7), nullptr, 16);
+    return 0;
+}
+
+bool Pending(pid_t pid, int signal) {
+    return SharedPending(pid) & (1ULL << (signal - 1));
 }
 
 }  // namespace
@@ -84,4 +101,34 @@ TEST(ConsoleRestartRequest, WithNobodyLoggedInEndsAtOnce) {
     EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
     EXPECT_NE(host.Term().Output().rfind(kPaletteReset), std::string::npos);
     EXPECT_TRUE(host.SyslogLines({"Resized window"}).empty());
+}
+
+// A host notification with a smart card in the reader and nobody logged in looks for the card's user
+// and logs it: one line per handled notification. The host's store lock, held from outside, stops the
+// first one halfway, so the whole burst and the termination queue up behind it.
+TEST(NotificationBurst, CollapsesIntoOneRedrawAndTerminationActsAtOnce) {
+    auto host = KovoE2e::MakeHost("default");
+    const pid_t console = host->WaitForConsole();
+    ASSERT_GT(console, 0);
+    ASSERT_TRUE(KovoE2e::SetStore(*host, "/hardware/smartCards/slots/0/token",
+                                  R"({"label": "PIV Card", "serialNumber": "1", "userIds": ["root"]})"));
+    const std::string lockPath = "/proc/" + std::to_string(console) + "/root/etc/halvor/host.json.lock";
+    const int lock = open(lockPath.c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_GE(lock, 0) << lockPath;
+    ASSERT_EQ(flock(lock, LOCK_EX), 0);
+
+    constexpr int kBurst = 5000;
+    for (int i = 0; i < kBurst; ++i) ASSERT_TRUE(host->Term().Signal(SIGUSR1, console));
+    // Every notification taken by the console's signal thread, then the termination too.
+    EXPECT_TRUE(host->Term().WaitUntil([&] { return !Pending(console, SIGUSR1); }));
+    ASSERT_TRUE(host->Term().Signal(SIGTERM, console));
+    EXPECT_TRUE(host->Term().WaitUntil([&] { return !Pending(console, SIGTERM); }));
+    EXPECT_TRUE(host->SyslogLines({"Found smart card"}).empty()) << "a notification got past the lock";
+    close(lock);
+
+    auto status = host->Term().WaitExit(std::chrono::seconds(60));
+    ASSERT_TRUE(status) << "still running after the burst\n" << host->Term().Dump();
+    EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
+    // The one notification under way when the burst came, and none of those queued behind it.
+    EXPECT_EQ(host->SyslogLines({"]: Found smart card with user id 'root'"}).size(), 1u);
 }

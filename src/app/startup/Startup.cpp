@@ -250,6 +250,7 @@ int KovoMain(int argc, char** argv) {
     cbreak();
     noecho();
     keypad(stdscr, TRUE);
+    set_escdelay(kEscapeDelayMs);  // curses' default of a second makes every Esc lag
     InitColors();
     DefineKeys();
 

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <iterator>
 
 #include "app/terminal/KovoTimeout.h"
 #include "app/terminal/Log.h"
@@ -118,42 +119,99 @@ static int ReadKeyNow() {
     return key;
 }
 
+namespace {
+
+// Signal events read from the pipe and not yet acted on, most urgent first. A flag, not a count: a
+// backlog of notifications needs only one redraw.
+struct PendingEvent {
+    char byte;
+    int event;
+    bool urgent;  // acts ahead of keys already typed
+};
+constexpr PendingEvent kPendingEvents[] = {
+    {4, kTerminate, true},
+    {3, kTerminalResized, true},
+    {2, kRestartRequest, false},
+    {1, kHostNotification, false},
+};
+unsigned g_pending = 0;  // bit i stands for kPendingEvents[i]
+// A signal pipe whose reads fail is left out of later waits rather than reported on every one.
+int g_failedPipe = -1;
+
+int SignalPipe() {
+    const int fd = Session::_signalPipe[0];
+    return fd == g_failedPipe ? -1 : fd;
+}
+
+void AddPending(char byte) {
+    for (unsigned i = 0; i < std::size(kPendingEvents); ++i)
+        if (kPendingEvents[i].byte == byte) g_pending |= 1U << i;
+}
+
+// Reads everything the signal thread has queued so far, never blocking.
+void DrainSignalPipe() {
+    const int fd = SignalPipe();
+    char bytes[4096];
+    for (;;) {
+        pollfd ready = {fd, POLLIN, 0};
+        const int rc = poll(&ready, 1, 0);
+        if (rc < 0 && errno == EINTR) continue;
+        if (rc <= 0) return;
+        // A pipe that reports only hang-up or an error would wake every wait from now on.
+        const ssize_t n = ready.revents & POLLIN ? read(fd, bytes, sizeof bytes) : 0;
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) {
+            syslog(LOG_ERR, "The signal pipe failed; signals are no longer seen");
+            g_failedPipe = fd;
+            return;
+        }
+        for (ssize_t i = 0; i < n; ++i) AddPending(bytes[i]);
+    }
+}
+
+// The most urgent pending event, taken off the backlog; 0 when there is none (among the urgent ones
+// when `urgentOnly`).
+int TakePending(bool urgentOnly) {
+    for (unsigned i = 0; i < std::size(kPendingEvents); ++i) {
+        if (!(g_pending & (1U << i))) continue;
+        if (urgentOnly && !kPendingEvents[i].urgent) return 0;
+        g_pending &= ~(1U << i);
+        return kPendingEvents[i].event;
+    }
+    return 0;
+}
+
+}  // namespace
+
 int WaitInput(std::optional<timeval> limit) {
+    if (int event = TakePending(true)) return event;
     if (g_afterEscape) {
         int key = ReadKeyNow();
         if (key != ERR) return key;
     }
-    pollfd fds[2] = {{0, POLLIN, 0}, {Session::_signalPipe[0], POLLIN, 0}};
+    // With events pending only a look is taken: keys typed meanwhile still go first.
     int ms = -1;
-    if (limit) ms = static_cast<int>(limit->tv_usec / 1000 + limit->tv_sec * 1000);
+    if (g_pending)
+        ms = 0;
+    else if (limit)
+        ms = static_cast<int>(limit->tv_usec / 1000 + limit->tv_sec * 1000);
+    pollfd fds[2] = {{0, POLLIN, 0}, {SignalPipe(), POLLIN, 0}};
     int rc = poll(fds, 2, ms);
     if (rc < 0) {
-        LogErrno("poll() failed");
+        if (errno != EINTR) LogErrno("poll() failed");
         return kInputFailed;
     }
-    if (rc == 0) return kInputTimedOut;
-    if (fds[0].revents & (POLLIN | POLLHUP | POLLERR)) return ReadKeyNow();
-    if (fds[1].revents & POLLIN) {
-        char byte = 0;
-        ssize_t n;
-        do {
-            n = read(Session::_signalPipe[0], &byte, 1);
-        } while (n < 0 && errno == EINTR);
-        if (n != 1) return kInputFailed;
-        switch (byte) {
-            case 1:
-                return kHostNotification;
-            case 2:
-                return kRestartRequest;
-            case 3:
-                return kTerminalResized;
-            case 4:
-                return kTerminate;
-            default:
-                return kInputFailed;
-        }
+    // The pipe is read whatever the terminal reports, so a hung-up terminal cannot starve it.
+    if (fds[1].revents) DrainSignalPipe();
+    if (int event = TakePending(true)) return event;
+    if (fds[0].revents) {
+        int key = ReadKeyNow();
+        if (key != ERR) return key;
+        // Nothing to read from a terminal that reports hang-up: it is gone.
+        if (fds[0].revents & (POLLHUP | POLLERR | POLLNVAL)) return kTerminalGone;
     }
-    return kInputFailed;
+    if (int event = TakePending(false)) return event;
+    return rc == 0 ? kInputTimedOut : kInputFailed;
 }
 
 IdleDeadlines ComputeIdleDeadlines(const timeval& start, uint32_t idleTimeout, bool useIdleTimeout) {
@@ -211,6 +269,10 @@ int GetKey(Window* frame, bool useIdleTimeout) {
                 ResizeTerminal();
                 exit(0);
             case kTerminate:
+                exit(0);
+            case kTerminalGone:
+                // A dropped line or a closed session: end, and the host starts the console afresh.
+                syslog(LOG_INFO, "Terminal hung up; ending");
                 exit(0);
             default:
                 break;

@@ -17,16 +17,25 @@ enum InputEvent : int {
     kRestartRequest = -4,
     kTerminalResized = -5,
     kTerminate = -6,
+    kTerminalGone = -7,  // the terminal hung up: no key will ever come
 };
 
 // Seconds without a key before the screen dims.
 constexpr int kDimSeconds = 60;
 
+// How long curses waits after Esc for the rest of a key sequence, in milliseconds. Every lone Esc costs
+// this much, so it is short; but an operator without function keys types Esc and then a digit for F1-F10,
+// and the pair must still be one key. Typists take about 240 ms between two keys on average (slow ones
+// well over 300 ms), and Esc-digit is a short reach: 400 ms keeps a deliberate pair together.
+constexpr int kEscapeDelayMs = 400;
+
 // Creates the signal pipe, blocks the handled signals in this (and every later) thread and starts the
 // signal thread. Ends the process with status 1 if the pipe or the thread cannot be made.
 void StartSignalThread();
 
-// One wait for a key or a signal byte; no limit waits indefinitely.
+// One wait for a key or a signal event; no limit waits indefinitely. Every signal byte queued is read at
+// once: termination and resize come before anything else, keys before the rest, and any number of
+// queued notifications (or restart requests) is one event.
 int WaitInput(std::optional<timeval> limit);
 
 // The key reader every frame loop calls: dims after a minute, raises KovoTimeout at the idle logout

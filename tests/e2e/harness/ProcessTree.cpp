@@ -1,6 +1,7 @@
 #include "ProcessTree.h"
 
 #include <dirent.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <map>
@@ -43,6 +44,22 @@ std::optional<pid_t> ProcessTree::ParentOf(pid_t pid) {
     long parent = -1;
     if (!(rest >> state >> parent)) return std::nullopt;
     return pid_t(parent);
+}
+
+std::optional<std::chrono::milliseconds> ProcessTree::CpuTime(pid_t pid) {
+    // After the command name: state, then ten fields, then utime and stime in clock ticks.
+    std::string stat = ReadFile("/proc/" + std::to_string(pid) + "/stat");
+    auto close = stat.rfind(')');
+    if (close == std::string::npos) return std::nullopt;
+    std::istringstream rest(stat.substr(close + 1));
+    std::string field;
+    for (int skip = 0; skip < 11; ++skip)
+        if (!(rest >> field)) return std::nullopt;
+    long long user = 0, system = 0;
+    if (!(rest >> user >> system)) return std::nullopt;
+    const long ticks = sysconf(_SC_CLK_TCK);
+    if (ticks <= 0) return std::nullopt;
+    return std::chrono::milliseconds((user + system) * 1000 / ticks);
 }
 
 std::optional<std::string> ProcessTree::CommandName(pid_t pid) {

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,6 +21,8 @@ class ProcessTree {
     static std::optional<pid_t> ParentOf(pid_t pid);
     // A "Name:   value kB" line of /proc/<pid>/status, e.g. "VmHWM" (peak resident set); in kB.
     static std::optional<long> StatusKb(pid_t pid, std::string_view field);
+    // Processor time used so far (user and system), to the clock tick; nullopt once it is gone.
+    static std::optional<std::chrono::milliseconds> CpuTime(pid_t pid);
 };
 
 }  // namespace KovoTerm

@@ -166,6 +166,20 @@ void TermSession::SendRaw(std::string_view bytes) {
     WriteToPty(bytes);
 }
 
+void TermSession::Pause(Millis time) {
+    const auto end = Clock::now() + time;
+    for (auto now = Clock::now(); now < end; now = Clock::now())
+        Pump(std::chrono::duration_cast<Millis>(end - now) + Millis(1));
+}
+
+void TermSession::HangUp() {
+    if (_master < 0) return;
+    // Only this process holds the terminal's master side: closing it hangs the terminal up.
+    close(_master);
+    _master = -1;
+    _hungUp = true;
+}
+
 bool TermSession::Signal(int signal, pid_t target) {
     pid_t pid = target ? target : _pid;
     if (pid <= 0) return false;

@@ -46,6 +46,12 @@ class TermSession {
     void Type(std::string_view utf8);
     // Bytes sent as they are (escape sequences of the program's own key map, e.g. "\x1b" "1").
     void SendRaw(std::string_view bytes);
+    // Lets `time` pass, taking the program's output meanwhile: an operator's pause between two keys. It
+    // is input timing, not a wait for something to happen (use the Wait* calls for that).
+    void Pause(Millis time);
+    // Closes the terminal as a closed terminal window or a dropped line would: the program's side
+    // reports hang-up and end of input, the session leader gets SIGHUP. Nothing can be sent afterwards.
+    void HangUp();
 
     // Sends `signal` to `target` (the spawned process when 0). False when kill() fails.
     bool Signal(int signal, pid_t target = 0);

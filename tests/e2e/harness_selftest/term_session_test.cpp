@@ -228,3 +228,57 @@ TEST(TermSession, UnrunnableProgramIsReportedAtOnce) {
     options.argv.clear();
     EXPECT_THROW(TermSession session(options), std::invalid_argument);
 }
+
+TEST(TermSession, HangUpSignalsTheSessionAndEndsItsInput) {
+    {
+        TermSession shell(Shell("trap 'exit 7' HUP; echo ready; while :; do sleep 0.05; done"));
+        ASSERT_TRUE(shell.WaitForText("ready")) << shell.Dump();
+        shell.HangUp();
+        auto status = shell.WaitExit();
+        ASSERT_TRUE(status) << shell.Dump();
+        EXPECT_TRUE(status->IsExitCode(7)) << "the session leader gets SIGHUP: " << status->Describe();
+        EXPECT_FALSE(shell.TerminalAttributes());
+    }
+    // A program that ignores SIGHUP finds the end of its input instead.
+    const std::string result = ::testing::TempDir() + "hangup-read-status";
+    std::remove(result.c_str());
+    auto options = Shell("trap '' HUP; echo ready; read line; echo \"read $?\" > \"$OUT\"");
+    options.environment = {{"OUT", result}};
+    TermSession shell(options);
+    ASSERT_TRUE(shell.WaitForText("ready")) << shell.Dump();
+    shell.HangUp();
+    shell.Type("too late\n");  // dropped: the terminal is gone
+    auto status = shell.WaitExit();
+    ASSERT_TRUE(status) << shell.Dump();
+    EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
+    std::ifstream in(result);
+    std::string line;
+    std::getline(in, line);
+    EXPECT_EQ(line, "read 1");
+}
+
+TEST(TermSession, PauseLastsItsTimeAndKeepsOutputFlowing) {
+    TermSession chatty(Shell("while true; do echo tick; done"));
+    ASSERT_TRUE(chatty.WaitForText("tick")) << chatty.Dump();
+    const auto before = chatty.Output().size();
+    const auto start = std::chrono::steady_clock::now();
+    chatty.Pause(300ms);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 300ms);
+    EXPECT_GT(chatty.Output().size(), before);
+}
+
+TEST(TermSession, CpuTimeTellsASleeperFromASpinner) {
+    TermSession shell(Shell("sleep 300 & while :; do :; done"));
+    pid_t sleeper = shell.WaitForDescendant("sleep");
+    ASSERT_GT(sleeper, 0);
+    EXPECT_TRUE(shell.WaitUntil([&] {
+        auto used = ProcessTree::CpuTime(shell.Pid());
+        return used && *used >= 300ms;
+    })) << "the spinning shell never reached 300 ms";
+    auto slept = ProcessTree::CpuTime(sleeper);
+    ASSERT_TRUE(slept);
+    EXPECT_LT(*slept, 100ms);
+    ASSERT_TRUE(shell.Signal(SIGKILL));
+    ASSERT_TRUE(shell.WaitExit());
+    EXPECT_FALSE(ProcessTree::CpuTime(shell.Pid())) << "a reaped process has no processor time";
+}

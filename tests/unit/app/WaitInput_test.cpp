@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <optional>
+#include <string>
 
 #include "app/frames/Frame.h"
 #include "app/terminal/KeyReader.h"
@@ -41,6 +42,15 @@ class WaitInputTest : public ::testing::Test {
     void Type(const char* bytes) {
         ASSERT_EQ(write(keys_[1], bytes, strlen(bytes)), static_cast<ssize_t>(strlen(bytes)));
     }
+    static void SignalBytes(const std::string& bytes) {
+        ASSERT_EQ(write(Frame::_signalPipe[1], bytes.data(), bytes.size()),
+                  static_cast<ssize_t>(bytes.size()));
+    }
+    // The terminal's far end goes away: descriptor 0 reports hang-up and end of input.
+    void HangUpKeyboard() {
+        close(keys_[1]);
+        keys_[1] = -1;
+    }
     static std::optional<timeval> Within(long ms) { return timeval{ms / 1000, (ms % 1000) * 1000}; }
 
     int keys_[2] = {-1, -1};
@@ -58,22 +68,47 @@ TEST_F(WaitInputTest, KeyCursesReadAheadAfterEscapeIsNotLeftWaiting) {
     EXPECT_EQ(WaitInput(Within(0)), kInputTimedOut);
 }
 
-TEST_F(WaitInputTest, SignalBytesBecomeEvents) {
-    const char bytes[] = {1, 2, 3, 4, 9};
-    ASSERT_EQ(write(Frame::_signalPipe[1], bytes, sizeof bytes), static_cast<ssize_t>(sizeof bytes));
-    EXPECT_EQ(WaitInput(Within(1000)), kHostNotification);
-    EXPECT_EQ(WaitInput(Within(1000)), kRestartRequest);
-    EXPECT_EQ(WaitInput(Within(1000)), kTerminalResized);
+TEST_F(WaitInputTest, QueuedSignalBytesCollapseAndTheUrgentOnesComeFirst) {
+    // A storm of notifications with a restart request, a resize, an unknown byte and the termination
+    // queued behind it: ending and resizing act at once, the rest once each, however many were queued.
+    std::string bytes(5000, '\1');
+    bytes += "\2\2\3";
+    bytes += std::string(5000, '\1');
+    bytes += "\x09\4";
+    SignalBytes(bytes);
     EXPECT_EQ(WaitInput(Within(1000)), kTerminate);
-    EXPECT_EQ(WaitInput(Within(1000)), kInputFailed);
+    EXPECT_EQ(WaitInput(Within(1000)), kTerminalResized);
+    EXPECT_EQ(WaitInput(Within(1000)), kRestartRequest);
+    EXPECT_EQ(WaitInput(Within(1000)), kHostNotification);
+    EXPECT_EQ(WaitInput(Within(0)), kInputTimedOut);
+    // Notifications arriving after the redraw are one more.
+    SignalBytes(std::string(300, '\1'));
+    EXPECT_EQ(WaitInput(Within(1000)), kHostNotification);
+    EXPECT_EQ(WaitInput(Within(0)), kInputTimedOut);
 }
 
-TEST_F(WaitInputTest, KeyboardIsReadBeforeSignals) {
-    const char notify = 1;
-    ASSERT_EQ(write(Frame::_signalPipe[1], &notify, 1), 1);
+TEST_F(WaitInputTest, KeysGoBeforeRedrawsButNotBeforeTermination) {
+    SignalBytes("\1");
     Type("a");
     EXPECT_EQ(WaitInput(Within(1000)), 'a');
     EXPECT_EQ(WaitInput(Within(1000)), kHostNotification);
+    Type("b");
+    SignalBytes("\1\4");
+    EXPECT_EQ(WaitInput(Within(1000)), kTerminate);
+    EXPECT_EQ(WaitInput(Within(1000)), 'b');
+    EXPECT_EQ(WaitInput(Within(1000)), kHostNotification);
+}
+
+TEST_F(WaitInputTest, HungUpKeyboardEndsInputAfterWhatWasTypedAndStarvesNoSignal) {
+    Type("xy");
+    HangUpKeyboard();
+    EXPECT_EQ(WaitInput(Within(1000)), 'x');
+    EXPECT_EQ(WaitInput(Within(1000)), 'y');
+    EXPECT_EQ(WaitInput(Within(1000)), kTerminalGone);
+    EXPECT_EQ(WaitInput(Within(1000)), kTerminalGone) << "asked again, still gone";
+    // The descriptor reports nothing but hang-up, every time: the termination byte is still read.
+    SignalBytes("\4");
+    EXPECT_EQ(WaitInput(Within(1000)), kTerminate);
 }
 
 TEST_F(WaitInputTest, NothingWithinTheLimitTimesOut) {

@@ -1,0 +1,115 @@
+// The console's terminal going away (a closed terminal window, a dropped SSH session or serial line):
+// whatever the console is showing, it ends with status 0 for the host to start it again, and it does
+// not spin on the dead terminal meanwhile.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "HostSteps.h"
+#include "ProcessTree.h"
+
+using namespace KovoE2e;
+using KovoTerm::ProcessTree;
+
+namespace {
+
+// Entries below Configure Password down to View System Logs (blank lines are skipped).
+constexpr int kSystemLogsDowns = 7;
+constexpr const char* kPagerPrompt = "<Q> Quit </> RegExp Search <H> Help";
+// Far above the few milliseconds a clean end takes, far below what a spinning key loop burns before
+// the host's grace period runs out.
+constexpr auto kCpuBound = 500ms;
+
+// Waits for `console` to be gone, reading its processor time as long as it lasts; the most it was seen
+// to have used, or nullopt when it did not end in time.
+std::optional<std::chrono::milliseconds> CpuUntilGone(HostConsole& host, pid_t console) {
+    std::chrono::milliseconds most{0};
+    const bool gone = host.Term().WaitUntil(
+        [&] {
+            auto used = ProcessTree::CpuTime(console);
+            if (!used) return true;
+            most = std::max(most, *used);
+            return false;
+        },
+        30s, 5ms);
+    if (!gone) return std::nullopt;
+    return most;
+}
+
+std::vector<std::string> FileLines(const std::string& path) {
+    std::ifstream in(path);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
+
+// After the terminal hung up, the console ends with status 0 (the launcher runs it once and exits with
+// its status), having used less than kCpuBound.
+void ExpectCleanEnd(HostConsole& host, pid_t console) {
+    auto used = CpuUntilGone(host, console);
+    ASSERT_TRUE(used) << "still running after the terminal hung up\n" << host.Term().Dump();
+    EXPECT_LT(*used, kCpuBound) << "processor time used by the console";
+    auto status = host.Term().WaitExit();
+    ASSERT_TRUE(status);
+    EXPECT_TRUE(status->IsExitCode(0)) << status->Describe() << "\n" << host.Syslog();
+}
+
+}  // namespace
+
+TEST(TerminalHangUp, OnTheWelcomeScreen) {
+    auto host = MakeHost("default");
+    const pid_t console = host->WaitForConsole();
+    ASSERT_GT(console, 0);
+    host->Term().HangUp();
+    ExpectCleanEnd(*host, console);
+}
+
+TEST(TerminalHangUp, WithADialogOpen) {
+    auto host = MakeHost("default");
+    const pid_t console = host->WaitForConsole();
+    ASSERT_GT(console, 0);
+    ASSERT_TRUE(OpenLogin(*host)) << host->Term().Dump();
+    host->Term().HangUp();
+    ExpectCleanEnd(*host, console);
+}
+
+TEST(TerminalHangUp, WhileThePagerShowsALog) {
+    auto host = MakeHost("default");
+    const pid_t console = host->WaitForConsole();
+    ASSERT_GT(console, 0);
+    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(*host, kSystemLogsDowns, "<1> Syslog")) << host->Term().Dump();
+    host->Term().Type("1");
+    ASSERT_TRUE(host->Term().WaitForText(kPagerPrompt)) << host->Term().Dump();
+    host->Term().HangUp();
+    ExpectCleanEnd(*host, console);
+}
+
+// A host command already running is not abandoned halfway: it finishes, and then the console ends.
+TEST(TerminalHangUp, DuringAHostCommand) {
+    auto host = MakeHost("default");
+    const pid_t console = host->WaitForConsole();
+    ASSERT_GT(console, 0);
+    ASSERT_TRUE(
+        ReplaceHostProgram(*host, "/usr/sbin/firmwareConfig.py",
+                           "echo started > /var/log/went; while [ ! -e /run/go-on ]; do sleep 0.02; done; "
+                           "echo finished >> /var/log/went"));
+    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(*host, kResetDowns, "Reset System Configuration now?")) << host->Term().Dump();
+    host->Term().Press(Key::F11);
+    const std::string record = host->HostDir() + "/upper/var/log/went";
+    ASSERT_TRUE(host->Term().WaitUntil([&] { return FileLines(record).size() == 1; }))
+        << "the reset command did not start\n"
+        << host->Term().Dump();
+
+    host->Term().HangUp();
+    ASSERT_TRUE(HostConsole::WriteHostFile(console, "/run/go-on", "go\n"));
+    ExpectCleanEnd(*host, console);
+    EXPECT_EQ(FileLines(record), (std::vector<std::string>{"started", "finished"}))
+        << "the command was cut short";
+}
