@@ -7,6 +7,7 @@
 #include <sys/mount.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -121,6 +122,21 @@ int HostNamespace::Mount(const HostLayout& layout) {
     DoMount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC);
     BringUpLoopback();
     return oldProc;
+}
+
+void HostNamespace::MakeReadOnly(const std::string& path) {
+    DoMount(path.c_str(), path, nullptr, MS_BIND | MS_REC);
+    // A remount must keep the flags the machine's mount has, or a user namespace refuses it.
+    struct statvfs fs {};
+    if (::statvfs(path.c_str(), &fs) != 0) Fail("statvfs " + path);
+    unsigned long flags = MS_BIND | MS_REMOUNT | MS_RDONLY;
+    if (fs.f_flag & ST_NOSUID) flags |= MS_NOSUID;
+    if (fs.f_flag & ST_NODEV) flags |= MS_NODEV;
+    if (fs.f_flag & ST_NOEXEC) flags |= MS_NOEXEC;
+    if (fs.f_flag & ST_NOATIME) flags |= MS_NOATIME;
+    if (fs.f_flag & ST_NODIRATIME) flags |= MS_NODIRATIME;
+    if (fs.f_flag & ST_RELATIME) flags |= MS_RELATIME;
+    DoMount(nullptr, path, nullptr, flags);
 }
 
 void HostNamespace::BringUpLoopback() {

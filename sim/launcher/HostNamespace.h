@@ -29,6 +29,10 @@ class HostNamespace {
     // A fresh, empty /run for the next boot of the host.
     static void RemountRun();
 
+    // Makes a machine file or directory (with whatever is mounted below it) read-only inside the host,
+    // so nothing run in the host can change it, not even through the host's links to it.
+    static void MakeReadOnly(const std::string& path);
+
   private:
     static void BringUpLoopback();
 };

@@ -267,6 +267,11 @@ int Launcher::RunInit(const HostLayout& layout, Supervisor::Config config) {
         const std::string beside = fs::path(SelfPath()).parent_path().string();
         const HostBoot::Products products{beside + "/kovo-sim-host", beside + "/pam_kovo_sim.so"};
         config.machineProc = HostNamespace::Mount(layout);
+        // The host's programs are links to the launcher's own files: the host may replace a link, never
+        // write through it into the build that made it. The console program is protected the same way.
+        HostNamespace::MakeReadOnly(beside);
+        if (!config.argv.empty() && fs::is_regular_file(config.argv[0]))
+            HostNamespace::MakeReadOnly(config.argv[0]);
         const bool made = !fs::exists(ZenkCtl::Store::HostStore::kHostPath);
         if (made) HostBoot::Provision(scenario);
         config.boot = [scenario, products, first = made]() mutable {

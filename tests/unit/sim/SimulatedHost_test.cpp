@@ -4,9 +4,13 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "helpers/Subprocess.h"
+#include "host/HostPrograms.h"
 
 namespace {
 
@@ -152,6 +156,29 @@ TEST_F(SimulatedHostTest, HostProgramsAreRecordedAndDaemonsWriteTheHostsFiles) {
         Inside({"/usr/lib/halvor/openssh/bin/ssh-keygen", "-l", "-f", "/etc/ssh/ssh_host_rsa_key.pub"});
     EXPECT_EQ(key.status, 0) << key.err;
     EXPECT_NE(key.out.find("root@kovo-host-01.lab.example (RSA)"), std::string::npos) << key.out;
+}
+
+// Host programs reach the launcher's own files through links; whatever runs inside a host writes through
+// them, the build that made the host must stay as it was.
+TEST(HostIsolation, WritingThroughEveryHostProgramPathLeavesTheBuildAsItWas) {
+    TempDir tmp;
+    const std::string host = tmp / "host";
+    ASSERT_EQ(RunProgram({kSim, "--dir", host, "--once", "--kovo", "/bin/true"}).status, 0);
+    const std::filesystem::path beside = std::filesystem::path(kSim).parent_path();
+    std::map<std::string, std::string> build;
+    for (const std::string& file :
+         {kSim, (beside / "kovo-sim-host").string(), (beside / "pam_kovo_sim.so").string()})
+        build[file] = ReadFile(file);
+
+    std::vector<std::string> paths{"/usr/lib/kovo-sim/kovo-sim-host", "/usr/lib/kovo-sim/pam_kovo_sim.so"};
+    for (const auto& install : KovoSim::Host::HostPrograms::Installs()) paths.push_back(install.hostPath);
+    std::string script;
+    for (const auto& path : paths) script += "printf 'written inside\\n' > " + path + "; ";
+    script += "true";
+    const auto wrote = RunProgram({kSim, "exec", host, "--", "/bin/sh", "-c", script});
+    ASSERT_EQ(wrote.status, 0) << wrote.err;
+
+    for (const auto& [file, bytes] : build) EXPECT_TRUE(ReadFile(file) == bytes) << file << " was changed";
 }
 
 // Power needs a host of its own with a console running.
