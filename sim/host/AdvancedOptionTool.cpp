@@ -3,8 +3,11 @@
 #include <charconv>
 
 #include "StoreNodes.h"
+#include "platform/store/StoreSchema.h"
 
 namespace KovoSim::Host {
+
+namespace Schema = ZenkCtl::Store::Schema;
 namespace {
 
 using nlohmann::json;
@@ -106,7 +109,7 @@ int AdvancedOptionTool::RunCli(HostContext& context, bool local) {
         context.err << "Error: Unknown command or namespace\n";
         return 1;
     }
-    if (!local && !StoreNodes::Flag(context.store->Read(), "/services/hostAgent/running", true)) {
+    if (!local && !StoreNodes::Flag(context.store->Read(), Schema::kHostAgentRunning, true)) {
         context.err << "Connection failed\n";
         return 1;
     }

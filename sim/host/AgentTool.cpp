@@ -4,8 +4,11 @@
 #include <fstream>
 
 #include "StoreNodes.h"
+#include "platform/store/StoreSchema.h"
 
 namespace KovoSim::Host {
+
+namespace Schema = ZenkCtl::Store::Schema;
 
 int AgentTool::RunServices(HostContext& context) {
     const auto& argv = context.argv;
@@ -40,7 +43,7 @@ int AgentTool::RunBacktrace(HostContext& context) {
         context.err << "Usage: zenkbacktrace -w -n NAME -o PATTERN -d DIR\n";
         return 1;
     }
-    if (name != "hagentd" || !StoreNodes::Flag(context.store->Read(), "/services/hostAgent/running", true)) {
+    if (name != "hagentd" || !StoreNodes::Flag(context.store->Read(), Schema::kHostAgentRunning, true)) {
         context.err << "zenkbacktrace: no process named " << name << "\n";
         return 1;
     }

@@ -4,8 +4,11 @@
 #include <map>
 
 #include "StoreNodes.h"
+#include "platform/store/StoreSchema.h"
 
 namespace KovoSim::Host {
+
+namespace Schema = ZenkCtl::Store::Schema;
 namespace {
 
 using nlohmann::json;
@@ -22,7 +25,7 @@ std::function<int(HostContext&)> SetService(const std::string& service, const st
 int Lockdown(HostContext& context, bool enter) {
     int status = 0;
     context.store->Update([&](json& document) {
-        if (enter && !StoreNodes::Flag(document, "/services/lockdown/possible", true)) {
+        if (enter && !StoreNodes::Flag(document, Schema::kLockdownPossible, true)) {
             context.err << "Lockdown mode cannot be enabled: the host is not managed by a central server\n";
             status = 1;
             return;
@@ -42,9 +45,9 @@ const std::map<std::string, std::function<int(HostContext&)>>& Commands() {
         {"internalsvc/refresh", [](HostContext&) { return 0; }},
         {"hostsvc/autostartmanager/autostop", [](HostContext&) { return 0; }},
         {"hclsvc/auth/lockdown_is_enabled",
-         [](HostContext& c) { return Query(c, "/services/lockdown/enabled", false); }},
+         [](HostContext& c) { return Query(c, Schema::kLockdownEnabled, false); }},
         {"hclsvc/auth/lockdown_is_possible",
-         [](HostContext& c) { return Query(c, "/services/lockdown/possible", true); }},
+         [](HostContext& c) { return Query(c, Schema::kLockdownPossible, true); }},
         {"hclsvc/auth/lockdown_mode_enter", [](HostContext& c) { return Lockdown(c, true); }},
         {"hclsvc/auth/lockdown_mode_exit", [](HostContext& c) { return Lockdown(c, false); }},
         {"hostsvc/start_qor_shell", SetService("QorShell", "running", true)},
@@ -77,7 +80,7 @@ int HclCmd::Run(HostContext& context) {
             return kCannotActAsUser;
         }
     }
-    if (!StoreNodes::Flag(document, "/services/hostAgent/running", true)) {
+    if (!StoreNodes::Flag(document, Schema::kHostAgentRunning, true)) {
         context.err << "Failed to connect to the host agent\n";
         return 1;
     }

@@ -1,6 +1,9 @@
 #include "StoreNodes.h"
+#include "platform/store/StoreSchema.h"
 
 namespace KovoSim::Host {
+
+namespace Schema = ZenkCtl::Store::Schema;
 
 bool StoreNodes::Flag(const nlohmann::json& document, const std::string& pointer, bool fallback) {
     const nlohmann::json::json_pointer where(pointer);
@@ -28,7 +31,7 @@ std::string StoreNodes::OptionPointer(const std::string& optionPath) {
         const char c = optionPath[i];
         if (c == '~' || (c == '/' && optionPath[i - 1] == '/')) return {};
     }
-    return "/advancedOptions" + optionPath;
+    return Schema::kAdvancedOptions + optionPath;
 }
 
 }  // namespace KovoSim::Host

@@ -21,9 +21,12 @@
 #include "host/HostPrograms.h"
 #include "platform/events/EventPaths.h"
 #include "platform/store/HostStore.h"
+#include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/ZenkNicRuntime.h"
 
 namespace KovoSim {
+
+namespace Schema = ZenkCtl::Store::Schema;
 namespace fs = std::filesystem;
 using nlohmann::json;
 
@@ -34,7 +37,7 @@ namespace {
 void StartInterfaces() {
     ZenkCtl::Store::HostStore store(ZenkCtl::Store::HostStore::kHostPath);
     store.Update([](json& document) {
-        const json::json_pointer where("/network/zenkNics");
+        const json::json_pointer where(Schema::kZenkNics);
         // contains() first: operator[] would add an empty member to a host without interfaces.
         const json* nics = document.contains(where) ? &document.at(where) : nullptr;
         if (!nics || !nics->is_array()) return;
@@ -157,13 +160,13 @@ bool ListensOnDnsPort() {
 }
 
 std::string Fqdn(const json& store) {
-    const std::string host = Text(store, "/network/dns/hostname");
-    const std::string domain = Text(store, "/network/dns/domain");
+    const std::string host = Text(store, Schema::kHostname);
+    const std::string domain = Text(store, Schema::kDomain);
     return domain.empty() ? host : host + "." + domain;
 }
 
 std::string ManagementIpv4(const json& store) {
-    const json::json_pointer nics("/network/zenkNics");
+    const json::json_pointer nics(Schema::kZenkNics);
     if (!store.contains(nics) || !store.at(nics).is_array()) return {};
     for (const auto& nic : store.at(nics)) {
         if (!nic.is_object() || !nic.value("management", false)) continue;
@@ -182,12 +185,10 @@ json HostBoot::StoreOf(const json& scenario) {
 }
 
 std::vector<std::string> HostBoot::AnsweringAddresses(const json& store, const json& scenario) {
-    std::vector<std::string> candidates = {Text(store, "/network/routing/ipv4DefaultGateway"),
-                                           Text(store, "/network/routing/ipv6DefaultGateway"),
-                                           ManagementIpv4(store)};
-    for (const auto& list :
-         {Texts(store, "/network/dns/nameServers"), Texts(store, "/network/dns/ipv6NameServers"),
-          Texts(scenario, "/simulation/answering")})
+    std::vector<std::string> candidates = {Text(store, Schema::kIpv4DefaultGateway),
+                                           Text(store, Schema::kIpv6DefaultGateway), ManagementIpv4(store)};
+    for (const auto& list : {Texts(store, Schema::kNameServers), Texts(store, Schema::kIpv6NameServers),
+                             Texts(scenario, Schema::kSimulationAnswering)})
         candidates.insert(candidates.end(), list.begin(), list.end());
     std::vector<std::string> addresses;
     std::set<std::string> seen;
@@ -203,7 +204,7 @@ std::vector<std::pair<std::string, std::string>> HostBoot::DnsNames(const json& 
     const std::string fqdn = Fqdn(store);
     const std::string address = ManagementIpv4(store);
     if (!fqdn.empty() && !address.empty()) names.emplace_back(fqdn, address);
-    const json::json_pointer where("/simulation/names");
+    const json::json_pointer where(Schema::kSimulationNames);
     if (scenario.is_object() && scenario.contains(where) && scenario.at(where).is_object()) {
         for (const auto& [name, value] : scenario.at(where).items()) {
             if (value.is_string() && IsAddress(value.get<std::string>()))
@@ -223,7 +224,7 @@ void HostBoot::Provision(const json& scenario) {
     fs::create_directories("/etc/halvor", error);
     ZenkCtl::Store::HostStore(ZenkCtl::Store::HostStore::kHostPath).Replace(store);
 
-    const std::string host = Text(store, "/network/dns/hostname");
+    const std::string host = Text(store, Schema::kHostname);
     const std::string fqdn = Fqdn(store);
     WriteHostFile("/etc/hostname", (host.empty() ? "localhost" : host) + "\n");
 
@@ -234,14 +235,14 @@ void HostBoot::Provision(const json& scenario) {
     WriteHostFile("/etc/hosts", hosts);
 
     std::string resolv;
-    const auto search = Texts(store, "/network/dns/searchDomains");
+    const auto search = Texts(store, Schema::kSearchDomains);
     if (!search.empty()) {
         resolv += "search";
         for (const auto& domain : search) resolv += " " + domain;
         resolv += "\n";
     }
-    auto servers = Texts(store, "/network/dns/nameServers");
-    for (const auto& server : Texts(store, "/network/dns/ipv6NameServers")) servers.push_back(server);
+    auto servers = Texts(store, Schema::kNameServers);
+    for (const auto& server : Texts(store, Schema::kIpv6NameServers)) servers.push_back(server);
     for (size_t i = 0; i < servers.size() && i < 3; ++i) resolv += "nameserver " + servers[i] + "\n";
     resolv += "options timeout:1 attempts:1\n";
     WriteHostFile("/etc/resolv.conf", resolv);
@@ -269,8 +270,8 @@ void HostBoot::Provision(const json& scenario) {
 
 void HostBoot::ApplyPendingChanges(const json& scenario, bool firstBoot) {
     ZenkCtl::Store::HostStore store(ZenkCtl::Store::HostStore::kHostPath);
-    const json pending = store.Get("/boot/pending");
-    const bool auditMode = store.Get("/system/bootOptions/auditMode") == json(true);
+    const json pending = store.Get(Schema::kPendingBoot);
+    const bool auditMode = store.Get(Schema::kAuditMode) == json(true);
     if (auditMode && !firstBoot) {
         store.Replace(StoreOf(scenario));
         return;
@@ -330,7 +331,7 @@ void HostBoot::InstallPrograms(const Products& products) {
 void HostBoot::FillRun(const json& store) {
     for (const char* dir : {"/run/lock", "/run/halvor", "/run/kovo-sim"}) ::mkdir(dir, 0755);
     ::chmod("/run/lock", 01777);
-    const json::json_pointer marker("/markers/showKovoLogin");
+    const json::json_pointer marker(Schema::kShowKovoLogin);
     if (store.contains(marker) && store.at(marker).is_boolean() && store.at(marker).get<bool>())
         WriteHostFile(kLoginMarker, "");
     else
@@ -341,8 +342,8 @@ void HostBoot::StartNetwork(const json& store, const json& scenario) {
     RunQuietly({"ip", "addr", "flush", "dev", "lo", "scope", "global"});
     std::vector<std::string> listen;
     const auto servers = [&] {
-        auto list = Texts(store, "/network/dns/nameServers");
-        for (const auto& s : Texts(store, "/network/dns/ipv6NameServers")) list.push_back(s);
+        auto list = Texts(store, Schema::kNameServers);
+        for (const auto& s : Texts(store, Schema::kIpv6NameServers)) list.push_back(s);
         return list;
     }();
     for (const auto& address : AnsweringAddresses(store, scenario)) {
@@ -373,7 +374,7 @@ std::vector<std::unique_ptr<DatagramSink>> HostBoot::Start(const json& scenario,
     InstallPrograms(products);
     const json store = ZenkCtl::Store::HostStore(ZenkCtl::Store::HostStore::kHostPath).Read();
     FillRun(store);
-    const std::string host = Text(store, "/network/dns/hostname");
+    const std::string host = Text(store, Schema::kHostname);
     const std::string name = host.empty() ? "localhost" : host;
     ::sethostname(name.data(), name.size());
     StartNetwork(store, scenario);

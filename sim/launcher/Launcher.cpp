@@ -23,6 +23,7 @@
 #include "SyslogReceiver.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/store/HostStore.h"
+#include "platform/store/StoreSchema.h"
 
 namespace KovoSim {
 namespace fs = std::filesystem;
@@ -156,6 +157,13 @@ nlohmann::json Launcher::LoadScenario(const std::string& nameOrFile) {
         throw std::invalid_argument("the scenario " + path + " is not valid JSON: " + e.what());
     }
     if (!scenario.is_object()) throw std::invalid_argument("the scenario " + path + " is not a JSON object");
+    // A misspelt member would otherwise change nothing and say nothing.
+    const auto faults = ZenkCtl::Store::Schema::Check(scenario);
+    if (!faults.empty()) {
+        std::string message = "the scenario " + path + " does not fit the host's store:";
+        for (const auto& fault : faults) message += "\n  " + fault;
+        throw std::invalid_argument(message);
+    }
     return scenario;
 }
 
@@ -384,6 +392,9 @@ int Launcher::InHostSet(const std::string& pointer, const std::string& value) {
         std::cerr << "kovo-sim: not a JSON value: " << value << "\n";
         return kUsageStatus;
     }
+    const auto faults = ZenkCtl::Store::Schema::Check(parsed, pointer);
+    for (const auto& fault : faults) std::cerr << "kovo-sim: " << fault << "\n";
+    if (!faults.empty()) return kUsageStatus;
     try {
         const nlohmann::json::json_pointer where(pointer);
         ZenkCtl::Store::HostStore().Update([&](nlohmann::json& document) { document[where] = parsed; });

@@ -44,7 +44,61 @@ inline constexpr const char* kMarkers = "/markers";
 // The simulated host's own: platform operations made to fail, {"<operation>": "<text>"}.
 inline constexpr const char* kInjectedFaults = "/simulation/faults";
 
+// Single values the simulated host reads or switches.
+inline constexpr const char* kHostname = "/network/dns/hostname";
+inline constexpr const char* kDomain = "/network/dns/domain";
+inline constexpr const char* kNameServers = "/network/dns/nameServers";
+inline constexpr const char* kIpv6NameServers = "/network/dns/ipv6NameServers";
+inline constexpr const char* kSearchDomains = "/network/dns/searchDomains";
+inline constexpr const char* kIpv4DefaultGateway = "/network/routing/ipv4DefaultGateway";
+inline constexpr const char* kIpv6DefaultGateway = "/network/routing/ipv6DefaultGateway";
+inline constexpr const char* kAuditMode = "/system/bootOptions/auditMode";
+inline constexpr const char* kShowKovoLogin = "/markers/showKovoLogin";
+inline constexpr const char* kLockdownEnabled = "/services/lockdown/enabled";
+inline constexpr const char* kLockdownPossible = "/services/lockdown/possible";
+inline constexpr const char* kHostAgentRunning = "/services/hostAgent/running";
+inline constexpr const char* kSimulationNames = "/simulation/names";
+inline constexpr const char* kSimulationAnswering = "/simulation/answering";
+
 // Changes that take effect at the next boot.
 inline constexpr const char* kPendingBoot = "/boot/pending";
+
+}  // namespace ZenkCtl::Store::Schema
+
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+namespace ZenkCtl::Store::Schema {
+
+// The JSON types a node may have, as bits.
+enum Type : unsigned {
+    kNull = 1,
+    kBool = 2,
+    kInteger = 4,  // numbers written without a fraction, signed or not
+    kNumber = 8,   // any number
+    kText = 16,
+    kList = 32,
+    kObject = 64,
+};
+
+// One row of the store's schema: a JSON pointer pattern in which "*" stands for any one list index or
+// member name, the types the node may have, and what a missing node reads as (JSON text; nullptr: the
+// type's empty value). An open node takes any members below it unchecked (option trees, preferences).
+struct Node {
+    std::string pattern;
+    unsigned types;
+    const char* fallback = nullptr;
+    bool open = false;
+};
+
+// Every node of the store, parents before their members.
+const std::vector<Node>& Table();
+
+// The faults of `value` placed at `pointer` ("" for the whole document), each as
+// "<pointer>: <fault>": a member the schema does not know (a misspelt name) or a value of a type the
+// schema does not allow there. Empty when the value fits.
+std::vector<std::string> Check(const nlohmann::json& value, const std::string& pointer = "");
 
 }  // namespace ZenkCtl::Store::Schema

@@ -203,24 +203,34 @@ TEST_F(LauncherTest, OneHostPerDirectoryAndExecJoinsTheRunningOne) {
 TEST_F(LauncherTest, GetAndSetActOnTheHostsStore) {
     std::filesystem::create_directories(Upper("/etc/halvor"));
     ASSERT_EQ(Once({"exit", "0"}).status, 0);  // make the host
-    std::ofstream(Upper("/etc/halvor/host.json")) << R"({"network": {"hostName": "old"}})";
+    std::ofstream(Upper("/etc/halvor/host.json")) << R"({"network": {"dns": {"hostname": "old"}}})";
 
-    auto set = RunProgram({kSim, "set", Host(), "/network/hostName", "\"lab\""});
+    auto set = RunProgram({kSim, "set", Host(), "/network/dns/hostname", "\"lab\""});
     ASSERT_EQ(set.status, 0) << set.err;
-    auto get = RunProgram({kSim, "get", Host(), "/network/hostName"});
+    auto get = RunProgram({kSim, "get", Host(), "/network/dns/hostname"});
     EXPECT_EQ(get.status, 0) << get.err;
     EXPECT_EQ(get.out, "\"lab\"\n");
     EXPECT_NE(ReadFile(Upper("/etc/halvor/host.json")).find("\"lab\""), std::string::npos);
 
     // A new member, deep: created on the way.
-    ASSERT_EQ(RunProgram({kSim, "set", Host(), "/options/UserVars/KovoTimeOut", "900"}).status, 0);
-    EXPECT_EQ(RunProgram({kSim, "get", Host(), "/options/UserVars/KovoTimeOut"}).out, "900\n");
+    ASSERT_EQ(RunProgram({kSim, "set", Host(), "/advancedOptions/UserVars/KovoTimeOut", R"({"value": 900})"})
+                  .status,
+              0);
+    EXPECT_EQ(RunProgram({kSim, "get", Host(), "/advancedOptions/UserVars/KovoTimeOut/value"}).out, "900\n");
 
-    // Bad input: a clear message, the store unchanged.
+    // Bad input: a clear message naming the pointer, the store unchanged.
     const std::string before = ReadFile(Upper("/etc/halvor/host.json"));
-    auto bad = RunProgram({kSim, "set", Host(), "/network/hostName", "not json"});
+    auto bad = RunProgram({kSim, "set", Host(), "/network/dns/hostname", "not json"});
     EXPECT_EQ(bad.status, 2);
     EXPECT_NE(bad.err.find("not a JSON value"), std::string::npos) << bad.err;
+    auto misspelt = RunProgram({kSim, "set", Host(), "/network/dns/hostName", "\"lab\""});
+    EXPECT_EQ(misspelt.status, 2);
+    EXPECT_NE(misspelt.err.find("/network/dns/hostName: not a member the host knows"), std::string::npos)
+        << misspelt.err;
+    auto wrongType = RunProgram({kSim, "set", Host(), "/network", R"({"ipv6Enabled": "yes"})"});
+    EXPECT_EQ(wrongType.status, 2);
+    EXPECT_NE(wrongType.err.find("/network/ipv6Enabled: is text, must be true or false"), std::string::npos)
+        << wrongType.err;
     EXPECT_EQ(ReadFile(Upper("/etc/halvor/host.json")), before);
     auto missing = RunProgram({kSim, "get", Host(), "/no/such"});
     EXPECT_EQ(missing.status, 1);
@@ -255,6 +265,14 @@ TEST_F(LauncherTest, BadInputGetsAMessageAndAUsageStatus) {
     auto broken = Once({"exit", "0"}, {}, _tmp / "broken.json");
     EXPECT_EQ(broken.status, 2);
     EXPECT_NE(broken.err.find("is not valid JSON"), std::string::npos) << broken.err;
+    std::ofstream(_tmp / "misspelt.json")
+        << R"({"network": {"dns": {"hostName": "lab"}}, "vms": [{"name": 3}]})";
+    auto misspelt = Once({"exit", "0"}, {}, _tmp / "misspelt.json");
+    EXPECT_EQ(misspelt.status, 2);
+    EXPECT_NE(misspelt.err.find("/network/dns/hostName: not a member the host knows"), std::string::npos)
+        << misspelt.err;
+    EXPECT_NE(misspelt.err.find("/vms/0/name: is a whole number, must be text"), std::string::npos)
+        << misspelt.err;
     ASSERT_EQ(Once({"exit", "0"}).status, 0);
     auto other = Once({"exit", "0"}, {}, "dvs");
     EXPECT_EQ(other.status, 2);

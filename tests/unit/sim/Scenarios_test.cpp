@@ -10,6 +10,7 @@
 #include "launcher/HostBoot.h"
 #include "pam/PamAccounts.h"
 #include "platform/store/HostStore.h"
+#include "platform/store/StoreSchema.h"
 
 using KovoSim::HostBoot;
 using KovoSim::Pam::PamAccounts;
@@ -37,6 +38,7 @@ TEST(ScenariosTest, EveryScenarioIsAWholeHostTheStoreAccepts) {
     for (const auto& name : kNames) {
         SCOPED_TRACE(name);
         const json scenario = Load(name);
+        EXPECT_EQ(ZenkCtl::Store::Schema::Check(scenario), std::vector<std::string>{});
         const json store = HostBoot::StoreOf(scenario);
         EXPECT_NO_THROW(ZenkCtl::Store::HostStore::Parse(store.dump(), name));
         for (const char* node :
