@@ -106,6 +106,8 @@ bool LogIn(HostConsole& host) {
 // Moves the selection down until `entry` is selected; false when the selection stops elsewhere.
 bool SelectDown(HostConsole& host, const std::string& entry) {
     auto& term = host.Term();
+    // Keys typed while the menu repaints are discarded.
+    if (!term.WaitForQuiet(200ms)) return false;
     for (int presses = 0; presses < 20; ++presses) {
         const std::string now = SelectedEntry(term.Screen());
         if (now == entry) return term.WaitForQuiet(100ms);

@@ -271,7 +271,8 @@ const Node* Find(const std::vector<std::string>& tokens) {
         const auto pattern = Tokens(node.pattern);
         if (pattern.size() != tokens.size()) continue;
         bool same = true;
-        for (std::size_t i = 0; same && i < tokens.size(); ++i) same = pattern[i] == "*" || pattern[i] == tokens[i];
+        for (std::size_t i = 0; same && i < tokens.size(); ++i)
+            same = pattern[i] == "*" || pattern[i] == tokens[i];
         if (same) return &node;
     }
     return nullptr;

@@ -150,6 +150,8 @@ void ExpectSecretNowhere(HostConsole& host, const std::string& secret) {
 
 bool OpenLogin(HostConsole& host) {
     auto& term = host.Term();
+    // A screen still repainting (after a dialog closed, say) would discard the key.
+    if (!term.WaitForQuiet(300ms)) return false;
     term.Press(Key::F2);
     if (!term.WaitForText(kLoginTitle)) return false;
     if (!term.WaitForQuiet(300ms)) return false;

@@ -18,12 +18,37 @@ TEST(StoreSchemaTest, TheCompleteExampleHostFitsAndEveryConstantIsARow) {
     EXPECT_EQ(Check(json::parse(in)), Faults{});
     // The pointers the platform reads are rows of the table (a value of the wrong type is another fault).
     namespace S = ZenkCtl::Store::Schema;
-    for (const char* pointer : {S::kSystem, S::kVersion, S::kBootOptions, S::kPreferences, S::kKeyboard, S::kAlerts,
-                                S::kHardware, S::kCpu, S::kMemory, S::kStorageAdapters, S::kSmartCardSlots,
-                                S::kNetwork, S::kIpv6Enabled, S::kNetDumper, S::kPnics, S::kSwitches, S::kDvs,
-                                S::kOpaqueNetworks, S::kZenkNics, S::kRouting, S::kDns, S::kDhcpLeases, S::kUsers,
-                                S::kServices, S::kLockdown, S::kAdvancedOptions, S::kFirewallRulesets, S::kVms,
-                                S::kMarkers, S::kInjectedFaults, S::kPendingBoot})
+    for (const char* pointer : {S::kSystem,
+                                S::kVersion,
+                                S::kBootOptions,
+                                S::kPreferences,
+                                S::kKeyboard,
+                                S::kAlerts,
+                                S::kHardware,
+                                S::kCpu,
+                                S::kMemory,
+                                S::kStorageAdapters,
+                                S::kSmartCardSlots,
+                                S::kNetwork,
+                                S::kIpv6Enabled,
+                                S::kNetDumper,
+                                S::kPnics,
+                                S::kSwitches,
+                                S::kDvs,
+                                S::kOpaqueNetworks,
+                                S::kZenkNics,
+                                S::kRouting,
+                                S::kDns,
+                                S::kDhcpLeases,
+                                S::kUsers,
+                                S::kServices,
+                                S::kLockdown,
+                                S::kAdvancedOptions,
+                                S::kFirewallRulesets,
+                                S::kVms,
+                                S::kMarkers,
+                                S::kInjectedFaults,
+                                S::kPendingBoot})
         for (const auto& fault : Check(json(nullptr), pointer))
             EXPECT_EQ(fault.find("not a member"), std::string::npos) << fault;
 }
@@ -38,32 +63,40 @@ TEST(StoreSchemaTest, MisspeltMembersAndWrongTypesAreNamedByTheirPointer) {
               Faults{"/hardware/cpu/packages: is a number, must be a whole number"});
     // Every fault is reported, not only the first.
     EXPECT_EQ(Check(json::parse(R"({"vms": [{"name": "a"}, {"nmae": "b", "powerState": 1}]})")),
-              (Faults{"/vms/1/nmae: not a member the host knows", "/vms/1/powerState: is a whole number, must be text"}));
+              (Faults{"/vms/1/nmae: not a member the host knows",
+                      "/vms/1/powerState: is a whole number, must be text"}));
 }
 
 TEST(StoreSchemaTest, ListItemsNamedMembersAndNestedConfigurationsAreCheckedToTheLeaves) {
-    EXPECT_EQ(Check(json::parse(R"({"network": {"zenkNics": [{"name": "zk0", "ipConfig": {"ipv6": {
+    EXPECT_EQ(
+        Check(json::parse(R"({"network": {"zenkNics": [{"name": "zk0", "ipConfig": {"ipv6": {
                  "networks": [{"address": "2001:db8::1", "prefixLength": "64"}]}}}]}})")),
-              Faults{"/network/zenkNics/0/ipConfig/ipv6/networks/0/prefixLength: is text, must be a whole number"});
+        Faults{"/network/zenkNics/0/ipConfig/ipv6/networks/0/prefixLength: is text, must be a whole number"});
     // Leases are named by interface; any interface, but each lease has its shape.
-    EXPECT_EQ(Check(json::parse(R"({"network": {"dhcpLeases": {"zk7": null, "zk8": {"ipv4": {"adress": "x"}}}}})")),
-              Faults{"/network/dhcpLeases/zk8/ipv4/adress: not a member the host knows"});
+    EXPECT_EQ(
+        Check(json::parse(R"({"network": {"dhcpLeases": {"zk7": null, "zk8": {"ipv4": {"adress": "x"}}}}})")),
+        Faults{"/network/dhcpLeases/zk8/ipv4/adress: not a member the host knows"});
     EXPECT_EQ(Check(json::parse(R"({"simulation": {"faults": {"DnsConfig.SaveConfig": 3}}})")),
               Faults{"/simulation/faults/DnsConfig.SaveConfig: is a whole number, must be text"});
     // Option trees and preferences are the host's own business below their root.
-    EXPECT_EQ(Check(json::parse(R"({"advancedOptions": {"Net": {"Deep": {"Any": [1, {"x": null}]}}}})")), Faults{});
+    EXPECT_EQ(Check(json::parse(R"({"advancedOptions": {"Net": {"Deep": {"Any": [1, {"x": null}]}}}})")),
+              Faults{});
     EXPECT_EQ(Check(json::parse(R"({"system": {"preferences": {"anything": {"at": "all"}}}})")), Faults{});
 }
 
 TEST(StoreSchemaTest, AValueSetAtAPointerIsCheckedWhereItGoes) {
     EXPECT_EQ(Check(json("lab"), "/network/dns/hostname"), Faults{});
-    EXPECT_EQ(Check(json(3), "/network/dns/hostname"), Faults{"/network/dns/hostname: is a whole number, must be text"});
-    EXPECT_EQ(Check(json("lab"), "/network/dns/hostName"), Faults{"/network/dns/hostName: not a member the host knows"});
-    EXPECT_EQ(Check(json::parse(R"({"address": "10.0.0.9", "dns": ["10.0.0.2"]})"), "/network/dhcpLeases/zk0/ipv4"),
-              Faults{});
+    EXPECT_EQ(Check(json(3), "/network/dns/hostname"),
+              Faults{"/network/dns/hostname: is a whole number, must be text"});
+    EXPECT_EQ(Check(json("lab"), "/network/dns/hostName"),
+              Faults{"/network/dns/hostName: not a member the host knows"});
+    EXPECT_EQ(
+        Check(json::parse(R"({"address": "10.0.0.9", "dns": ["10.0.0.2"]})"), "/network/dhcpLeases/zk0/ipv4"),
+        Faults{});
     EXPECT_EQ(Check(json("text"), "/simulation/faults/Some~1Name"), Faults{});
     EXPECT_EQ(Check(json(900), "/advancedOptions/UserVars/KovoTimeOut/value"), Faults{});
-    EXPECT_EQ(Check(json(1), "/users/0/expired"), Faults{"/users/0/expired: is a whole number, must be true or false"});
+    EXPECT_EQ(Check(json(1), "/users/0/expired"),
+              Faults{"/users/0/expired: is a whole number, must be true or false"});
     EXPECT_EQ(Check(json(1), "users"), Faults{"users: not a JSON pointer"});
 }
 
