@@ -10,10 +10,12 @@
 #include "platform/store/HostStore.h"
 #include "platform/zenkctl/AdvancedOptionImpl.h"
 #include "platform/zenkctl/CpuInfoImpl.h"
+#include "platform/zenkctl/DVPortImpl.h"
 #include "platform/zenkctl/DnsConfigImpl.h"
 #include "platform/zenkctl/HardwareInfoImpl.h"
 #include "platform/zenkctl/MemoryInfoImpl.h"
 #include "platform/zenkctl/NetworkInfoImpl.h"
+#include "platform/zenkctl/PnicImpl.h"
 #include "platform/zenkctl/ResourceInfoImpl.h"
 #include "platform/zenkctl/RoutingInfoImpl.h"
 #include "platform/zenkctl/SmartCardInfoImpl.h"
@@ -104,6 +106,13 @@ std::unique_ptr<ZenkCtl::Network::RoutingInfoImpl> HostAccess::Routing() const {
 }
 std::unique_ptr<ZenkCtl::Network::VirtualSwitchInfoImpl> HostAccess::Switches() const {
     return std::make_unique<ZenkCtl::Network::VirtualSwitchInfoImpl>(_store);
+}
+std::unique_ptr<HostCtl::Network::Pnic> HostAccess::Pnic(const std::string& name) const {
+    return std::make_unique<ZenkCtl::Network::PnicImpl>(name, _store);
+}
+std::unique_ptr<ZenkCtl::Network::DVPortImpl> HostAccess::DvPort(const std::string& dvsName,
+                                                                 const std::string& portKey) const {
+    return std::make_unique<ZenkCtl::Network::DVPortImpl>(dvsName, portKey, _store);
 }
 std::unique_ptr<ZenkCtl::System::SystemInfoImpl> HostAccess::SystemInfo() const {
     return std::make_unique<ZenkCtl::System::SystemInfoImpl>(_store);

@@ -13,6 +13,7 @@ class NetworkInfoImpl;
 class DnsConfigImpl;
 class RoutingInfoImpl;
 class VirtualSwitchInfoImpl;
+class DVPortImpl;
 }  // namespace Network
 namespace System {
 class SystemInfoImpl;
@@ -31,6 +32,10 @@ namespace Resource {
 class ResourceInfoImpl;
 }
 }  // namespace ZenkCtl
+
+namespace HostCtl::Network {
+class Pnic;
+}
 
 namespace Kovo {
 
@@ -77,10 +82,14 @@ class HostAccess {
 
     // The platform objects, each over this host's configuration. Their failures arrive as
     // HostCtl::Lib::HostCtlException.
-    std::unique_ptr<ZenkCtl::Network::NetworkInfoImpl> Network() const;
-    std::unique_ptr<ZenkCtl::Network::DnsConfigImpl> Dns() const;
-    std::unique_ptr<ZenkCtl::Network::RoutingInfoImpl> Routing() const;
-    std::unique_ptr<ZenkCtl::Network::VirtualSwitchInfoImpl> Switches() const;
+    virtual std::unique_ptr<ZenkCtl::Network::NetworkInfoImpl> Network() const;
+    virtual std::unique_ptr<ZenkCtl::Network::DnsConfigImpl> Dns() const;
+    virtual std::unique_ptr<ZenkCtl::Network::RoutingInfoImpl> Routing() const;
+    virtual std::unique_ptr<ZenkCtl::Network::VirtualSwitchInfoImpl> Switches() const;
+    // A physical NIC by name; HostCtlException when the host has none of that name.
+    virtual std::unique_ptr<HostCtl::Network::Pnic> Pnic(const std::string& name) const;
+    virtual std::unique_ptr<ZenkCtl::Network::DVPortImpl> DvPort(const std::string& dvsName,
+                                                                 const std::string& portKey) const;
     std::unique_ptr<ZenkCtl::System::SystemInfoImpl> SystemInfo() const;
     std::unique_ptr<ZenkCtl::Hardware::HardwareInfoImpl> Hardware() const;
     std::unique_ptr<ZenkCtl::Hardware::CpuInfoImpl> Cpu() const;

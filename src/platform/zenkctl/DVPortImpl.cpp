@@ -35,6 +35,7 @@ std::string DVPortImpl::GetPortGroup() {
 }
 
 int DVPortImpl::GetVlanId() {
+    Store::ThrowIfInjected(*_store, "DVPort.GetVlanId");
     json document = _store->Read();
     return static_cast<int>(Json::Integer(*Port(document, _dvsName, _portKey), "vlanId"));
 }

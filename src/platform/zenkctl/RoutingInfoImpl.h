@@ -10,17 +10,21 @@
 namespace ZenkCtl::Network {
 
 // Default gateways of a network stack ("/network/routing").
+//
+// Its operations are virtual so that a caller's tests can record the calls made on it in order.
 class RoutingInfoImpl {
   public:
     explicit RoutingInfoImpl(const std::string& netstack = "defaultNetStack",
                              std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
+    virtual ~RoutingInfoImpl() = default;
 
-    HostCtl::Network::Ipv4Address GetZenKernelDefaultGateway();
+    virtual HostCtl::Network::Ipv4Address GetZenKernelDefaultGateway();
     // persistentOnly: record the gateway for the next boot without touching the running route (the
     // host has one state, so both are the same here).
-    void SetZenKernelDefaultGateway(const HostCtl::Network::Ipv4Address& gateway, bool persistentOnly);
-    HostCtl::Network::Ipv6Address GetIpv6ZenKernelDefaultGateway();
-    void SetIpv6ZenKernelDefaultGateway(const HostCtl::Network::Ipv6Address& gateway);
+    virtual void SetZenKernelDefaultGateway(const HostCtl::Network::Ipv4Address& gateway,
+                                            bool persistentOnly);
+    virtual HostCtl::Network::Ipv6Address GetIpv6ZenKernelDefaultGateway();
+    virtual void SetIpv6ZenKernelDefaultGateway(const HostCtl::Network::Ipv6Address& gateway);
 
   private:
     std::shared_ptr<Store::HostStore> _store;

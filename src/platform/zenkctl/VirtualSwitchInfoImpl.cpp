@@ -194,6 +194,7 @@ void VirtualSwitchInfoImpl::AddPortGroup(const std::string& switchName, const st
 }
 
 std::string VirtualSwitchInfoImpl::GetPortGroupSwitch(const std::string& portGroup) {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.GetPortGroupSwitch");
     json document = _store->Read();
     std::string owner;
     if (PortGroup(document, portGroup, &owner) == nullptr) {

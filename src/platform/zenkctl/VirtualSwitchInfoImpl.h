@@ -24,33 +24,37 @@ struct DvSwitch {
 
 // Standard switches ("/network/switches") with their uplinks, teaming policies and port groups, and the
 // distributed switches ("/network/dvs") the host is a member of.
+//
+// Its operations are virtual so that a caller's tests can record the calls made on it in order.
 class VirtualSwitchInfoImpl {
   public:
     explicit VirtualSwitchInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
+    virtual ~VirtualSwitchInfoImpl() = default;
 
-    std::vector<VirtualSwitch> GetVirtualSwitches();
-    std::vector<DvSwitch> GetDvSwitches();
+    virtual std::vector<VirtualSwitch> GetVirtualSwitches();
+    virtual std::vector<DvSwitch> GetDvSwitches();
 
-    void AddVirtualSwitch(const std::string& name, int numPorts);
-    void RemoveVirtualSwitch(const std::string& name);
+    virtual void AddVirtualSwitch(const std::string& name, int numPorts);
+    virtual void RemoveVirtualSwitch(const std::string& name);
 
     // Attaches a physical NIC to a standard switch; it must exist and be free. The teaming policy is
     // not touched (see NicTeamingPolicy::WithUplinkAdded).
-    void AddUplink(const std::string& switchName, const std::string& pnic);
-    void RemoveUplink(const std::string& switchName, const std::string& pnic);
-    void RemoveDvsUplink(const std::string& dvsName, const std::string& pnic);
+    virtual void AddUplink(const std::string& switchName, const std::string& pnic);
+    virtual void RemoveUplink(const std::string& switchName, const std::string& pnic);
+    virtual void RemoveDvsUplink(const std::string& dvsName, const std::string& pnic);
     // The standard or distributed switch that holds a physical NIC, or empty.
-    std::string FindUplinkOwner(const std::string& pnic);
+    virtual std::string FindUplinkOwner(const std::string& pnic);
 
-    HostCtl::Network::NicTeamingPolicy GetTeamingPolicy(const std::string& switchName);
-    void SetTeamingPolicy(const std::string& switchName, const HostCtl::Network::NicTeamingPolicy& policy);
+    virtual HostCtl::Network::NicTeamingPolicy GetTeamingPolicy(const std::string& switchName);
+    virtual void SetTeamingPolicy(const std::string& switchName,
+                                  const HostCtl::Network::NicTeamingPolicy& policy);
 
-    void AddPortGroup(const std::string& switchName, const std::string& portGroup, int vlanId = 0);
+    virtual void AddPortGroup(const std::string& switchName, const std::string& portGroup, int vlanId = 0);
     // The standard switch a port group belongs to; HostCtlException when there is none.
-    std::string GetPortGroupSwitch(const std::string& portGroup);
-    int GetPortGroupVlan(const std::string& portGroup);
+    virtual std::string GetPortGroupSwitch(const std::string& portGroup);
+    virtual int GetPortGroupVlan(const std::string& portGroup);
     // 0 (none) to 4095 (all VLANs).
-    void SetPortGroupVlan(const std::string& portGroup, int vlanId);
+    virtual void SetPortGroupVlan(const std::string& portGroup, int vlanId);
 
   private:
     std::shared_ptr<Store::HostStore> _store;

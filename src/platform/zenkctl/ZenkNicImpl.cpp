@@ -52,6 +52,7 @@ void ZenkNicImpl::Change(const std::function<void(json&, json&)>& change, bool r
 }
 
 IpConfig ZenkNicImpl::GetIpConfig() {
+    Store::ThrowIfInjected(*_store, "ZenkNic.GetIpConfig");
     return Json::ToIpConfig(Node().value("running", json::object()));
 }
 

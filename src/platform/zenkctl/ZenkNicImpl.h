@@ -34,7 +34,7 @@ class ZenkNicImpl : public HostCtl::Network::ZenkNic {
 
     std::string GetMacAddress() override;
     void SetMacAddress(const std::string& mac) override;
-    void SetMacAddressFromPnic(HostCtl::Network::Pnic* pnic);
+    virtual void SetMacAddressFromPnic(HostCtl::Network::Pnic* pnic);
 
     bool GetDhcpBound() override;
     void SetDhcpBound(bool bound) override;
