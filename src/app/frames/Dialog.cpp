@@ -7,6 +7,7 @@
 #include "app/terminal/Keys.h"
 #include "text/CheckItem.h"
 #include "text/InputItem.h"
+#include "text/Item.h"
 #include "text/ItemList.h"
 #include "text/LabelItem.h"
 #include "text/RadioItem.h"
@@ -21,15 +22,31 @@ struct Dialog::Field {
     int maxLength;
 };
 
+namespace {
+bool IsLetter(int key) {
+    return (key >= 'a' && key <= 'z') || (key >= 'A' && key <= 'Z');
+}
+bool IsDigit(int key) {
+    return key >= '0' && key <= '9';
+}
+bool IsHexDigit(int key) {
+    return IsDigit(key) || (key >= 'a' && key <= 'f') || (key >= 'A' && key <= 'F');
+}
+}  // namespace
+
 bool AcceptsKey(FieldKeys keys, int key) {
     if (key < 0 || key > 255) return false;
     switch (keys) {
         case FieldKeys::Digits:
             return std::isdigit(key) != 0;
-        case FieldKeys::Address:
-            return std::isxdigit(key) != 0 || key == '.' || key == ':' || key == '/';
+        case FieldKeys::Ipv4:
+            return IsDigit(key) || key == '.';
+        case FieldKeys::DnsAddress:
+            return IsHexDigit(key) || key == '.' || key == ':';
         case FieldKeys::HostName:
-            return std::isalnum(key) != 0 || key == '.' || key == '-' || key == '_';
+            return IsLetter(key) || IsDigit(key) || key == '-' || key == '.';
+        case FieldKeys::Suffixes:
+            return IsLetter(key) || IsDigit(key) || key == ' ' || key == ',' || key == '-' || key == '.';
         case FieldKeys::Printable:
             return std::isprint(key) != 0;
     }
@@ -182,6 +199,9 @@ int Dialog::RunWithCursor(int ordinal) {
 
 void Dialog::Focus(int ordinal) {
     Items().Select(ordinal);
+    // Focused anew, a field takes what is typed next in place of its value, also when it had the focus
+    // already (the field a refused value is in).
+    if (Item* item = Items().GetSelectedItem()) item->OnSelect();
     Items().Draw();
 }
 

@@ -27,12 +27,14 @@ struct DialogLayout {
     const char* footer = "";
 };
 
-// The characters an input field accepts besides the editing keys.
+// The characters an input field accepts besides the editing keys. Letters and digits are ASCII only.
 enum class FieldKeys {
-    Digits,     // 0-9
-    Address,    // hexadecimal digits, '.', ':' and '/': IPv4 and IPv6 addresses with a prefix
-    HostName,   // letters, digits, '.', '-' and '_'
-    Printable,  // any printable character
+    Digits,      // 0-9
+    Ipv4,        // digits and '.': a dotted-quad address or netmask
+    DnsAddress,  // hexadecimal digits, '.' and ':': a name server, IPv4 or IPv6
+    HostName,    // letters, digits, '-' and '.'
+    Suffixes,    // letters, digits, blank, ',', '-' and '.': domain names apart by blanks or commas
+    Printable,   // any printable character
 };
 // True when `key` is a character a field of the class takes.
 bool AcceptsKey(FieldKeys keys, int key);

@@ -19,11 +19,19 @@ inline constexpr const char* kToggleOkCancel =
     "{color:black}<Space>{/color} {color:dark-grey}Toggle "
     "Selected{/color}{align:right}{color:black}<Enter>{/color} "
     "{color:dark-grey}OK{/color}  {color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
+inline constexpr const char* kSelectMarkOkCancel =
+    "{color:black}<Up/Down>{/color} {color:dark-grey}Select{/color}  {color:black}<Space>{/color} "
+    "{color:dark-grey}Mark Selected{/color}{align:right}{color:black}<Enter>{/color} "
+    "{color:dark-grey}OK{/color}  {color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 inline constexpr const char* kSelectToggleOkCancel =
     "{color:black}<Up/Down>{/color} {color:dark-grey}Select{/color}  {color:black}<Space>{/color} "
     "{color:dark-grey}Toggle Selected{/color}{align:right}{color:black}<Enter>{/color} "
     "{color:dark-grey}OK{/color}"
     "  {color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
+inline constexpr const char* kYesNoCancel =
+    "{color:black}<Y>{/color} {color:dark-grey}Yes{/color}  {color:black}<N>{/color} "
+    "{color:dark-grey}No{/color}"
+    "{align:right}{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 inline constexpr const char* kShutDownRestartCancel =
     "{color:black}<F2>{/color} {color:dark-grey}Shut Down{/color}  {color:black}<F11>{/color} "
     "{color:dark-grey}Restart{/color}{align:right}{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}"

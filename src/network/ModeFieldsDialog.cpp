@@ -1,0 +1,98 @@
+#include "network/ModeFieldsDialog.h"
+
+#include "app/frames/Footers.h"
+#include "app/frames/MessageDialog.h"
+#include "app/terminal/Keys.h"
+#include "text/InputItem.h"
+#include "text/ItemList.h"
+#include "text/RadioItem.h"
+#include "text/StringFactory.h"
+
+namespace Kovo {
+
+namespace {
+// Hides the text cursor when the key loop ends, also when a failure passes through it.
+struct CursorHider {
+    CursorHider() = default;
+    CursorHider(const CursorHider&) = delete;
+    CursorHider& operator=(const CursorHider&) = delete;
+    ~CursorHider() { Window::SetCursor(false); }
+};
+}  // namespace
+
+ModeFieldsDialog::ModeFieldsDialog(Frame* parent, int width, int height, int headerHeight, unsigned titleId,
+                                   unsigned bodyId)
+    : Dialog(parent, {width, height, headerHeight, titleId, bodyId, Footer::kSelectMarkOkCancel}) {}
+
+std::size_t ModeFieldsDialog::Mode() const {
+    const std::vector<RadioItem*>& radios = Radios();
+    for (std::size_t i = 0; i < radios.size(); ++i)
+        if (radios[i]->IsChecked()) return i;
+    return 0;
+}
+
+void ModeFieldsDialog::AddModes(std::initializer_list<unsigned> captionIds, std::size_t marked) {
+    std::size_t index = 0;
+    for (unsigned id : captionIds) AddRadio(Strings()->GetString(id), index++ == marked);
+    _initialMode = marked < index ? marked : 0;
+    // A blank line sets the fields apart from the choices.
+    AddLabel("", false);
+}
+
+InputItem& ModeFieldsDialog::AddModeField(unsigned labelId, const std::string& value, int width,
+                                          FieldKeys keys, int maxLength) {
+    InputItem& field = AddField(Strings()->GetString(labelId), value, width, keys, maxLength);
+    _fields.push_back(&field);
+    return field;
+}
+
+void ModeFieldsDialog::ShowModes(std::size_t fieldsMode) {
+    _fieldsMode = fieldsMode;
+    EnableFields();
+    ShowItems();
+}
+
+void ModeFieldsDialog::EnableFields() {
+    const bool enabled = Mode() == _fieldsMode;
+    for (InputItem* field : _fields) field->SetEnabled(enabled);
+}
+
+void ModeFieldsDialog::ShowCursorOnField() {
+    SetCursor(FocusedField() != nullptr);
+}
+
+int ModeFieldsDialog::HandleKey() {
+    const CursorHider hider;
+    // The radio items come first, so the marked one's ordinal is its index.
+    Focus(static_cast<int>(_initialMode));
+    ShowCursorOnField();
+    return RunKeys();
+}
+
+void ModeFieldsDialog::Refuse(int ordinal, unsigned titleId, unsigned textId) {
+    Focus(ordinal);
+    ShowCursorOnField();
+    MessageDialog(this, titleId, textId).RunModal();
+    Items().Draw();
+}
+
+bool ModeFieldsDialog::OnKey(int key) {
+    if (IsEnter(key)) {
+        if (Accept()) Close(1);
+        return true;
+    }
+    if (key == kSpace && !FocusedField()) {
+        HandleCommonKey(key);
+        EnableFields();
+        Items().Draw();
+        return true;
+    }
+    if (key == KEY_UP || key == KEY_DOWN) {
+        HandleCommonKey(key);
+        ShowCursorOnField();
+        return true;
+    }
+    return false;
+}
+
+}  // namespace Kovo
