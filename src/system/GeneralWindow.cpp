@@ -11,6 +11,7 @@
 #include "app/terminal/KeyReader.h"
 #include "app/terminal/Keys.h"
 #include "app/terminal/Session.h"
+#include "network/NetworkWindow.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/ZenkNic.h"
 #include "platform/zenkctl/NetworkInfoImpl.h"
@@ -220,6 +221,11 @@ void GeneralWindow::Choose(unsigned code) {
                 _lockdownEnabled = _host.Query("hclsvc/auth/lockdown_is_enabled");
                 DrawDetails();
             }
+            break;
+        case kConfigureNetwork:
+            NetworkWindow(this, _host).RunModal();
+            // The pane shows the management address, which the window may just have changed.
+            DrawDetails();
             break;
         case kRestartNetwork:
             if (!LookUpManagementInterface(_host)) {

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <random>
 #include <string>
@@ -20,6 +21,7 @@ namespace fs = std::filesystem;
 constexpr int kEpisodes = 25;
 constexpr int kKeysPerEpisode = 40;
 constexpr const char* kReportPrefix = "kovo-sanitizer";
+constexpr const char* kApplyQuestion = "Configure Management Network: Confirm";
 
 // Keys weighted towards moving and choosing, with the function keys the screens take, editing keys,
 // and text that includes markup characters. Not F12: shutting the host down ends the walk (its own
@@ -70,6 +72,8 @@ bool GoToMenu(HostConsole& host) {
                 Submit(host, "", kRootPassword);
                 term.WaitFor(MenuActive, 5000ms);
             }
+        } else if (screen.Contains(kApplyQuestion)) {
+            term.Type("n");  // leaving the network window with changes: drop them
         } else if (!screen.Contains(kMenuTitle) && !screen.Contains(kWelcomeKeys)) {
             term.Type("q");  // the log pager
         } else {
@@ -80,25 +84,11 @@ bool GoToMenu(HostConsole& host) {
     return MenuActive(term.Screen());
 }
 
-class RandomKeys : public ::testing::TestWithParam<const char*> {};
-
-TEST_P(RandomKeys, NoScreenBreaksHangsOrDamagesTheStore) {
-    ConsoleStart start = Restarting();  // a random reset or restart brings the console back
-    const std::string report = std::string("log_path=/var/log/") + kReportPrefix;
-    start.consoleOnlyEnvironment = {{"ASAN_OPTIONS", report},
-                                    {"UBSAN_OPTIONS", report + ":print_stacktrace=1"}};
-    auto host = MakeHost(GetParam(), {}, start);
-    auto& term = host->Term();
-    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << term.Dump();
-
-    // Episodes: from the menu, a random entry opened, then random keys inside whatever it opens.
-    std::mt19937 random(20261123);
-    for (int episode = 0; episode < kEpisodes; ++episode) {
-        if (GoToMenu(*host)) {
-            // Not as far as the reset, whose own tests cover it: a reset restarts the host every time.
-            for (int i = 0, n = static_cast<int>(random() % 13); i < n; ++i) term.Press(Key::Down);
-            term.Press(Key::Enter);
-        }
+// Random keys and text typed for `episodes` episodes, each started by `open` from the menu.
+void Walk(HostConsole& host, std::mt19937& random, int episodes, const std::function<void()>& open) {
+    auto& term = host.Term();
+    for (int episode = 0; episode < episodes; ++episode) {
+        if (GoToMenu(host)) open();
         for (int i = 0; i < kKeysPerEpisode; ++i) {
             if (random() % 5 == 0) {
                 term.Type(RandomText(random));
@@ -110,31 +100,84 @@ TEST_P(RandomKeys, NoScreenBreaksHangsOrDamagesTheStore) {
         ASSERT_TRUE(term.WaitForQuiet(100ms, 30000ms)) << "no rest in episode " << episode << "\n"
                                                        << term.Dump();
     }
+}
 
-    // Still answering: Esc backs out of whatever is open, down to the menu or the welcome screen.
+// The console still answers keys, wrote no sanitizer report, and left a store that parses.
+void ExpectWhole(HostConsole& host) {
+    auto& term = host.Term();
+    // Esc backs out of whatever is open, down to the menu or the welcome screen.
     auto home = [](const VirtualTerminal& s) { return s.Contains(kMenuTitle) || s.Contains(kWelcomeKeys); };
     for (int i = 0; i < 6 && !(home(term.Screen()) && term.WaitForQuiet(300ms)); ++i) {
-        // The pager quits with q; everything else with Esc.
-        term.Type("q");
-        term.Press(Key::Escape);
+        // The pager quits with q, the network window's question takes N, everything else Esc.
+        if (term.Screen().Contains(kApplyQuestion)) {
+            term.Type("n");
+        } else {
+            term.Type("q");
+            term.Press(Key::Escape);
+        }
         term.WaitForQuiet(300ms, 20000ms);
     }
     EXPECT_TRUE(term.WaitFor(home, 20000ms)) << term.Dump();
     EXPECT_TRUE(term.Running());
-    for (const auto& path : SanitizerReports(*host)) {
+    for (const auto& path : SanitizerReports(host)) {
         std::ifstream in(path);
         ADD_FAILURE() << "sanitizer report " << path << ":\n"
                       << std::string(std::istreambuf_iterator<char>(in), {});
     }
-    const auto store = StoreOnDisk(*host);
+    const auto store = StoreOnDisk(host);
     EXPECT_TRUE(!store.is_discarded() && store.is_object()) << "the store no longer parses";
 }
 
-INSTANTIATE_TEST_SUITE_P(Hosts, RandomKeys, ::testing::Values("default", "no-nic", "dvs"),
-                         [](const ::testing::TestParamInfo<const char*>& info) {
-                             std::string name = info.param;
-                             std::erase(name, '-');
-                             return name;
-                         });
+std::unique_ptr<HostConsole> WalkedHost(const char* scenario) {
+    ConsoleStart start = Restarting();  // a random reset or restart brings the console back
+    const std::string report = std::string("log_path=/var/log/") + kReportPrefix;
+    start.consoleOnlyEnvironment = {{"ASAN_OPTIONS", report},
+                                    {"UBSAN_OPTIONS", report + ":print_stacktrace=1"}};
+    return MakeHost(scenario, {}, start);
+}
+
+class RandomKeys : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(RandomKeys, NoScreenBreaksHangsOrDamagesTheStore) {
+    auto host = WalkedHost(GetParam());
+    auto& term = host->Term();
+    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << term.Dump();
+    // Episodes: from the menu, a random entry opened, then random keys inside whatever it opens.
+    std::mt19937 random(20261123);
+    Walk(*host, random, kEpisodes, [&] {
+        // Not as far as the reset, whose own tests cover it: a reset restarts the host every time.
+        for (int i = 0, n = static_cast<int>(random() % 13); i < n; ++i) term.Press(Key::Down);
+        term.Press(Key::Enter);
+    });
+    ExpectWhole(*host);
+}
+
+// The network window's dialogs take the most typing of any screen, and Y there writes the host.
+class RandomNetworkKeys : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(RandomNetworkKeys, InsideTheNetworkWindow) {
+    auto host = WalkedHost(GetParam());
+    auto& term = host->Term();
+    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << term.Dump();
+    std::mt19937 random(20261124);
+    Walk(*host, random, kEpisodes, [&] {
+        term.Press(Key::Down);
+        term.Press(Key::Down);
+        term.Press(Key::Enter);
+        term.WaitForQuiet(200ms, 5000ms);
+        for (int i = 0, n = static_cast<int>(random() % 7); i < n; ++i) term.Press(Key::Down);
+        term.Press(Key::Enter);
+    });
+    ExpectWhole(*host);
+}
+
+std::string TestName(const ::testing::TestParamInfo<const char*>& info) {
+    std::string name = info.param;
+    std::erase(name, '-');
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Hosts, RandomKeys, ::testing::Values("default", "no-nic", "dvs"), TestName);
+INSTANTIATE_TEST_SUITE_P(NetworkHosts, RandomNetworkKeys, ::testing::Values("default", "dvs"), TestName);
 
 }  // namespace

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace Kovo {
+
+class Frame;
+class HostAccess;
+struct PendingNetwork;
+
+// Writes the network window's pending record to the host in one fixed order: uplinks, MAC address and
+// VLAN (left alone on a distributed switch), IPv4, the IPv6 switch and modes, the interface's IP
+// configuration, the default gateways, lease renewal, the VLAN restart, host name and name servers,
+// search suffixes, the DNS save, and the restart question when IPv6 is switched. Each change is logged
+// as it is made. The first platform failure is logged and shown on `owner` as one line (what was being
+// set, then the host's reason) and ends the run; the host agent is told to refresh its view of the
+// network however the run ends.
+class ChangeApplication {
+  public:
+    // `showAddress` rebuilds the window's detail pane once a new address is on the interface.
+    ChangeApplication(HostAccess& host, PendingNetwork& pending, Frame& owner,
+                      std::function<void()> showAddress);
+
+    void Run();
+
+  private:
+    bool OnDistributedSwitch();
+    void ApplyAdapters();
+    void ApplyMacAddress();
+    void ApplyVlan();
+    void ChooseIpv4();
+    void ChooseIpv6();
+    void WriteIpConfig();
+    void ApplyIpv4Gateway();
+    void ApplyIpv6Gateway();
+    void RestartInterface();
+    void ApplyDns();
+    // Runs one step; on a platform failure logs and shows prefix + reason and answers false.
+    bool Guarded(const char* prefix, const std::function<void()>& step);
+
+    HostAccess& _host;
+    PendingNetwork& _pending;
+    Frame& _owner;
+    std::function<void()> _showAddress;
+
+    std::vector<std::string> _currentUplinks;
+    bool _uplinksRead = false;
+    bool _adaptersChanged = false;
+    bool _vlanChanged = false;
+    bool _addressChanged = false;
+    bool _renewIpv4 = false;
+    bool _renewIpv6 = false;
+};
+
+}  // namespace Kovo

@@ -1,0 +1,187 @@
+#include "network/ManagementSwitch.h"
+
+#include <syslog.h>
+
+#include <algorithm>
+
+#include "app/frames/HostAccess.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/NicTeamingPolicy.h"
+#include "platform/hostctl/ZenkNic.h"
+#include "platform/zenkctl/DVPortImpl.h"
+#include "platform/zenkctl/VirtualSwitchInfoImpl.h"
+
+namespace Kovo {
+
+using HostCtl::Lib::HostCtlException;
+using HostCtl::Network::ConnectionPoint;
+using HostCtl::Network::NicTeamingPolicy;
+
+namespace {
+
+void LogFailure(const std::string& prefix, const std::exception& e) {
+    syslog(LOG_ERR, "%s", (prefix + e.what()).c_str());
+}
+
+}  // namespace
+
+ManagementSwitch::ManagementSwitch(HostAccess& host, HostCtl::Network::ZenkNic& nic)
+    : _host(host), _nic(nic) {}
+
+ConnectionPoint ManagementSwitch::Connection() {
+    ConnectionPoint point = _nic.GetConnectionPoint();
+    switch (point.connecteeType) {
+        case HostCtl::Network::CONNECTEE_PORTGROUP:
+        case HostCtl::Network::CONNECTEE_DVPORT:
+            return point;
+        case HostCtl::Network::CONNECTEE_OPAQUE:
+            throw HostCtlException("Opaque network connectee type not supported");
+        default:
+            throw HostCtlException("Unsupported connectee type");
+    }
+}
+
+std::string ManagementSwitch::SwitchName(const ConnectionPoint& point) {
+    if (point.connecteeType == HostCtl::Network::CONNECTEE_DVPORT) return point.dvsName;
+    return _host.Switches()->GetPortGroupSwitch(point.portGroup);
+}
+
+ManagementSwitch::Kind ManagementSwitch::KindOf(const std::string& switchName) {
+    auto switches = _host.Switches();
+    for (const auto& standard : switches->GetVirtualSwitches())
+        if (standard.name == switchName) return Kind::Standard;
+    for (const auto& distributed : switches->GetDvSwitches())
+        if (distributed.name == switchName) return Kind::Distributed;
+    throw HostCtlException("Unsupported xSwitch type");
+}
+
+bool ManagementSwitch::Name(std::string& name) {
+    try {
+        name = SwitchName(Connection());
+        return true;
+    } catch (const std::exception& e) {
+        LogFailure("Getting switch name failed: ", e);
+        return false;
+    }
+}
+
+bool ManagementSwitch::Uplinks(std::vector<std::string>& uplinks) {
+    std::string name;
+    if (!Name(name)) return false;
+    try {
+        auto switches = _host.Switches();
+        if (KindOf(name) == Kind::Distributed) {
+            try {
+                for (const auto& distributed : switches->GetDvSwitches())
+                    if (distributed.name == name) uplinks = distributed.uplinks;
+                return true;
+            } catch (const std::exception& e) {
+                LogFailure("DVS: getting used uplinks failed: ", e);
+                return false;
+            }
+        }
+        const NicTeamingPolicy policy = switches->GetTeamingPolicy(name);
+        if (policy.HasExplicitUplinkOrder()) {
+            uplinks = policy.GetUplinkOrder();
+            return true;
+        }
+        for (const auto& standard : switches->GetVirtualSwitches())
+            if (standard.name == name) uplinks = standard.uplinks;
+        return true;
+    } catch (const std::exception& e) {
+        LogFailure("Getting uplinks failed: ", e);
+        return false;
+    }
+}
+
+void ManagementSwitch::RemoveFromStandard(const std::string& switchName, const std::string& pnic) {
+    auto switches = _host.Switches();
+    switches->RemoveUplink(switchName, pnic);
+    switches->SetTeamingPolicy(
+        switchName, NicTeamingPolicy::WithUplinkRemoved(switches->GetTeamingPolicy(switchName), pnic));
+}
+
+void ManagementSwitch::TakeFromOwner(const std::string& pnic, const std::string& keeper) {
+    auto switches = _host.Switches();
+    const std::string owner = switches->FindUplinkOwner(pnic);
+    if (owner.empty() || owner == keeper) return;
+    for (const auto& distributed : switches->GetDvSwitches()) {
+        if (distributed.name == owner) {
+            switches->RemoveDvsUplink(owner, pnic);
+            return;
+        }
+    }
+    RemoveFromStandard(owner, pnic);
+}
+
+bool ManagementSwitch::AddUplink(const std::string& pnic) {
+    std::string name;
+    if (!Name(name)) return false;
+    try {
+        if (KindOf(name) != Kind::Standard) throw HostCtlException("Unsupported xSwitch type");
+        TakeFromOwner(pnic, name);
+        _host.Switches()->AddUplink(name, pnic);
+    } catch (const std::exception& e) {
+        LogFailure("Adding uplink " + pnic + " failed: ", e);
+        return false;
+    }
+    try {
+        auto switches = _host.Switches();
+        switches->SetTeamingPolicy(name,
+                                   NicTeamingPolicy::WithUplinkAdded(switches->GetTeamingPolicy(name), pnic));
+        return true;
+    } catch (const std::exception& e) {
+        LogFailure("VS: add uplink to teaming policy failed: ", e);
+        return false;
+    }
+}
+
+bool ManagementSwitch::RemoveUplink(const std::string& pnic) {
+    std::string name;
+    if (!Name(name)) return false;
+    try {
+        if (KindOf(name) != Kind::Standard) throw HostCtlException("Unsupported xSwitch type");
+        _host.Switches()->RemoveUplink(name, pnic);
+    } catch (const std::exception& e) {
+        LogFailure("Removing uplink " + pnic + " failed: ", e);
+        return false;
+    }
+    try {
+        auto switches = _host.Switches();
+        switches->SetTeamingPolicy(
+            name, NicTeamingPolicy::WithUplinkRemoved(switches->GetTeamingPolicy(name), pnic));
+        return true;
+    } catch (const std::exception& e) {
+        LogFailure("VS: remove uplink from teaming policy failed: ", e);
+        return false;
+    }
+}
+
+bool ManagementSwitch::Vlan(int& vlanId) {
+    try {
+        const ConnectionPoint point = Connection();
+        vlanId = point.connecteeType == HostCtl::Network::CONNECTEE_DVPORT
+                     ? _host.DvPort(point.dvsName, point.portKey)->GetVlanId()
+                     : _host.Switches()->GetPortGroupVlan(point.portGroup);
+        return true;
+    } catch (const std::exception& e) {
+        LogFailure("Getting VlanID failed: ", e);
+        return false;
+    }
+}
+
+bool ManagementSwitch::SetVlan(int vlanId) {
+    try {
+        const ConnectionPoint point = Connection();
+        if (point.connecteeType == HostCtl::Network::CONNECTEE_DVPORT)
+            _host.DvPort(point.dvsName, point.portKey)->SetVlanId(vlanId);
+        else
+            _host.Switches()->SetPortGroupVlan(point.portGroup, vlanId);
+        return true;
+    } catch (const std::exception& e) {
+        LogFailure("Setting VlanID failed: ", e);
+        return false;
+    }
+}
+
+}  // namespace Kovo

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/hostctl/ConnectionPoint.h"
+
+namespace HostCtl::Network {
+class ZenkNic;
+}
+
+namespace Kovo {
+
+class HostAccess;
+
+// The switch side of the management interface: the switch that carries it, that switch's uplinks and
+// the VLAN of the interface's port. Every operation reports success as a boolean and logs its own
+// failure with the exception's text, so a caller treats a failed read as "nothing to compare" and goes on.
+//
+// On a standard switch the uplinks are the teaming policy's explicit order (the attached NICs when the
+// policy states no order), and adding or removing one also updates that policy. A distributed switch's
+// uplinks and ports are read here but its membership is never changed.
+class ManagementSwitch {
+  public:
+    ManagementSwitch(HostAccess& host, HostCtl::Network::ZenkNic& nic);
+
+    // The name of the switch that carries the interface.
+    bool Name(std::string& name);
+    bool Uplinks(std::vector<std::string>& uplinks);
+    // Attaches a NIC. A NIC that another switch holds is taken from it first (the operator confirmed that).
+    bool AddUplink(const std::string& pnic);
+    bool RemoveUplink(const std::string& pnic);
+    bool Vlan(int& vlanId);
+    bool SetVlan(int vlanId);
+
+  private:
+    enum class Kind { Standard, Distributed };
+    // Throws HostCtlException with the reason when the switch cannot be told.
+    HostCtl::Network::ConnectionPoint Connection();
+    std::string SwitchName(const HostCtl::Network::ConnectionPoint& point);
+    Kind KindOf(const std::string& switchName);
+    void TakeFromOwner(const std::string& pnic, const std::string& keeper);
+    void RemoveFromStandard(const std::string& switchName, const std::string& pnic);
+
+    HostAccess& _host;
+    HostCtl::Network::ZenkNic& _nic;
+};
+
+}  // namespace Kovo

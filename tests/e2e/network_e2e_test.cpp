@@ -1,0 +1,392 @@
+// The management network window of the real console on the simulated host: what the operator edits, what
+// the confirmation does with it, and what the host runs afterwards (its store, its resolver files, its
+// addresses), with the log lines and commands in order.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "HostSteps.h"
+
+namespace {
+
+using namespace KovoE2e;
+
+// From Configure Password: Lockdown, then the network.
+constexpr int kNetworkDowns = 2;
+constexpr const char* kWindowMark = "VLAN (optional)";
+constexpr const char* kConfirmTitle = "Configure Management Network: Confirm";
+constexpr const char* kRestartQuestion = "Apply changes and restart management network?";
+constexpr const char* kErrorTitle = "Enable Management Network: Error";
+
+// Entries counted in presses of Down from Network Adapters (the blank line is skipped).
+constexpr int kIpv4Downs = 2, kDnsDowns = 4, kSuffixDowns = 5;
+
+void Press(HostConsole& host, Key key, int times = 1) {
+    for (int i = 0; i < times; ++i) {
+        host.Term().Press(key);
+        ASSERT_TRUE(host.Term().WaitForQuiet(80ms));
+    }
+}
+
+bool OpenNetwork(HostConsole& host) {
+    return LogIn(host, "", kRootPassword) && OpenFromMenu(host, kNetworkDowns, kWindowMark);
+}
+
+// From the window's first entry: opens the entry `downs` below and waits for the dialog's `mark`.
+bool OpenEntry(HostConsole& host, int downs, const std::string& mark) {
+    auto& term = host.Term();
+    for (int i = 0; i < downs; ++i) {
+        term.Press(Key::Down);
+        if (!term.WaitForQuiet(60ms)) return false;
+    }
+    term.Press(Key::Enter);
+    return term.WaitForText(mark) && term.WaitForQuiet(200ms);
+}
+
+// Types into the focused field and waits for the screen to show it.
+void TypeShown(HostConsole& host, const std::string& text) {
+    host.Term().Type(text);
+    ASSERT_TRUE(host.Term().WaitForText(text)) << host.Term().Dump();
+    ASSERT_TRUE(host.Term().WaitForQuiet(80ms));
+}
+
+// Back at the first entry from `downs` below it.
+void BackToTop(HostConsole& host, int downs) {
+    Press(host, Key::Up, downs);
+}
+
+// From the first entry: new suffixes typed into their dialog and accepted.
+void EditSuffixes(HostConsole& host, const std::string& text) {
+    ASSERT_TRUE(OpenEntry(host, kSuffixDowns, "Use spaces or commas")) << host.Term().Dump();
+    TypeShown(host, text);
+    host.Term().Press(Key::Enter);
+    ASSERT_TRUE(host.Term().WaitForTextGone("Use spaces or commas")) << host.Term().Dump();
+    ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
+    BackToTop(host, kSuffixDowns);
+}
+
+// Esc and the confirmation, answered with `answer`; waits for the main menu.
+void LeaveAnswering(HostConsole& host, const std::string& answer) {
+    host.Term().Press(Key::Escape);
+    ASSERT_TRUE(host.Term().WaitForText(kConfirmTitle)) << host.Term().Dump();
+    ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
+    host.Term().Type(answer);
+}
+
+bool BackInMenu(HostConsole& host) {
+    return host.Term().WaitForTextGone(kWindowMark) && host.Term().WaitFor(MenuShown) &&
+           host.Term().WaitForQuiet(300ms);
+}
+
+// A value of the running host's store, parsed.
+nlohmann::json StoreJson(const HostConsole& host, const std::string& pointer) {
+    return nlohmann::json::parse(StoreValue(host, pointer), nullptr, false);
+}
+
+std::string FileText(const std::string& path) {
+    std::ifstream in(path);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::string StoreFile(const HostConsole& host) {
+    return FileText(host.HostDir() + "/upper/etc/halvor/host.json");
+}
+
+std::string HostFile(const HostConsole& host, const std::string& path) {
+    return FileText(host.HostDir() + "/upper" + path);
+}
+
+// Whether an address answers a ping inside the running host.
+bool Answers(const HostConsole& host, const std::string& address) {
+    return Launcher({"exec", host.HostDir(), "--", "/bin/zenkping", "-c", "1", address});
+}
+
+// The syslog's positions of lines, each the first containing its text after the one before; all found.
+bool InOrder(const HostConsole& host, const std::vector<std::string>& texts) {
+    const std::string log = host.Syslog();
+    size_t at = 0;
+    for (const auto& text : texts) {
+        at = log.find(text, at);
+        if (at == std::string::npos) return false;
+    }
+    return true;
+}
+
+TEST(NetworkWindow, StaticAddressAppliedWithYesIsWhatTheHostRuns) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
+    ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, "Set static IPv4 address")) << host->Term().Dump();
+    Press(*host, Key::Down);
+    TypeShown(*host, "10.20.30.50");
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForTextGone("Set static IPv4 address")) << host->Term().Dump();
+    // Nothing reached the host yet; the pane shows what will change.
+    EXPECT_TRUE(host->Term().WaitForText("IPv4 Address: 10.20.30.50")) << host->Term().Dump();
+    EXPECT_EQ(StoreValue(*host, "/network/zenkNics/0/ipConfig/ipv4/address"), "\"10.20.30.41\"");
+
+    LeaveAnswering(*host, "y");
+    ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
+    ASSERT_TRUE(host->WaitForSyslog({"]: Network settings changed."})) << host->Syslog();
+    EXPECT_TRUE(InOrder(
+        *host, {"user.info KOVO[", "]: Setting adapters to zennic0 zennic1",
+                "]: Setting ipv4 configuration to 10.20.30.50 255.255.255.0 on zk0",
+                "]: Setting default gateway to 10.20.30.1", "]: Setting hostname to kovo-host-01.lab.example",
+                "]: Setting nameservers to 10.20.30.2 10.20.30.3", "]: Setting suffixes to ",
+                "]: Network settings changed."}))
+        << host->Syslog();
+    EXPECT_EQ(CommandCount(*host, {R"("internalsvc/refresh")"}), 1u) << HostRecords(*host, "commands.log");
+    EXPECT_EQ(StoreValue(*host, "/network/zenkNics/0/running/ipv4/address"), "\"10.20.30.50\"");
+
+    // The host runs the new address: it answers inside the host, the old one does not.
+    EXPECT_TRUE(host->Term().WaitUntil([&] { return Answers(*host, "10.20.30.50"); }, 10000ms));
+    EXPECT_FALSE(Answers(*host, "10.20.30.41"));
+    host->Term().Press(Key::Escape);
+    EXPECT_TRUE(host->Term().WaitForText("https://10.20.30.50/ (STATIC)")) << host->Term().Dump();
+}
+
+TEST(NetworkWindow, EscapeKeepsTheEditsAndNoDropsThemLeavingTheStoreAsItWas) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
+    const std::string before = StoreFile(*host);
+    EditSuffixes(*host, "a.example");
+
+    // Esc in the confirmation goes back to the window with the edit still pending.
+    LeaveAnswering(*host, "");
+    host->Term().Press(Key::Escape);
+    ASSERT_TRUE(host->Term().WaitForTextGone(kConfirmTitle)) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    Press(*host, Key::Down, kSuffixDowns);
+    EXPECT_TRUE(host->Term().WaitForText("a.example")) << host->Term().Dump();
+    // Keys other than Y, N and Esc do nothing there.
+    LeaveAnswering(*host, "xq\n");
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    EXPECT_TRUE(host->Term().Screen().Contains(kConfirmTitle)) << host->Term().Dump();
+    host->Term().Type("n");
+    ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
+
+    EXPECT_EQ(StoreFile(*host), before);
+    EXPECT_TRUE(host->SyslogLines({"]: Network settings changed."}).empty());
+    EXPECT_TRUE(host->SyslogLines({"]: Setting suffixes to"}).empty());
+}
+
+TEST(NetworkWindow, EscapeWithoutChangesLeavesAtOnce) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
+    // A dialog left with Esc, and one accepted unchanged, change nothing.
+    ASSERT_TRUE(OpenEntry(*host, kDnsDowns, "Use the following DNS server")) << host->Term().Dump();
+    host->Term().Press(Key::Escape);
+    ASSERT_TRUE(host->Term().WaitForTextGone("Use the following DNS server")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("Use the following DNS server")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForTextGone("Use the following DNS server")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+
+    host->Term().Press(Key::Escape);
+    ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
+    EXPECT_EQ(host->Term().Output().find(kConfirmTitle), std::string::npos);
+}
+
+TEST(NetworkWindow, InvalidIpv4ValuesAreRefusedWithTheFieldInErrorFocused) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
+    ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, "Set static IPv4 address")) << host->Term().Dump();
+    Press(*host, Key::Down);
+    TypeShown(*host, "1.2.3");
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("Please reenter a valid IPv4 address (x.x.x.x)."))
+        << host->Term().Dump();
+    EXPECT_TRUE(host->Term().Screen().Contains("Invalid IP address"));
+    ASSERT_TRUE(Acknowledge(*host, "Please reenter a valid IPv4 address"));
+    // The address field has the focus again: what is typed replaces it.
+    TypeShown(*host, "10.20.30.60");
+
+    Press(*host, Key::Down);
+    TypeShown(*host, "255.0.255.0");
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("Please reenter a valid subnet (x.x.x.x).")) << host->Term().Dump();
+    EXPECT_TRUE(host->Term().Screen().Contains("Invalid subnet"));
+    ASSERT_TRUE(Acknowledge(*host, "Please reenter a valid subnet"));
+    TypeShown(*host, "255.255.0.0");
+
+    Press(*host, Key::Down);
+    TypeShown(*host, "10.20");
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("Please reenter a valid gateway address (x.x.x.x)."))
+        << host->Term().Dump();
+    EXPECT_TRUE(host->Term().Screen().Contains("Invalid gateway address"));
+    ASSERT_TRUE(Acknowledge(*host, "Please reenter a valid gateway address"));
+    TypeShown(*host, "10.20.0.1");
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForTextGone("Set static IPv4 address")) << host->Term().Dump();
+
+    EXPECT_TRUE(host->Term().WaitForText("IPv4 Address: 10.20.30.60")) << host->Term().Dump();
+    EXPECT_TRUE(host->Term().Screen().Contains("Subnet Mask: 255.255.0.0")) << host->Term().Dump();
+    EXPECT_TRUE(host->Term().Screen().Contains("Default Gateway: 10.20.0.1")) << host->Term().Dump();
+}
+
+TEST(NetworkWindow, DhcpChosenTakesTheLeaseTheNetworkOffers) {
+    auto host = MakeHost("dhcp-server");
+    ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
+    ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, "Set static IPv4 address")) << host->Term().Dump();
+    Press(*host, Key::Up);
+    host->Term().Type(" ");
+    ASSERT_TRUE(host->Term().WaitForQuiet(100ms));
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForTextGone("Set static IPv4 address")) << host->Term().Dump();
+    EXPECT_TRUE(host->Term().WaitForText("Automatic")) << host->Term().Dump();
+
+    LeaveAnswering(*host, "Y");
+    ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
+    ASSERT_TRUE(host->WaitForSyslog({"]: Network settings changed."})) << host->Syslog();
+    EXPECT_EQ(host->SyslogLines({"]: Switching to DHCP on zk0"}).size(), 1u) << host->Syslog();
+    EXPECT_TRUE(host->SyslogLines({"]: Setting default gateway"}).empty()) << host->Syslog();
+    EXPECT_EQ(StoreValue(*host, "/network/zenkNics/0/running/ipv4/address"), "\"10.20.30.77\"");
+    host->Term().Press(Key::Escape);
+    EXPECT_TRUE(host->Term().WaitForText("https://10.20.30.77/ (DHCP)")) << host->Term().Dump();
+    EXPECT_TRUE(host->Term().WaitUntil([&] { return Answers(*host, "10.20.30.77"); }, 10000ms));
+}
+
+TEST(NetworkWindow, NameServersHostNameAndSuffixesReachTheResolver) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
+    ASSERT_TRUE(OpenEntry(*host, kDnsDowns, "Use the following DNS server")) << host->Term().Dump();
+    Press(*host, Key::Down);
+    TypeShown(*host, "10.20.30.9");
+    Press(*host, Key::Down);
+    TypeShown(*host, "2001:db8::53");
+    Press(*host, Key::Down);
+    // "_" and "/" are not host-name characters: they never arrive.
+    host->Term().Type("esx_b/.other");
+    TypeShown(*host, ".example");
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForTextGone("Use the following DNS server")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    BackToTop(*host, kDnsDowns);
+    EditSuffixes(*host, "a.example, b.example  c.example");
+
+    LeaveAnswering(*host, "y");
+    ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
+    ASSERT_TRUE(host->WaitForSyslog({"]: Network settings changed."})) << host->Syslog();
+    EXPECT_TRUE(InOrder(*host, {"]: Setting hostname to esxb.other.example",
+                                "]: Setting nameservers to 10.20.30.9 2001:db8::53",
+                                "]: Setting suffixes to a.example, b.example  c.example"}))
+        << host->Syslog();
+    EXPECT_EQ(StoreValue(*host, "/network/dns/hostname"), "\"esxb\"");
+    EXPECT_EQ(StoreValue(*host, "/network/dns/domain"), "\"other.example\"");
+    EXPECT_EQ(StoreJson(*host, "/network/dns/nameServers"), nlohmann::json({"10.20.30.9"}));
+    EXPECT_EQ(StoreJson(*host, "/network/dns/ipv6NameServers"), nlohmann::json({"2001:db8::53"}));
+    EXPECT_EQ(StoreJson(*host, "/network/dns/searchDomains"),
+              nlohmann::json({"other.example", "a.example", "b.example", "c.example"}));
+
+    // The host's resolver follows the saved configuration.
+    ASSERT_TRUE(host->Term().WaitUntil(
+        [&] {
+            return HostFile(*host, "/etc/resolv.conf").find("nameserver 10.20.30.9") != std::string::npos;
+        },
+        10000ms))
+        << HostFile(*host, "/etc/resolv.conf");
+    const std::string resolver = HostFile(*host, "/etc/resolv.conf");
+    EXPECT_NE(resolver.find("search other.example a.example b.example c.example"), std::string::npos)
+        << resolver;
+    EXPECT_NE(resolver.find("nameserver 2001:db8::53"), std::string::npos) << resolver;
+    EXPECT_EQ(resolver.find("10.20.30.2"), std::string::npos) << resolver;
+    EXPECT_EQ(HostFile(*host, "/etc/hostname"), "esxb\n");
+}
+
+TEST(NetworkWindow, EachFailingStepIsShownAndTheAgentStillRefreshes) {
+    struct Failure {
+        const char* fault;
+        const char* line;
+        bool gatewayEdit;  // the step runs only for a new gateway
+    };
+    const std::vector<Failure> failures = {
+        {"ZenkNic.SetMacAddressFromPnic", "Setting mac address of zennic failed: ", false},
+        {"ZenkNic.GetIpConfig", "Setting ip configuration failed: ", false},
+        {"NetworkInfo.SetZenkIpv6Enabled", "Setting ipv6 configuration failed: ", false},
+        {"ZenkNic.SetIpConfig", "Setting ip/ipv6 configuration failed: ", false},
+        {"RoutingInfo.SetZenKernelDefaultGateway", "Setting default gateway failed: ", true},
+        {"DnsConfig.SaveConfig", "Setting DNS failed: ", false},
+    };
+    auto host = MakeHost("default");
+    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
+    for (size_t i = 0; i < failures.size(); ++i) {
+        const Failure& failure = failures[i];
+        SCOPED_TRACE(failure.fault);
+        ASSERT_TRUE(OpenFromMenu(*host, i == 0 ? kNetworkDowns : 0, kWindowMark)) << host->Term().Dump();
+        if (failure.gatewayEdit) {
+            ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, "Set static IPv4 address")) << host->Term().Dump();
+            Press(*host, Key::Down, 3);
+            TypeShown(*host, "10.20.30.254");
+            host->Term().Press(Key::Enter);
+            ASSERT_TRUE(host->Term().WaitForTextGone("Set static IPv4 address")) << host->Term().Dump();
+            ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+            BackToTop(*host, kIpv4Downs);
+        } else {
+            EditSuffixes(*host, "f" + std::to_string(i) + ".example");
+        }
+        // The host changes under the open window: its uplink order now starts with the other NIC, so the
+        // application has to give the interface the first adapter's MAC address again.
+        if (i == 0) {
+            ASSERT_TRUE(
+                SetStore(*host, "/network/switches/0/teaming/uplinkOrder", R"(["zennic1","zennic0"])"));
+        }
+        ASSERT_TRUE(
+            SetStore(*host, std::string("/simulation/faults/") + failure.fault, R"("the host refused")"));
+
+        LeaveAnswering(*host, "y");
+        const std::string line = std::string(failure.line) + "the host refused";
+        ASSERT_TRUE(host->Term().WaitForText(line)) << host->Term().Dump();
+        EXPECT_TRUE(host->Term().Screen().Contains(kErrorTitle)) << host->Term().Dump();
+        ASSERT_TRUE(SetStore(*host, "/simulation/faults", "{}"));
+        ASSERT_TRUE(Acknowledge(*host, kErrorTitle)) << host->Term().Dump();
+        ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
+        ASSERT_TRUE(host->WaitForSyslog({"user.err", "]: " + line})) << host->Syslog();
+        EXPECT_EQ(CommandCount(*host, {R"("internalsvc/refresh")"}), i + 1)
+            << HostRecords(*host, "commands.log");
+    }
+    // The first failure stopped before the addresses: the interface kept its MAC address.
+    EXPECT_EQ(StoreValue(*host, "/network/zenkNics/0/mac"), "\"00:1b:21:4a:10:00\"");
+}
+
+TEST(NetworkWindow, AnInterfaceGoneSinceTheMenuWasBuiltIsReported) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
+    ASSERT_TRUE(SetStore(*host, "/network/zenkNics", "[]"));
+    ASSERT_TRUE(OpenFromMenu(*host, kNetworkDowns, "Management network interface cannot be found."))
+        << host->Term().Dump();
+    EXPECT_TRUE(host->Term().Screen().Contains(kErrorTitle));
+    ASSERT_TRUE(Acknowledge(*host, "Management network interface cannot be found."));
+    EXPECT_TRUE(host->Term().WaitFor(MenuShown)) << host->Term().Dump();
+    EXPECT_EQ(host->SyslogLines({"user.err", "]: Could not get a suitable management interface"}).size(), 1u);
+}
+
+TEST(NetworkWindow, DistributedSwitchHostTakesIpAndDnsOnly) {
+    auto host = MakeHost("dvs");
+    ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
+    const std::string switchesBefore = StoreValue(*host, "/network/dvs");
+    ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, "Set static IPv4 address")) << host->Term().Dump();
+    Press(*host, Key::Down);
+    TypeShown(*host, "10.20.30.61");
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForTextGone("Set static IPv4 address")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    BackToTop(*host, kIpv4Downs);
+    EditSuffixes(*host, "dvs.example");
+
+    LeaveAnswering(*host, "y");
+    ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
+    ASSERT_TRUE(host->WaitForSyslog({"]: Network settings changed."})) << host->Syslog();
+    EXPECT_TRUE(host->SyslogLines({"]: Setting adapters to"}).empty()) << host->Syslog();
+    EXPECT_EQ(host->SyslogLines({"]: Setting ipv4 configuration to 10.20.30.61"}).size(), 1u)
+        << host->Syslog();
+    EXPECT_EQ(StoreValue(*host, "/network/dvs"), switchesBefore);
+    EXPECT_EQ(StoreJson(*host, "/network/dns/searchDomains"), nlohmann::json({"lab.example", "dvs.example"}));
+}
+
+}  // namespace

@@ -1,0 +1,359 @@
+#include "network/ChangeApplication.h"
+
+#include <gtest/gtest.h>
+#include <poll.h>
+
+#include "RecordingNetwork.h"
+#include "network/PendingNetwork.h"
+#include "platform/hostctl/Ipv6Address.h"
+
+namespace Kovo {
+namespace {
+
+using namespace Testing;
+using HostCtl::Network::Ipv4Address;
+using HostCtl::Network::Ipv6Address;
+using nlohmann::json;
+
+class ChangeApplicationTest : public ScriptedScreen {
+  protected:
+    void Make(const json& document) {
+        store_ = std::make_unique<ScratchStore>(Booted(document));
+        host_ = std::make_unique<RecordingNetworkHost>(store_->Get());
+        pending_ = PendingNetwork::Read(*host_);
+        host_->calls.clear();
+    }
+    // Applies the record; a failure's message dialog is closed as an operator would.
+    void Apply() {
+        Type(Keys::kEnter);
+        TestRootFrame root;
+        bool shown = false;
+        ChangeApplication(*host_, pending_, root, [&shown] { shown = true; }).Run();
+        addressShown_ = shown;
+    }
+    json At(const std::string& pointer) const { return store_->At(pointer); }
+    void Fault(const std::string& operation, const std::string& text) {
+        store_->Get()->Update([&](json& d) { d["simulation"]["faults"][operation] = text; });
+    }
+    const Calls& Made() const { return host_->calls; }
+    static bool KeysWaiting() {
+        pollfd keyboard{0, POLLIN, 0};
+        return poll(&keyboard, 1, 0) > 0;
+    }
+    std::vector<std::string> Logged() const {
+        std::vector<std::string> lines;
+        for (const auto& call : Made())
+            if (call.rfind("log: ", 0) == 0) lines.push_back(call.substr(5));
+        return lines;
+    }
+    bool LoggedStartingWith(const std::string& prefix) const {
+        for (const auto& line : Logged())
+            if (line.rfind(prefix, 0) == 0) return true;
+        return false;
+    }
+
+    std::unique_ptr<ScratchStore> store_;
+    std::unique_ptr<RecordingNetworkHost> host_;
+    PendingNetwork pending_;
+    bool addressShown_ = false;
+};
+
+json DhcpHost() {
+    json host = Scenario("default");
+    host["network"]["zenkNics"][0]["ipConfig"]["ipv4"] = {{"mode", "dhcp"}};
+    host["network"]["zenkNics"][0]["dhcpBound"] = true;
+    host["network"]["dhcpLeases"]["zk0"]["ipv4"] = {
+        {"address", "10.20.30.77"}, {"netmask", "255.255.255.0"}, {"gateway", "10.20.30.1"}};
+    return host;
+}
+
+TEST_F(ChangeApplicationTest, StaticAddressChangeRunsEveryStepInOrder) {
+    Make(Scenario("default"));
+    pending_.applied.SetIpv4Address(Ipv4Address("10.20.30.50"));
+    Apply();
+    const Calls expected = {
+        "log: Setting adapters to zennic0 zennic1",
+        "log: Setting ipv4 configuration to 10.20.30.50 255.255.255.0 on zk0",
+        "Network.SetZenkIpv6Enabled true",
+        "log: Setting ipv6 configuration",
+        "Nic.GetDhcpBound",
+        "Nic.SetIpConfig",
+        // A new address always rewrites the gateway, even the same one.
+        "log: Setting default gateway to 10.20.30.1",
+        "Routing.SetZenKernelDefaultGateway 10.20.30.1",
+        "log: Setting hostname to kovo-host-01.lab.example",
+        "Dns.SetFqdn kovo-host-01.lab.example",
+        "log: Setting nameservers to 10.20.30.2 10.20.30.3",
+        "Dns.RemoveNameServers",
+        "Dns.AddNameServer 10.20.30.2",
+        "Dns.AddNameServer 10.20.30.3",
+        "log: Setting suffixes to ",
+        "Dns.SetSearchDomainsString lab.example",
+        "Dns.SaveConfig",
+        "refresh",
+    };
+    EXPECT_EQ(Made(), expected);
+    EXPECT_TRUE(addressShown_);
+    EXPECT_EQ(At("/network/zenkNics/0/running/ipv4/address"), "10.20.30.50");
+}
+
+TEST_F(ChangeApplicationTest, UnchangedStaticAddressWritesOnlyWhatDiffers) {
+    Make(Scenario("default"));
+    const json before = At("/network");
+    pending_.changed = true;
+    Apply();
+    EXPECT_FALSE(LoggedStartingWith("Setting ipv4 configuration"));
+    EXPECT_FALSE(LoggedStartingWith("Setting default gateway"));
+    EXPECT_FALSE(addressShown_);
+    // Nothing was edited, so the host's network reads as before (the DNS save is counted, nothing else).
+    json after = At("/network");
+    after["dns"].erase("saved");
+    EXPECT_EQ(after, before);
+
+    pending_.applied.SetIpv4Gateway(Ipv4Address("10.20.30.254"));
+    host_->calls.clear();
+    Apply();
+    EXPECT_FALSE(LoggedStartingWith("Setting ipv4 configuration"));
+    EXPECT_TRUE(host_->Made("Routing.SetZenKernelDefaultGateway 10.20.30.254"));
+}
+
+TEST_F(ChangeApplicationTest, NewlyChosenDhcpSwitchesWithoutGatewayOrRenewal) {
+    Make(Scenario("default"));
+    pending_.modes.SetUseDhcp(true);
+    pending_.modes.SetDnsFromDhcp(true);
+    Apply();
+    EXPECT_TRUE(host_->Made("log: Switching to DHCP on zk0"));
+    EXPECT_FALSE(LoggedStartingWith("Setting default gateway"));
+    EXPECT_FALSE(LoggedStartingWith("Renew DHCP lease"));
+    // DNS now comes from DHCP: host name and name servers are left to it.
+    EXPECT_FALSE(LoggedStartingWith("Setting hostname"));
+    EXPECT_EQ(At("/network/zenkNics/0/ipConfig/ipv4/mode"), "dhcp");
+    EXPECT_EQ(At("/network/zenkNics/0/ipConfig/dnsFromDhcp"), true);
+}
+
+TEST_F(ChangeApplicationTest, DhcpAlreadyOnRenewsTheLeaseOnlyWhenTheAdaptersChanged) {
+    Make(DhcpHost());
+    pending_.changed = true;
+    Apply();
+    EXPECT_FALSE(LoggedStartingWith("Renew DHCP lease"));
+    EXPECT_FALSE(LoggedStartingWith("Switching to DHCP"));
+
+    Make(DhcpHost());
+    pending_.adapters = {"zennic0"};
+    Apply();
+    const Calls tail = host_->From("Nic.SetIpConfig");
+    ASSERT_GE(tail.size(), 3u);
+    // The interface stays bound to its lease, then renews it.
+    EXPECT_EQ(tail[1], "Nic.SetDhcpBound true");
+    EXPECT_EQ(tail[2], "log: Renew DHCP lease on zk0");
+    EXPECT_EQ(tail[3], "Nic.RenewIpv4Lease");
+    EXPECT_FALSE(host_->Made("Nic.RenewIpv6Lease"));
+    EXPECT_TRUE(host_->Made("Switch.RemoveUplink xSwitch0 zennic1"));
+}
+
+TEST_F(ChangeApplicationTest, NoneClearsTheAddressAndTheGateway) {
+    Make(Scenario("default"));
+    pending_.applied.SetIpv4UseNone();
+    pending_.applied.SetIpv4Gateway(Ipv4Address());
+    Apply();
+    EXPECT_TRUE(host_->Made("log: Setting ipv4 configuration to none on zk0"));
+    EXPECT_TRUE(host_->Made("log: Setting default gateway to 0.0.0.0"));
+    EXPECT_EQ(At("/network/zenkNics/0/ipConfig/ipv4/mode"), "none");
+    EXPECT_EQ(At("/network/routing/ipv4DefaultGateway"), "");
+
+    // Already none: nothing to say about IPv4 the second time.
+    Make(store_->At(""));
+    pending_.changed = true;
+    Apply();
+    EXPECT_FALSE(LoggedStartingWith("Setting ipv4 configuration"));
+}
+
+TEST_F(ChangeApplicationTest, DnsFromDhcpIsKeptOnlyWhereDhcpRuns) {
+    Make(Scenario("default"));
+    pending_.modes.SetDnsFromDhcp(true);  // but IPv4 stays static, and DHCPv6 is off
+    Apply();
+    EXPECT_EQ(At("/network/zenkNics/0/ipConfig/dnsFromDhcp"), false);
+    EXPECT_TRUE(host_->Made("log: Setting hostname to kovo-host-01.lab.example"));
+}
+
+TEST_F(ChangeApplicationTest, HostNamesAndNameServers) {
+    Make(Scenario("default"));
+    pending_.hostname = "esx-b";
+    pending_.primaryDns = std::make_unique<Ipv4Address>("0.0.0.0");
+    pending_.alternateDns = std::make_unique<Ipv6Address>("::");
+    Apply();
+    EXPECT_TRUE(host_->Made("Dns.SetHostname esx-b"));
+    EXPECT_FALSE(LoggedStartingWith("Dns.SetFqdn"));
+    EXPECT_TRUE(host_->Made("log: Setting nameservers to 0.0.0.0 ::"));
+    EXPECT_TRUE(host_->From("Dns.AddNameServer").empty());
+    EXPECT_EQ(At("/network/dns/nameServers"), json::array());
+    EXPECT_EQ(At("/network/dns/hostname"), "esx-b");
+    EXPECT_EQ(At("/network/dns/domain"), "lab.example");
+
+    Make(Scenario("default"));
+    pending_.hostname = "esx-c.other.example";
+    pending_.primaryDns = std::make_unique<Ipv6Address>("2001:db8::53");
+    pending_.alternateDns.reset();
+    Apply();
+    EXPECT_TRUE(host_->Made("Dns.SetFqdn esx-c.other.example"));
+    EXPECT_TRUE(host_->Made("log: Setting nameservers to 2001:db8::53 "));
+    EXPECT_EQ(At("/network/dns/ipv6NameServers"), json::array({"2001:db8::53"}));
+    EXPECT_EQ(At("/network/dns/domain"), "other.example");
+    // The new domain leads the search list.
+    EXPECT_EQ(At("/network/dns/searchDomains"), json::array({"other.example"}));
+}
+
+TEST_F(ChangeApplicationTest, SuffixesFollowTheDomainInTheOrderTyped) {
+    Make(Scenario("default"));
+    pending_.suffixes = "a.example, b.example  c.example";
+    Apply();
+    const Calls expected = {"log: Setting suffixes to a.example, b.example  c.example",
+                            "Dns.SetSearchDomainsString lab.example",
+                            "Dns.AddSearchDomain a.example",
+                            "Dns.AddSearchDomain b.example",
+                            "Dns.AddSearchDomain c.example",
+                            "Dns.SaveConfig",
+                            "refresh"};
+    EXPECT_EQ(host_->From("log: Setting suffixes"), expected);
+    EXPECT_EQ(At("/network/dns/searchDomains"),
+              json::array({"lab.example", "a.example", "b.example", "c.example"}));
+
+    // Read back, the same list gives the same text: applying it again changes nothing.
+    Make(store_->At(""));
+    EXPECT_EQ(pending_.suffixes, "a.example b.example c.example");
+    pending_.changed = true;
+    Apply();
+    EXPECT_EQ(At("/network/dns/searchDomains"),
+              json::array({"lab.example", "a.example", "b.example", "c.example"}));
+
+    Make(Scenario("default"));
+    pending_.suffixes.clear();
+    Apply();
+    EXPECT_TRUE(host_->From("Dns.AddSearchDomain").empty());
+    EXPECT_EQ(At("/network/dns/searchDomains"), json::array({"lab.example"}));
+}
+
+TEST_F(ChangeApplicationTest, AdaptersFollowTheOperatorsOrder) {
+    Make(Scenario("default"));
+    pending_.adapters = {"zennic2", "zennic0"};
+    Apply();
+    const Calls expected = {
+        "log: Setting adapters to zennic2 zennic0",
+        "Switch.RemoveUplink xSwitch0 zennic1",
+        "Switch.SetTeamingPolicy xSwitch0 max 0 order zennic0",
+        "Switch.AddUplink xSwitch0 zennic2",
+        "Switch.SetTeamingPolicy xSwitch0 max 0 order zennic0 zennic2",
+        // The first adapter chosen differs from the first uplink: its MAC address goes to the interface.
+        "Nic.SetMacAddressFromPnic zennic2",
+    };
+    const Calls made = host_->From("log: Setting adapters");
+    ASSERT_GE(made.size(), expected.size());
+    EXPECT_EQ(Calls(made.begin(), made.begin() + static_cast<long>(expected.size())), expected);
+    EXPECT_EQ(At("/network/zenkNics/0/mac"), "00:1b:21:4a:20:00");
+    EXPECT_EQ(At("/network/switches/0/uplinks"), json::array({"zennic0", "zennic2"}));
+}
+
+TEST_F(ChangeApplicationTest, VlanChangeRestartsTheInterface) {
+    Make(Scenario("default"));
+    pending_.vlan = 42;
+    Apply();
+    const Calls tail = host_->From("Switch.SetPortGroupVlan");
+    ASSERT_FALSE(tail.empty());
+    EXPECT_EQ(tail[0], "Switch.SetPortGroupVlan Management Network 42");
+    const Calls restart = host_->From("log: Changed vlan, restarting management interface");
+    ASSERT_GE(restart.size(), 4u);
+    EXPECT_EQ(Calls(restart.begin() + 1, restart.begin() + 4),
+              (Calls{"Nic.Disable", "Nic.Commit", "Nic.Enable"}));
+}
+
+TEST_F(ChangeApplicationTest, DistributedSwitchKeepsItsAdaptersAndVlanButTakesIpAndDns) {
+    Make(Scenario("dvs"));
+    pending_.adapters = {"zennic3"};
+    pending_.vlan = 7;
+    pending_.applied.SetIpv4Address(Ipv4Address("10.20.30.60"));
+    pending_.hostname = "dvs-host";
+    Apply();
+    EXPECT_FALSE(LoggedStartingWith("Setting adapters"));
+    EXPECT_TRUE(host_->From("Switch.").empty());
+    EXPECT_TRUE(host_->From("DvPort.").empty());
+    EXPECT_TRUE(host_->From("Nic.SetMacAddress").empty());
+    EXPECT_TRUE(LoggedStartingWith("Setting ipv4 configuration to 10.20.30.60"));
+    EXPECT_TRUE(host_->Made("Dns.SetHostname dvs-host"));
+}
+
+TEST_F(ChangeApplicationTest, Ipv6GatewayIsWrittenOnlyWhenEdited) {
+    Make(Scenario("default"));
+    pending_.applied.SetIpv6Gateway(Ipv6Address("2001:db8:20:30::fe"));
+    pending_.changed = true;
+    Apply();
+    EXPECT_FALSE(LoggedStartingWith("Setting default ipv6 gateway"));
+
+    Make(Scenario("default"));
+    pending_.applied.SetIpv6Gateway(Ipv6Address("2001:db8:20:30::fe"));
+    pending_.ipv6GatewayChanged = true;
+    Apply();
+    EXPECT_TRUE(host_->Made("log: Setting default ipv6 gateway to 2001:db8:20:30::fe"));
+    EXPECT_EQ(At("/network/routing/ipv6DefaultGateway"), "2001:db8:20:30::fe");
+}
+
+struct GuardedStep {
+    const char* fault;
+    const char* line;
+    const char* notAfter;  // a call that must not be made once the step failed
+};
+
+class GuardedSteps : public ChangeApplicationTest, public ::testing::WithParamInterface<GuardedStep> {};
+
+TEST_P(GuardedSteps, AFailureIsLoggedShownAndEndsTheRunButTheRefresh) {
+    const GuardedStep& step = GetParam();
+    Make(Scenario("default"));
+    pending_.adapters = {"zennic1", "zennic0"};
+    pending_.applied.SetIpv4Address(Ipv4Address("10.20.30.50"));
+    pending_.ipv6GatewayChanged = true;
+    Fault(step.fault, "the host refused");
+    Apply();
+    const std::string line = std::string(step.line) + "the host refused";
+    const Calls tail = host_->From("log: " + line);
+    ASSERT_FALSE(tail.empty()) << "no line " << line;
+    // The operator was shown the same line, then only the refresh followed.
+    EXPECT_EQ(tail.back(), "refresh");
+    EXPECT_EQ(tail.size(), 2u);
+    EXPECT_FALSE(host_->Made(step.notAfter));
+    // The message dialog read the Enter typed for it.
+    EXPECT_FALSE(KeysWaiting());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    ChangeApplication, GuardedSteps,
+    ::testing::Values(GuardedStep{"ZenkNic.SetMacAddressFromPnic",
+                                  "Setting mac address of zennic failed: ", "Nic.SetIpConfig"},
+                      GuardedStep{"ZenkNic.GetIpConfig",
+                                  "Setting ip configuration failed: ", "Network.SetZenkIpv6Enabled true"},
+                      GuardedStep{"NetworkInfo.SetZenkIpv6Enabled",
+                                  "Setting ipv6 configuration failed: ", "Nic.SetIpConfig"},
+                      GuardedStep{"ZenkNic.SetIpConfig", "Setting ip/ipv6 configuration failed: ",
+                                  "Routing.SetZenKernelDefaultGateway 10.20.30.1"},
+                      GuardedStep{
+                          "RoutingInfo.SetZenKernelDefaultGateway",
+                          "Setting default gateway failed: ", "Routing.SetIpv6ZenKernelDefaultGateway ::"},
+                      GuardedStep{"RoutingInfo.SetIpv6ZenKernelDefaultGateway",
+                                  "Setting default ipv6 gateway failed: ", "Dns.RemoveNameServers"},
+                      GuardedStep{"DnsConfig.SetFqdn", "Setting DNS failed: ", "Dns.SaveConfig"}));
+
+TEST_F(ChangeApplicationTest, UplinkAndVlanFailuresAreLoggedAndTheRestApplies) {
+    Make(Scenario("default"));
+    pending_.adapters = {"zennic0", "zennic1", "zennic2"};
+    pending_.vlan = 5;
+    pending_.applied.SetIpv4Address(Ipv4Address("10.20.30.50"));
+    Fault("VirtualSwitchInfo.AddUplink", "no free port");
+    Fault("VirtualSwitchInfo.SetPortGroupVlan", "vlan refused");
+    Apply();
+    EXPECT_TRUE(host_->Made("log: Adding uplink zennic2 failed: no free port"));
+    EXPECT_TRUE(host_->Made("log: Setting VlanID failed: vlan refused"));
+    EXPECT_FALSE(LoggedStartingWith("Changed vlan"));
+    EXPECT_EQ(At("/network/zenkNics/0/ipConfig/ipv4/address"), "10.20.30.50");
+    EXPECT_EQ(Made().back(), "refresh");
+}
+
+}  // namespace
+}  // namespace Kovo
