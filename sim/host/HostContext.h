@@ -16,6 +16,9 @@ struct HostContext {
     std::ostream& out;
     std::ostream& err;
     std::shared_ptr<ZenkCtl::Store::HostStore> store;
+    // The absolute path the program was run as ("/sbin/powerOffVms" and "/bin/powerOffVms" differ even
+    // though both are one file); for the command log.
+    std::string path;
     std::string commandLog = "/var/log/kovo-sim/commands.log";
     std::string runDir = "/run/kovo-sim";  // where power requests go
     int initPid = 1;                       // who acts them out

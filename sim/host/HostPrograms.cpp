@@ -1,5 +1,10 @@
 #include "HostPrograms.h"
 
+#include <sys/auxv.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <iostream>
 #include <map>
@@ -81,7 +86,7 @@ int HostPrograms::Run(const std::string& name, HostContext& context) {
         context.err << "kovo-sim-host: no program " << name << "\n";
         return 127;
     }
-    CommandLog::Record(name, context.argv, context.commandLog);
+    CommandLog::Record(name, context.path, context.argv, context.commandLog);
     try {
         return program->second(context);
     } catch (const HostCtl::Lib::HostCtlException& e) {
@@ -93,9 +98,20 @@ int HostPrograms::Run(const std::string& name, HostContext& context) {
     }
 }
 
+std::string HostPrograms::AbsolutePath(const std::string& path, const std::string& cwd) {
+    if (path.empty()) return {};
+    const std::filesystem::path given(path);
+    return (given.is_absolute() ? given : std::filesystem::path(cwd.empty() ? "/" : cwd) / given)
+        .lexically_normal()
+        .string();
+}
+
 int HostPrograms::Main(int argc, char** argv) {
     std::vector<std::string> args(argv, argv + argc);
     std::string name = args.empty() ? std::string() : BaseName(args[0]);
+    // What execve was given: "/sbin/powerOffVms", not the file the link leads to.
+    const char* execfn = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
+    std::string path = execfn ? execfn : std::string();
     if (name == "kovo-sim-host") {
         if (args.size() < 2) {
             std::cerr << "Usage: kovo-sim-host PROGRAM [ARGUMENTS...]\n";
@@ -104,8 +120,15 @@ int HostPrograms::Main(int argc, char** argv) {
         name = args[1];
         args.erase(args.begin(), args.begin() + 2);
         if (args.empty()) args.push_back(name);
+        // A script of the host calls us with its own "$0": the program run is the script.
+        path = args[0];
     }
-    HostContext context{args, std::cout, std::cerr, ZenkCtl::Store::HostStore::System()};
+    // The directory as the caller named it ($PWD when it is this one): "./x" run in /sbin is "/sbin/x",
+    // though /sbin leads to /usr/sbin.
+    char* cwd = ::get_current_dir_name();
+    HostContext context{args, std::cout, std::cerr, ZenkCtl::Store::HostStore::System(),
+                        AbsolutePath(path, cwd ? cwd : "")};
+    std::free(cwd);
     const int status = Run(name, context);
     std::cout.flush();
     return status;

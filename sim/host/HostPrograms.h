@@ -20,6 +20,8 @@ class HostPrograms {
     static const std::vector<Install>& Installs();
 
     static bool Known(const std::string& name);
+    // The absolute form of the path a program was run as, from the directory it was run in.
+    static std::string AbsolutePath(const std::string& path, const std::string& cwd);
     // Runs the named program; store failures become a message and status 1.
     static int Run(const std::string& name, HostContext& context);
     static int Main(int argc, char** argv);

@@ -24,36 +24,26 @@ class HostBoot {
     static constexpr const char* kProgramDir = "/usr/lib/kovo-sim";
     static constexpr const char* kLoginMarker = "/run/halvor/show-kovo-login";
 
-    // First boot: the configuration store from the scenario (without its "simulation" part), the host's
-    // name files, resolver files, SSL certificate and SSH host keys.
+    // First boot: the configuration store from the scenario (StoreOf), the host's name files, resolver
+    // files, SSL certificate and SSH host keys.
     static void Provision(const nlohmann::json& scenario);
 
     // Every boot: boot-time changes pending in the store take effect (IPv6 switch, configuration reset to
     // the scenario; a host in audit mode forgets its configuration at every boot but the first), the host
     // programs and PAM service are installed, /run is filled (markers), the host is named, its network
-    // addresses and name server come up, and its event and audit daemons start. The daemons' sockets are
-    // returned for PID 1 to serve.
+    // comes up and follows the store from then on (NetworkFollower), and its event and audit daemons
+    // start. The daemons' sockets are returned for PID 1 to serve.
     static std::vector<std::unique_ptr<DatagramSink>> Start(const nlohmann::json& scenario,
                                                             const Products& products, bool firstBoot);
 
-    // The store document a scenario describes (the scenario without its "simulation" part).
+    // The store document a scenario describes: the scenario without its "simulation" part, but with the
+    // platform faults it carries ("simulation": {"faults": {...}}).
     static nlohmann::json StoreOf(const nlohmann::json& scenario);
-
-    // The addresses that answer in the host's network: gateways, name servers, the management address,
-    // and the scenario's extra ones ("simulation": {"answering": [...]}); never empty, 0.0.0.0 or "::".
-    static std::vector<std::string> AnsweringAddresses(const nlohmann::json& store,
-                                                       const nlohmann::json& scenario);
-
-    // The names the host's DNS server answers: the host's FQDN with its management address, and the
-    // scenario's ("simulation": {"names": {"name": "address" or ["address", ...]}}).
-    static std::vector<std::pair<std::string, std::string>> DnsNames(const nlohmann::json& store,
-                                                                     const nlohmann::json& scenario);
 
   private:
     static void ApplyPendingChanges(const nlohmann::json& scenario, bool firstBoot);
     static void InstallPrograms(const Products& products);
     static void FillRun(const nlohmann::json& store);
-    static void StartNetwork(const nlohmann::json& store, const nlohmann::json& scenario);
 };
 
 }  // namespace KovoSim

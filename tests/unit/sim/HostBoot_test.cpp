@@ -2,51 +2,66 @@
 
 #include <gtest/gtest.h>
 
+#include "helpers/Subprocess.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/store/HostStore.h"
+#include "platform/zenkctl/DVPortImpl.h"
+#include "platform/zenkctl/VirtualSwitchInfoImpl.h"
+
+using HostCtl::Lib::HostCtlException;
 using KovoSim::HostBoot;
+using KovoSim::Test::TempDir;
 using nlohmann::json;
 
 namespace {
 
-TEST(HostBootTest, AnsweringAddressesAreTheGatewaysNameServersManagementAndExtras) {
-    const json scenario = json::parse(R"({
+TEST(HostBootTest, TheStoreOfAScenarioKeepsOnlyItsFaultsOfTheSimulation) {
+    const json scenario = {{"users", json::array()},
+                           {"simulation",
+                            {{"names", {{"a.example", "10.0.0.1"}}},
+                             {"answering", {"10.0.0.5"}},
+                             {"faults", {{"DnsConfig.SaveConfig", "disk full"}}}}}};
+    EXPECT_EQ(HostBoot::StoreOf(scenario),
+              json({{"users", json::array()},
+                    {"simulation", {{"faults", {{"DnsConfig.SaveConfig", "disk full"}}}}}}));
+    // Nothing to keep: no simulation member at all.
+    EXPECT_EQ(HostBoot::StoreOf({{"users", json::array()}, {"simulation", {{"names", json::object()}}}}),
+              json({{"users", json::array()}}));
+    EXPECT_EQ(HostBoot::StoreOf({{"users", json::array()}, {"simulation", {{"faults", "not a table"}}}}),
+              json({{"users", json::array()}}));
+}
+
+// The platform finds a scenario's faults where the store keeps them, for reads as well as changes.
+TEST(HostBootTest, AScenariosFaultsMakeThePlatformFail) {
+    json scenario = json::parse(R"({
       "network": {
-        "routing": {"ipv4DefaultGateway": "10.0.0.1", "ipv6DefaultGateway": "::"},
-        "dns": {"nameServers": ["10.0.0.2", "10.0.0.1", "0.0.0.0", "bogus"], "ipv6NameServers": ["2001:db8::53"]},
-        "zenkNics": [{"name": "zk1", "ipConfig": {"ipv4": {"address": "10.0.0.99"}}},
-                     {"name": "zk0", "management": true, "ipConfig": {"ipv4": {"address": "10.0.0.41"}}}]
-      },
-      "simulation": {"answering": ["10.0.0.5", ""]}
+        "switches": [{"name": "xSwitch0", "portGroups": [{"name": "Management Network", "vlanId": 0}]}],
+        "dvs": [{"name": "dvSwitch0", "uplinks": [], "ports": [{"key": "10", "portGroup": "dvpg", "vlanId": 12}]}]
+      }
     })");
-    EXPECT_EQ(HostBoot::AnsweringAddresses(HostBoot::StoreOf(scenario), scenario),
-              (std::vector<std::string>{"10.0.0.1", "10.0.0.41", "10.0.0.2", "2001:db8::53", "10.0.0.5"}));
-    // A host without a network answers nothing, and a sparse one does not fail.
-    EXPECT_TRUE(HostBoot::AnsweringAddresses(json::object(), json::object()).empty());
-    EXPECT_TRUE(HostBoot::AnsweringAddresses(json::parse(R"({"network": {"dns": {"nameServers": "x"}}})"),
-                                             json::array())
-                    .empty());
-}
+    TempDir dir;
+    auto store = std::make_shared<ZenkCtl::Store::HostStore>(dir / "host.json");
+    store->Replace(HostBoot::StoreOf(scenario));
+    ZenkCtl::Network::VirtualSwitchInfoImpl switches(store);
+    ZenkCtl::Network::DVPortImpl port("dvSwitch0", "10", store);
+    EXPECT_EQ(switches.GetPortGroupSwitch("Management Network"), "xSwitch0");
+    EXPECT_EQ(port.GetVlanId(), 12);
 
-TEST(HostBootTest, DnsAnswersTheHostsNameAndTheScenariosNames) {
-    const json scenario = json::parse(R"({
-      "network": {"dns": {"hostname": "h1", "domain": "lab.example"},
-                  "zenkNics": [{"management": true, "ipConfig": {"ipv4": {"address": "10.0.0.41"}}}]},
-      "simulation": {"names": {"www.lab.example": "10.0.0.80", "multi.lab.example": ["10.0.0.81", "2001:db8::81"],
-                               "bad.lab.example": "not-an-address"}}
-    })");
-    const auto names = HostBoot::DnsNames(HostBoot::StoreOf(scenario), scenario);
-    const std::vector<std::pair<std::string, std::string>> expected = {{"h1.lab.example", "10.0.0.41"},
-                                                                       {"multi.lab.example", "10.0.0.81"},
-                                                                       {"multi.lab.example", "2001:db8::81"},
-                                                                       {"www.lab.example", "10.0.0.80"}};
-    EXPECT_EQ(names, expected);
-    // No management address: the host's own name is not served.
-    EXPECT_TRUE(HostBoot::DnsNames(json::parse(R"({"network": {"dns": {"hostname": "h1"}}})"), json::object())
-                    .empty());
-}
-
-TEST(HostBootTest, TheStoreOfAScenarioLeavesOutTheSimulation) {
-    const json scenario = {{"users", json::array()}, {"simulation", {{"names", json::object()}}}};
-    EXPECT_EQ(HostBoot::StoreOf(scenario), json({{"users", json::array()}}));
+    scenario["simulation"]["faults"] = {{"VirtualSwitchInfo.GetPortGroupSwitch", "switch table lost"},
+                                        {"DVPort.GetVlanId", "port unreachable"}};
+    store->Replace(HostBoot::StoreOf(scenario));
+    try {
+        switches.GetPortGroupSwitch("Management Network");
+        ADD_FAILURE() << "GetPortGroupSwitch did not fail";
+    } catch (const HostCtlException& e) {
+        EXPECT_STREQ(e.what(), "switch table lost");
+    }
+    try {
+        port.GetVlanId();
+        ADD_FAILURE() << "GetVlanId did not fail";
+    } catch (const HostCtlException& e) {
+        EXPECT_STREQ(e.what(), "port unreachable");
+    }
 }
 
 }  // namespace

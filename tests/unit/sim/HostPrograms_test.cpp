@@ -39,10 +39,10 @@ class HostProgramsTest : public ::testing::Test {
     }
 
     // Runs a program as the host would; its output lands in Out()/Err().
-    int Run(std::vector<std::string> argv) {
+    int Run(std::vector<std::string> argv, const std::string& path = {}) {
         _out.str("");
         _err.str("");
-        HostContext context{argv, _out, _err, _store};
+        HostContext context{argv, _out, _err, _store, path};
         context.commandLog = _tmp / "commands.log";
         context.runDir = _tmp.Path();
         context.initPid = _initPid;
@@ -102,19 +102,31 @@ TEST_F(HostProgramsTest, HclCmdServiceSwitchesAndAStoppedAgent) {
     EXPECT_EQ(At("/services/SSH/running"), false);
 }
 
-TEST_F(HostProgramsTest, EveryRunIsRecordedWithItsArguments) {
-    Run({"hcl-cmd", "-U", "nobody", "internalsvc/refresh"});
-    Run({"/etc/init.d/SSH", "status"});
+TEST_F(HostProgramsTest, EveryRunIsRecordedWithItsPathAndArguments) {
+    Run({"hcl-cmd", "-U", "nobody", "internalsvc/refresh"}, "/bin/hcl-cmd");
+    Run({"/etc/init.d/SSH", "status"}, "/etc/init.d/SSH");
+    Run({"powerOffVms"}, "/sbin/powerOffVms");
     std::istringstream log(ReadFile(_tmp / "commands.log"));
     std::string line;
     ASSERT_TRUE(std::getline(log, line));
     auto first = json::parse(line);
     EXPECT_EQ(first["program"], "hcl-cmd");
+    EXPECT_EQ(first["path"], "/bin/hcl-cmd");
     EXPECT_EQ(first["argv"], json({"hcl-cmd", "-U", "nobody", "internalsvc/refresh"}));
     EXPECT_EQ(first["uid"], ::getuid());
     ASSERT_TRUE(std::getline(log, line));
     EXPECT_EQ(json::parse(line)["argv"], json({"/etc/init.d/SSH", "status"}));
+    ASSERT_TRUE(std::getline(log, line));
+    EXPECT_EQ(json::parse(line)["program"], "powerOffVms");
+    EXPECT_EQ(json::parse(line)["path"], "/sbin/powerOffVms");
     EXPECT_FALSE(std::getline(log, line));
+
+    // The path is recorded absolute, as the program was found from the directory it ran in.
+    EXPECT_EQ(HostPrograms::AbsolutePath("/sbin/powerOffVms", "/tmp"), "/sbin/powerOffVms");
+    EXPECT_EQ(HostPrograms::AbsolutePath("./powerOffVms", "/sbin"), "/sbin/powerOffVms");
+    EXPECT_EQ(HostPrograms::AbsolutePath("../bin/zenkping", "/usr/sbin"), "/usr/bin/zenkping");
+    EXPECT_EQ(HostPrograms::AbsolutePath("backup.sh", ""), "/backup.sh");
+    EXPECT_EQ(HostPrograms::AbsolutePath("", "/sbin"), "");
 }
 
 TEST_F(HostProgramsTest, InitScriptsUseInitScriptStatuses) {

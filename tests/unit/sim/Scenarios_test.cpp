@@ -8,11 +8,14 @@
 
 #include "helpers/Subprocess.h"
 #include "launcher/HostBoot.h"
+#include "launcher/HostNetwork.h"
 #include "pam/PamAccounts.h"
 #include "platform/store/HostStore.h"
 #include "platform/store/StoreSchema.h"
+#include "platform/zenkctl/ZenkNicImpl.h"
 
 using KovoSim::HostBoot;
+using KovoSim::HostNetwork;
 using KovoSim::Pam::PamAccounts;
 using KovoSim::Test::ReadFile;
 using KovoSim::Test::TempDir;
@@ -20,8 +23,9 @@ using nlohmann::json;
 
 namespace {
 
-const std::vector<std::string> kNames = {"default",    "no-nic",   "dhcp-no-lease",  "dvs",     "smartcard",
-                                         "audit-mode", "pxe-boot", "login-disabled", "ipv6-off"};
+const std::vector<std::string> kNames = {
+    "default",   "no-nic",     "dhcp-no-lease", "dhcp-server",    "dvs",
+    "smartcard", "audit-mode", "pxe-boot",      "login-disabled", "ipv6-off"};
 
 json Load(const std::string& name) {
     return json::parse(ReadFile(std::string(KOVO_SIM_SCENARIOS) + "/" + name + ".json"));
@@ -87,10 +91,10 @@ TEST(ScenariosTest, DefaultIsAHealthyHost) {
     EXPECT_EQ(host["services"]["lockdown"]["possible"], true);
     EXPECT_GT(host["system"]["keyboard"]["layouts"].size(), 1u);
     // Its gateway and name servers answer in the host's network, and its name resolves there.
-    const auto answering = HostBoot::AnsweringAddresses(HostBoot::StoreOf(host), host);
+    const auto answering = HostNetwork::AnsweringAddresses(HostBoot::StoreOf(host), host);
     for (const auto& address : {"10.20.30.1", "10.20.30.2", "10.20.30.3"})
         EXPECT_NE(std::find(answering.begin(), answering.end(), address), answering.end()) << address;
-    EXPECT_EQ(HostBoot::DnsNames(HostBoot::StoreOf(host), host).front(),
+    EXPECT_EQ(HostNetwork::DnsNames(HostBoot::StoreOf(host), host).front(),
               (std::pair<std::string, std::string>{"kovo-host-01.lab.example", "10.20.30.41"}));
 
     // The documented passwords work, with the documented outcomes.
@@ -107,11 +111,29 @@ TEST(ScenariosTest, DefaultIsAHealthyHost) {
 
 TEST(ScenariosTest, EachHardCaseShowsWhatItsNameSays) {
     EXPECT_TRUE(Load("no-nic")["network"]["pnics"].empty());
-    EXPECT_TRUE(HostBoot::AnsweringAddresses(HostBoot::StoreOf(Load("no-nic")), Load("no-nic")).empty());
+    EXPECT_TRUE(HostNetwork::AnsweringAddresses(HostBoot::StoreOf(Load("no-nic")), Load("no-nic")).empty());
 
     const json dhcp = Load("dhcp-no-lease");
     EXPECT_EQ(Management(dhcp)["ipConfig"]["ipv4"]["mode"], "dhcp");
     EXPECT_TRUE(dhcp["network"]["dhcpLeases"]["zk0"].is_null());
+
+    // Static as in default, but the network's DHCP server has a lease for zk0: choosing DHCP runs it.
+    const json offered = Load("dhcp-server");
+    EXPECT_EQ(Management(offered)["ipConfig"], Management(Load("default"))["ipConfig"]);
+    TempDir dir;
+    auto store = std::make_shared<ZenkCtl::Store::HostStore>(dir / "host.json");
+    store->Replace(HostBoot::StoreOf(offered));
+    ZenkCtl::Network::ZenkNicImpl nic("zk0", store);
+    auto config = nic.GetConfiguredIpConfig();
+    config.SetUseDhcp(true);
+    config.SetDnsFromDhcp(true);
+    nic.SetIpConfig(config);
+    EXPECT_EQ(nic.GetIpConfig().GetIpv4Address().GetStringAddress(), "10.20.30.77");
+    EXPECT_EQ(nic.GetIpConfig().GetIpv4Netmask().GetStringAddress(), "255.255.255.0");
+    const json leased = store->Read();
+    EXPECT_EQ(leased["network"]["routing"]["ipv4DefaultGateway"], "10.20.30.1");
+    EXPECT_EQ(leased["network"]["dns"]["nameServers"], json({"10.20.30.2"}));
+    EXPECT_EQ(HostNetwork::ManagementIpv4(leased), "10.20.30.77");
 
     const json dvs = Load("dvs");
     const json& connection = Management(dvs)["connection"];

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+namespace KovoSim {
+
+// What the host's network is for a store document and its scenario, worked out without touching
+// anything: the addresses that answer, what the name server answers, the host's names. Every reader is
+// lenient: a missing or ill-typed member reads as empty, so a sparse or damaged store never throws here.
+class HostNetwork {
+  public:
+    // The text at a JSON pointer, or empty; the texts of a list at a JSON pointer (others skipped).
+    static std::string Text(const nlohmann::json& node, const char* pointer);
+    static std::vector<std::string> Texts(const nlohmann::json& node, const char* pointer);
+
+    static bool IsAddress(const std::string& text);  // IPv4 or IPv6, without a zone
+    static bool IsIpv6(const std::string& text);
+    // 127.0.0.0/8 and ::1 answer on loopback anyway; the host never adds or removes them.
+    static bool IsLoopback(const std::string& address);
+
+    // The management interface, as the platform finds it: the kernel interface marked "management",
+    // else the one on the port group "Management Network", else the first. Null when there is none.
+    static const nlohmann::json* ManagementNic(const nlohmann::json& store);
+    // The management interface's IPv4 address as it runs ("running"; the configured static address
+    // when the interface has no running state yet); empty when it has none (0.0.0.0, no lease).
+    static std::string ManagementIpv4(const nlohmann::json& store);
+    // "host.domain", or the host name alone without a domain.
+    static std::string Fqdn(const nlohmann::json& store);
+
+    // The addresses that answer in the host's network: gateways, name servers, the management address,
+    // and the scenario's extra ones ("simulation": {"answering": [...]}); never empty, 0.0.0.0 or "::".
+    static std::vector<std::string> AnsweringAddresses(const nlohmann::json& store,
+                                                       const nlohmann::json& scenario);
+    // The name servers among them: where the host's name server listens.
+    static std::vector<std::string> NameServerAddresses(const nlohmann::json& store,
+                                                        const nlohmann::json& scenario);
+    // The names the host's DNS server answers: the host's FQDN with its management address, and the
+    // scenario's ("simulation": {"names": {"name": "address" or ["address", ...]}}).
+    static std::vector<std::pair<std::string, std::string>> DnsNames(const nlohmann::json& store,
+                                                                     const nlohmann::json& scenario);
+};
+
+}  // namespace KovoSim

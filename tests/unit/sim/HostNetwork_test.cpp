@@ -1,0 +1,171 @@
+// The host's network and name files as worked out from its store, and the steps from one store to the
+// next that the running host takes.
+#include "launcher/HostNetwork.h"
+
+#include <gtest/gtest.h>
+
+#include "launcher/HostBoot.h"
+#include "launcher/HostFiles.h"
+#include "launcher/NetworkFollower.h"
+
+using KovoSim::HostBoot;
+using KovoSim::HostFiles;
+using KovoSim::HostNetwork;
+using KovoSim::NetworkChanges;
+using KovoSim::NetworkState;
+using nlohmann::json;
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+TEST(HostNetworkTest, AnsweringAddressesAreTheGatewaysNameServersManagementAndExtras) {
+    const json scenario = json::parse(R"({
+      "network": {
+        "routing": {"ipv4DefaultGateway": "10.0.0.1", "ipv6DefaultGateway": "::"},
+        "dns": {"nameServers": ["10.0.0.2", "10.0.0.1", "0.0.0.0", "bogus"], "ipv6NameServers": ["2001:db8::53"]},
+        "zenkNics": [{"name": "zk1", "ipConfig": {"ipv4": {"address": "10.0.0.99"}}},
+                     {"name": "zk0", "management": true, "ipConfig": {"ipv4": {"address": "10.0.0.41"}}}]
+      },
+      "simulation": {"answering": ["10.0.0.5", ""]}
+    })");
+    const json store = HostBoot::StoreOf(scenario);
+    EXPECT_EQ(HostNetwork::AnsweringAddresses(store, scenario),
+              (Strings{"10.0.0.1", "10.0.0.41", "10.0.0.2", "2001:db8::53", "10.0.0.5"}));
+    // The name server listens on the name servers only, not on the gateway that is one too twice.
+    EXPECT_EQ(HostNetwork::NameServerAddresses(store, scenario),
+              (Strings{"10.0.0.1", "10.0.0.2", "2001:db8::53"}));
+    // A host without a network answers nothing, and a sparse or ill-typed one does not fail.
+    EXPECT_TRUE(HostNetwork::AnsweringAddresses(json::object(), json::object()).empty());
+    EXPECT_TRUE(HostNetwork::AnsweringAddresses(json::parse(R"({"network": {"dns": {"nameServers": "x"}}})"),
+                                                json::array())
+                    .empty());
+    EXPECT_TRUE(HostNetwork::AnsweringAddresses(json::array(), json("text")).empty());
+}
+
+TEST(HostNetworkTest, TheManagementAddressIsTheOneTheInterfaceRuns) {
+    auto store = [](const std::string& nics) {
+        return json::parse(R"({"network": {"zenkNics": )" + nics + "}}");
+    };
+    // The running state wins over the configuration: a lease taken, or a change not yet worked out.
+    EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"([{"management": true,
+        "ipConfig": {"ipv4": {"mode": "dhcp"}}, "running": {"ipv4": {"address": "10.20.30.77"}}}])")),
+              "10.20.30.77");
+    EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"([{"management": true,
+        "ipConfig": {"ipv4": {"mode": "static", "address": "10.0.0.1"}}, "running": {"ipv4": {"address": "0.0.0.0"}}}])")),
+              "");
+    // No running state yet: a static address is what will run, a DHCP interface has none.
+    EXPECT_EQ(HostNetwork::ManagementIpv4(
+                  store(R"([{"ipConfig": {"ipv4": {"mode": "static", "address": "10.0.0.1"}}}])")),
+              "10.0.0.1");
+    EXPECT_EQ(HostNetwork::ManagementIpv4(
+                  store(R"([{"ipConfig": {"ipv4": {"mode": "dhcp", "address": "10.0.0.1"}}}])")),
+              "");
+    // Found as the platform finds it: marked, else on the management port group, else the first.
+    EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"([{"running": {"ipv4": {"address": "10.0.0.1"}}},
+        {"connection": {"portGroup": "Management Network"}, "running": {"ipv4": {"address": "10.0.0.2"}}}])")),
+              "10.0.0.2");
+    EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"([{"running": {"ipv4": {"address": "10.0.0.1"}}},
+        {"running": {"ipv4": {"address": "10.0.0.2"}}}])")),
+              "10.0.0.1");
+    EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"([{"running": {"ipv4": {"address": "not-an-address"}}}])")),
+              "");
+    EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"(["not an interface"])")), "");
+    EXPECT_EQ(HostNetwork::ManagementIpv4(store("{}")), "");
+}
+
+TEST(HostNetworkTest, DnsAnswersTheHostsNameAndTheScenariosNames) {
+    const json scenario = json::parse(R"({
+      "network": {"dns": {"hostname": "h1", "domain": "lab.example"},
+                  "zenkNics": [{"management": true, "ipConfig": {"ipv4": {"address": "10.0.0.41"}}}]},
+      "simulation": {"names": {"www.lab.example": "10.0.0.80", "multi.lab.example": ["10.0.0.81", "2001:db8::81"],
+                               "bad.lab.example": "not-an-address"}}
+    })");
+    const auto names = HostNetwork::DnsNames(HostBoot::StoreOf(scenario), scenario);
+    const std::vector<std::pair<std::string, std::string>> expected = {{"h1.lab.example", "10.0.0.41"},
+                                                                       {"multi.lab.example", "10.0.0.81"},
+                                                                       {"multi.lab.example", "2001:db8::81"},
+                                                                       {"www.lab.example", "10.0.0.80"}};
+    EXPECT_EQ(names, expected);
+    // No management address: the host's own name is not served.
+    EXPECT_TRUE(
+        HostNetwork::DnsNames(json::parse(R"({"network": {"dns": {"hostname": "h1"}}})"), json::object())
+            .empty());
+}
+
+TEST(HostNetworkTest, NameFilesSayWhatTheStoreHolds) {
+    const json store = json::parse(R"({"network": {
+      "dns": {"hostname": "h1", "domain": "lab.example", "nameServers": ["10.0.0.2", "10.0.0.3", "10.0.0.4"],
+              "ipv6NameServers": ["2001:db8::53"], "searchDomains": ["lab.example", "corp.example"]},
+      "zenkNics": [{"management": true, "running": {"ipv4": {"address": "10.0.0.41"}}}]}})");
+    EXPECT_EQ(HostFiles::Hostname(store), "h1\n");
+    EXPECT_EQ(
+        HostFiles::Hosts(store),
+        "127.0.0.1\tlocalhost\n::1\tlocalhost ip6-localhost ip6-loopback\n10.0.0.41\th1.lab.example\th1\n");
+    EXPECT_EQ(
+        HostFiles::ResolvConf(store),
+        "search lab.example corp.example\nnameserver 10.0.0.2\nnameserver 10.0.0.3\nnameserver 10.0.0.4\n"
+        "options timeout:1 attempts:1\n");
+
+    const json bare = json::parse(R"({"network": {"dns": {"ipv6NameServers": ["2001:db8::53"]}}})");
+    EXPECT_EQ(HostFiles::Hostname(bare), "localhost\n");
+    EXPECT_EQ(HostFiles::Hosts(bare), "127.0.0.1\tlocalhost\n::1\tlocalhost ip6-localhost ip6-loopback\n");
+    EXPECT_EQ(HostFiles::ResolvConf(bare), "nameserver 2001:db8::53\noptions timeout:1 attempts:1\n");
+}
+
+json Host(const std::string& address, const std::string& gateway, const json& servers, int saved) {
+    return {{"network",
+             {{"routing", {{"ipv4DefaultGateway", gateway}}},
+              {"dns",
+               {{"hostname", "h1"}, {"domain", "lab.example"}, {"nameServers", servers}, {"saved", saved}}},
+              {"zenkNics", {{{"management", true}, {"running", {{"ipv4", {{"address", address}}}}}}}}}}};
+}
+
+TEST(HostNetworkTest, TheRunningHostAddsWhatIsNewAndTakesAwayOnlyWhatItPutThere) {
+    const json scenario = {{"simulation", {{"answering", {"10.0.0.5", "127.0.0.9"}}}}};
+    const Strings kept = {"10.0.0.5", "127.0.0.9"};
+    const NetworkState was = NetworkState::Of(Host("10.0.0.41", "10.0.0.1", {"10.0.0.2"}, 0), scenario);
+
+    // Same store: nothing to do.
+    EXPECT_TRUE(NetworkChanges::Between(was, was, kept).Empty());
+
+    // A new management address: it answers, the old one goes, and the name server and /etc/hosts follow
+    // the host's record; the name files wait for a save.
+    const auto moved = NetworkChanges::Between(
+        was, NetworkState::Of(Host("10.0.0.50", "10.0.0.1", {"10.0.0.2"}, 0), scenario), kept);
+    EXPECT_EQ(moved.add, Strings{"10.0.0.50"});
+    EXPECT_EQ(moved.remove, Strings{"10.0.0.41"});
+    EXPECT_TRUE(moved.restartNameServer);
+    EXPECT_TRUE(moved.writeHosts);
+    EXPECT_FALSE(moved.writeNameFiles);
+
+    // A new gateway changes only the addresses: the name server answers the same.
+    const auto gateway = NetworkChanges::Between(
+        was, NetworkState::Of(Host("10.0.0.41", "10.0.0.254", {"10.0.0.2"}, 0), scenario), kept);
+    EXPECT_EQ(gateway.add, Strings{"10.0.0.254"});
+    EXPECT_EQ(gateway.remove, Strings{"10.0.0.1"});
+    EXPECT_FALSE(gateway.restartNameServer);
+    EXPECT_FALSE(gateway.writeHosts);
+
+    // New name servers move the name server; saving rewrites the name files, and only saving does.
+    const auto servers = NetworkChanges::Between(
+        was, NetworkState::Of(Host("10.0.0.41", "10.0.0.1", {"10.0.0.9"}, 0), scenario), kept);
+    EXPECT_EQ(servers.add, Strings{"10.0.0.9"});
+    EXPECT_EQ(servers.remove, Strings{"10.0.0.2"});
+    EXPECT_TRUE(servers.restartNameServer);
+    EXPECT_FALSE(servers.writeNameFiles);
+    const auto saved = NetworkChanges::Between(
+        was, NetworkState::Of(Host("10.0.0.41", "10.0.0.1", {"10.0.0.2"}, 1), scenario), kept);
+    EXPECT_TRUE(saved.writeNameFiles);
+    EXPECT_TRUE(saved.add.empty() && saved.remove.empty() && !saved.restartNameServer);
+
+    // The scenario's own addresses and loopback stay, whatever the store says; loopback is never added.
+    NetworkState odd = was;
+    odd.addresses = {"10.0.0.5", "127.0.0.9", "::1", "10.0.0.6"};
+    const auto back = NetworkChanges::Between(odd, NetworkState::Of(json::object(), json::object()), kept);
+    EXPECT_EQ(back.remove, Strings{"10.0.0.6"});
+    const auto loopback = NetworkChanges::Between(NetworkState{}, odd, kept);
+    EXPECT_EQ(loopback.add, (Strings{"10.0.0.5", "10.0.0.6"}));
+}
+
+}  // namespace
