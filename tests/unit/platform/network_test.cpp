@@ -305,6 +305,7 @@ TEST_F(NetworkTest, EveryNetworkOperationFailsWithItsInjectedTextAndChangesNothi
     PnicImpl pnic("zennic1", store);
     const std::vector<std::pair<std::string, Operation>> operations{
         {"ZenkNic.GetConnectionPoint", [&] { nic.GetConnectionPoint(); }},
+        {"ZenkNic.GetIpConfig", [&] { nic.GetIpConfig(); }},
         {"ZenkNic.SetIpConfig", [&] { nic.SetIpConfig(nic.GetConfiguredIpConfig()); }},
         {"ZenkNic.SetMacAddress", [&] { nic.SetMacAddress("00:50:56:a1:00:07"); }},
         {"ZenkNic.SetMacAddressFromPnic", [&] { nic.SetMacAddressFromPnic(&pnic); }},
@@ -347,7 +348,9 @@ TEST_F(NetworkTest, EveryNetworkOperationFailsWithItsInjectedTextAndChangesNothi
          [&] { switches.SetTeamingPolicy("xSwitch0", switches.GetTeamingPolicy("xSwitch0")); }},
         {"VirtualSwitchInfo.AddPortGroup", [&] { switches.AddPortGroup("xSwitch0", "Extra", 3); }},
         {"VirtualSwitchInfo.GetPortGroupVlan", [&] { switches.GetPortGroupVlan("Management Network"); }},
+        {"VirtualSwitchInfo.GetPortGroupSwitch", [&] { switches.GetPortGroupSwitch("Management Network"); }},
         {"VirtualSwitchInfo.SetPortGroupVlan", [&] { switches.SetPortGroupVlan("Management Network", 12); }},
+        {"DVPort.GetVlanId", [&] { port.GetVlanId(); }},
         {"DVPort.SetVlanId", [&] { port.SetVlanId(7); }},
     };
     for (const auto& [name, operation] : operations) {
