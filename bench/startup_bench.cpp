@@ -2,39 +2,19 @@
 // launcher in an 80x25 pseudo-terminal, timed from the spawn to its first complete screen; and the
 // console's peak resident memory. Measurements only.
 #include <benchmark/benchmark.h>
-#include <signal.h>
 
 #include <chrono>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "BenchHost.h"
 #include "ProcessTree.h"
 #include "TermSession.h"
 
 namespace {
 
-constexpr const char* kLastOfFirstScreen = "<F12> Shut Down/Restart";
-
-KovoTerm::SpawnOptions ConsoleOnHost(const std::string& hostDir) {
-    KovoTerm::SpawnOptions options;
-    options.argv = {KOVO_BENCH_LAUNCHER, "run", "--dir", hostDir, "--kovo", KOVO_BENCH_CONSOLE, "--once"};
-    options.environment = {{"PATH", "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"}};
-    return options;
-}
-
-std::string FreshHost(const std::string& name) {
-    const std::string dir = std::string(KOVO_BENCH_SCRATCH) + "/" + name;
-    std::filesystem::remove_all(dir);
-    std::filesystem::create_directories(dir);
-    return dir;
-}
-
-// Ends the console politely and waits for the host to stop, outside the timed region.
-void Stop(KovoTerm::TermSession& session, pid_t console) {
-    if (console > 0) session.Signal(SIGTERM, console);
-    session.WaitExit();
-}
+using namespace KovoBench;
 
 void BM_StartToFirstPaint(benchmark::State& state) {
     const std::string host = FreshHost("first-paint");
@@ -135,17 +115,9 @@ BENCHMARK(BM_FullCycle)->Unit(benchmark::kMillisecond)->Iterations(10);
 // A move in the System Customization menu as the operator feels it: from the arrow key sent to the detail
 // pane showing the newly selected entry, and the bytes the console wrote for it.
 void BM_MenuMove(benchmark::State& state) {
-    using namespace std::chrono_literals;
     const std::string host = FreshHost("menu-move");
     KovoTerm::TermSession session(ConsoleOnHost(host));
-    const bool ready = session.WaitForText(kLastOfFirstScreen) && session.WaitForQuiet(300ms) &&
-                       (session.Press(KovoTerm::Key::F2), session.WaitForText("Authentication Required")) &&
-                       session.WaitForQuiet(300ms) &&
-                       (session.Press(KovoTerm::Key::Down), session.WaitForQuiet(200ms)) &&
-                       (session.Type("Kovo-Demo1"), session.Press(KovoTerm::Key::Enter),
-                        session.WaitForText("System Customization")) &&
-                       session.WaitForQuiet(300ms);
-    if (!ready) {
+    if (!LogInToMenu(session)) {
         state.SkipWithError("could not log in to the menu");
         Stop(session, session.WaitForDescendant("kovo"));
         return;

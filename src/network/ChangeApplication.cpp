@@ -3,7 +3,6 @@
 #include <syslog.h>
 
 #include <algorithm>
-#include <cctype>
 
 #include "app/frames/Frame.h"
 #include "app/frames/HostAccess.h"
@@ -39,22 +38,6 @@ void LogInfo(const std::string& line) {
 
 bool Contains(const std::vector<std::string>& names, const std::string& name) {
     return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-// The suffix text's names: split at every comma and white space, empty pieces dropped.
-std::vector<std::string> SplitSuffixes(const std::string& text) {
-    std::vector<std::string> names;
-    std::string name;
-    for (const char c : text) {
-        if (c == ',' || std::isspace(static_cast<unsigned char>(c))) {
-            if (!name.empty()) names.push_back(name);
-            name.clear();
-        } else {
-            name += c;
-        }
-    }
-    if (!name.empty()) names.push_back(name);
-    return names;
 }
 
 std::string Text(const HostCtl::Network::IpAddress* address) {
@@ -270,7 +253,8 @@ void ChangeApplication::ApplyDns() {
     }
     LogInfo("Setting suffixes to " + _pending.suffixes);
     dns.SetSearchDomainsString(dns.GetDomain());
-    for (const std::string& suffix : SplitSuffixes(_pending.suffixes)) dns.AddSearchDomain(suffix);
+    for (const std::string& suffix : ZenkCtl::Network::DnsConfigImpl::SplitNames(_pending.suffixes))
+        dns.AddSearchDomain(suffix);
     dns.SaveConfig();
 }
 

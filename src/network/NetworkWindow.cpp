@@ -267,22 +267,9 @@ int NetworkWindow::HandleKey() {
     UpdateDetails();
     for (;;) {
         const int key = GetKey(this, true);
-        switch (key) {
-            case kEsc:
-                if (Leave()) return 1;
-                break;
-            case KEY_DOWN:
-                List()->Down();
-                UpdateDetails();
-                break;
-            case KEY_UP:
-                List()->Up();
-                UpdateDetails();
-                break;
-            default:
-                if (IsEnter(key)) Open(SelectedEntry());
-                break;
-        }
+        if (MoveSelection(key)) continue;
+        if (key == kEsc && Leave()) return 1;
+        if (IsEnter(key)) Open(SelectedEntry());
     }
 }
 

@@ -183,17 +183,11 @@ int TroubleShootingWindow::HandleKey() {
     List()->Draw();
     UpdateDetails();
     for (;;) {
-        switch (GetKey(this, true)) {
+        const int key = GetKey(this, true);
+        if (MoveSelection(key)) continue;
+        switch (key) {
             case kEsc:
                 return 1;
-            case KEY_DOWN:
-                List()->Down();
-                UpdateDetails();
-                break;
-            case KEY_UP:
-                List()->Up();
-                UpdateDetails();
-                break;
             case kEnter:
             case KEY_ENTER:
                 switch (SelectedEntry()) {

@@ -18,6 +18,7 @@ constexpr const char* kWindowMark = "VLAN (optional)";
 constexpr const char* kConfirmTitle = "Configure Management Network: Confirm";
 constexpr const char* kRestartQuestion = "Apply changes and restart management network?";
 constexpr const char* kErrorTitle = "Enable Management Network: Error";
+constexpr const char* kStaticChoice = "Set static IPv4 address";
 
 // Entries counted in presses of Down from Network Adapters (the blank line is skipped).
 constexpr int kIpv4Downs = 2, kDnsDowns = 4, kSuffixDowns = 5;
@@ -56,14 +57,27 @@ void BackToTop(HostConsole& host, int downs) {
     Press(host, Key::Up, downs);
 }
 
+// Enter on the open dialog showing `mark`, then back at the first entry from `downs` below it.
+void Accept(HostConsole& host, const std::string& mark, int downs) {
+    host.Term().Press(Key::Enter);
+    ASSERT_TRUE(host.Term().WaitForTextGone(mark)) << host.Term().Dump();
+    ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
+    BackToTop(host, downs);
+}
+
 // From the first entry: new suffixes typed into their dialog and accepted.
 void EditSuffixes(HostConsole& host, const std::string& text) {
     ASSERT_TRUE(OpenEntry(host, kSuffixDowns, "Use spaces or commas")) << host.Term().Dump();
     TypeShown(host, text);
-    host.Term().Press(Key::Enter);
-    ASSERT_TRUE(host.Term().WaitForTextGone("Use spaces or commas")) << host.Term().Dump();
-    ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
-    BackToTop(host, kSuffixDowns);
+    Accept(host, "Use spaces or commas", kSuffixDowns);
+}
+
+// From the first entry: one IPv4 field (`fieldDowns` below the static choice) retyped and accepted.
+void EditIpv4Field(HostConsole& host, int fieldDowns, const std::string& text) {
+    ASSERT_TRUE(OpenEntry(host, kIpv4Downs, kStaticChoice)) << host.Term().Dump();
+    Press(host, Key::Down, fieldDowns);
+    TypeShown(host, text);
+    Accept(host, kStaticChoice, kIpv4Downs);
 }
 
 // Esc and the confirmation, answered with `answer`; waits for the main menu.
@@ -118,12 +132,9 @@ bool InOrder(const HostConsole& host, const std::vector<std::string>& texts) {
 TEST(NetworkWindow, StaticAddressAppliedWithYesIsWhatTheHostRuns) {
     auto host = MakeHost("default");
     ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
-    ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, "Set static IPv4 address")) << host->Term().Dump();
-    Press(*host, Key::Down);
-    TypeShown(*host, "10.20.30.50");
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForTextGone("Set static IPv4 address")) << host->Term().Dump();
+    EditIpv4Field(*host, 1, "10.20.30.50");
     // Nothing reached the host yet; the pane shows what will change.
+    Press(*host, Key::Down, kIpv4Downs);
     EXPECT_TRUE(host->Term().WaitForText("IPv4 Address: 10.20.30.50")) << host->Term().Dump();
     EXPECT_EQ(StoreValue(*host, "/network/zenkNics/0/ipConfig/ipv4/address"), "\"10.20.30.41\"");
 
@@ -195,7 +206,7 @@ TEST(NetworkWindow, EscapeWithoutChangesLeavesAtOnce) {
 TEST(NetworkWindow, InvalidIpv4ValuesAreRefusedWithTheFieldInErrorFocused) {
     auto host = MakeHost("default");
     ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
-    ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, "Set static IPv4 address")) << host->Term().Dump();
+    ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, kStaticChoice)) << host->Term().Dump();
     Press(*host, Key::Down);
     TypeShown(*host, "1.2.3");
     host->Term().Press(Key::Enter);
@@ -223,7 +234,7 @@ TEST(NetworkWindow, InvalidIpv4ValuesAreRefusedWithTheFieldInErrorFocused) {
     ASSERT_TRUE(Acknowledge(*host, "Please reenter a valid gateway address"));
     TypeShown(*host, "10.20.0.1");
     host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForTextGone("Set static IPv4 address")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForTextGone(kStaticChoice)) << host->Term().Dump();
 
     EXPECT_TRUE(host->Term().WaitForText("IPv4 Address: 10.20.30.60")) << host->Term().Dump();
     EXPECT_TRUE(host->Term().Screen().Contains("Subnet Mask: 255.255.0.0")) << host->Term().Dump();
@@ -233,12 +244,12 @@ TEST(NetworkWindow, InvalidIpv4ValuesAreRefusedWithTheFieldInErrorFocused) {
 TEST(NetworkWindow, DhcpChosenTakesTheLeaseTheNetworkOffers) {
     auto host = MakeHost("dhcp-server");
     ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
-    ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, "Set static IPv4 address")) << host->Term().Dump();
+    ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, kStaticChoice)) << host->Term().Dump();
     Press(*host, Key::Up);
     host->Term().Type(" ");
     ASSERT_TRUE(host->Term().WaitForQuiet(100ms));
     host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForTextGone("Set static IPv4 address")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForTextGone(kStaticChoice)) << host->Term().Dump();
     EXPECT_TRUE(host->Term().WaitForText("Automatic")) << host->Term().Dump();
 
     LeaveAnswering(*host, "Y");
@@ -264,10 +275,7 @@ TEST(NetworkWindow, NameServersHostNameAndSuffixesReachTheResolver) {
     // "_" and "/" are not host-name characters: they never arrive.
     host->Term().Type("esx_b/.other");
     TypeShown(*host, ".example");
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForTextGone("Use the following DNS server")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-    BackToTop(*host, kDnsDowns);
+    Accept(*host, "Use the following DNS server", kDnsDowns);
     EditSuffixes(*host, "a.example, b.example  c.example");
 
     LeaveAnswering(*host, "y");
@@ -320,13 +328,7 @@ TEST(NetworkWindow, EachFailingStepIsShownAndTheAgentStillRefreshes) {
         SCOPED_TRACE(failure.fault);
         ASSERT_TRUE(OpenFromMenu(*host, i == 0 ? kNetworkDowns : 0, kWindowMark)) << host->Term().Dump();
         if (failure.gatewayEdit) {
-            ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, "Set static IPv4 address")) << host->Term().Dump();
-            Press(*host, Key::Down, 3);
-            TypeShown(*host, "10.20.30.254");
-            host->Term().Press(Key::Enter);
-            ASSERT_TRUE(host->Term().WaitForTextGone("Set static IPv4 address")) << host->Term().Dump();
-            ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-            BackToTop(*host, kIpv4Downs);
+            EditIpv4Field(*host, 3, "10.20.30.254");
         } else {
             EditSuffixes(*host, "f" + std::to_string(i) + ".example");
         }
@@ -341,8 +343,10 @@ TEST(NetworkWindow, EachFailingStepIsShownAndTheAgentStillRefreshes) {
 
         LeaveAnswering(*host, "y");
         const std::string line = std::string(failure.line) + "the host refused";
-        ASSERT_TRUE(host->Term().WaitForText(line)) << host->Term().Dump();
-        EXPECT_TRUE(host->Term().Screen().Contains(kErrorTitle)) << host->Term().Dump();
+        // One message, under the title every step shares.
+        ASSERT_TRUE(host->Term().WaitFor([&](const VirtualTerminal& screen) {
+            return screen.Contains(line) && screen.Contains(kErrorTitle);
+        })) << host->Term().Dump();
         ASSERT_TRUE(SetStore(*host, "/simulation/faults", "{}"));
         ASSERT_TRUE(Acknowledge(*host, kErrorTitle)) << host->Term().Dump();
         ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
@@ -370,13 +374,7 @@ TEST(NetworkWindow, DistributedSwitchHostTakesIpAndDnsOnly) {
     auto host = MakeHost("dvs");
     ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
     const std::string switchesBefore = StoreValue(*host, "/network/dvs");
-    ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, "Set static IPv4 address")) << host->Term().Dump();
-    Press(*host, Key::Down);
-    TypeShown(*host, "10.20.30.61");
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForTextGone("Set static IPv4 address")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-    BackToTop(*host, kIpv4Downs);
+    EditIpv4Field(*host, 1, "10.20.30.61");
     EditSuffixes(*host, "dvs.example");
 
     LeaveAnswering(*host, "y");

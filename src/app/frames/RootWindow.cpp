@@ -38,4 +38,11 @@ RootWindow::RootWindow(Frame* parent) : Frame(parent, 0, 0, COLS, LINES, kBlack,
     _rightFooter = new TextArea(_right, 1, LINES - 3, half - 3, 1, -1, kWhite);
 }
 
+bool RootWindow::MoveSelection(int key) {
+    if (key != KEY_UP && key != KEY_DOWN) return false;
+    key == KEY_UP ? _list->Up() : _list->Down();
+    UpdateDetails();
+    return true;
+}
+
 }  // namespace Kovo

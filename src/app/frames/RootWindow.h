@@ -17,6 +17,8 @@ class RootWindow : public Frame {
     virtual void UpdateDetails() = 0;
 
   protected:
+    // Up and Down move the selection and rebuild the detail pane; false for any other key.
+    bool MoveSelection(int key);
     Window* MainArea() const { return _main; }
     Window* LeftPane() const { return _left; }
     Window* RightPane() const { return _right; }

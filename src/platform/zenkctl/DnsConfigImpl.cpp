@@ -13,24 +13,6 @@ using HostCtl::Lib::HostCtlException;
 using nlohmann::json;
 
 namespace ZenkCtl::Network {
-namespace {
-
-std::vector<std::string> SplitList(const std::string& text) {
-    std::vector<std::string> parts;
-    std::string current;
-    for (char c : text) {
-        if (c == ',' || std::isspace(static_cast<unsigned char>(c))) {
-            if (!current.empty()) parts.push_back(current);
-            current.clear();
-        } else {
-            current += c;
-        }
-    }
-    if (!current.empty()) parts.push_back(current);
-    return parts;
-}
-
-}  // namespace
 
 DnsConfigImpl::DnsConfigImpl(const std::string& netstack, std::shared_ptr<Store::HostStore> store)
     : _store(std::move(store)) {
@@ -56,6 +38,21 @@ bool DnsConfigImpl::IsValidDomain(const std::string& domain) {
         if (dot == std::string::npos) return true;
         start = dot + 1;
     }
+}
+
+std::vector<std::string> DnsConfigImpl::SplitNames(const std::string& text) {
+    std::vector<std::string> parts;
+    std::string current;
+    for (char c : text) {
+        if (c == ',' || std::isspace(static_cast<unsigned char>(c))) {
+            if (!current.empty()) parts.push_back(current);
+            current.clear();
+        } else {
+            current += c;
+        }
+    }
+    if (!current.empty()) parts.push_back(current);
+    return parts;
 }
 
 std::string DnsConfigImpl::GetHostname() {
@@ -133,7 +130,7 @@ std::vector<std::string> DnsConfigImpl::GetSearchDomains() {
 
 void DnsConfigImpl::SetSearchDomainsString(const std::string& text) {
     Store::ThrowIfInjected(*_store, "DnsConfig.SetSearchDomainsString");
-    const auto domains = SplitList(text);
+    const auto domains = SplitNames(text);
     for (const auto& d : domains) {
         if (!IsValidDomain(d)) throw HostCtlException("Invalid search domain: " + d);
     }

@@ -45,6 +45,8 @@ class DnsConfigImpl {
 
     static bool IsValidHostname(const std::string& name);
     static bool IsValidDomain(const std::string& domain);  // dot-separated labels, may be empty
+    // The names of a list typed as text: split at every comma and white space, empty pieces dropped.
+    static std::vector<std::string> SplitNames(const std::string& text);
 
   private:
     std::shared_ptr<Store::HostStore> _store;

@@ -46,9 +46,7 @@ class FollowingHostTest : public ::testing::Test {
     static std::string Upper(const std::string& path) { return Host() + "/upper" + path; }
 
     static RunResult Inside(const std::vector<std::string>& command) {
-        std::vector<std::string> argv = {kSim, "exec", Host(), "--"};
-        argv.insert(argv.end(), command.begin(), command.end());
-        return RunProgram(argv);
+        return RunInHost(kSim, Host(), command);
     }
     static RunResult Shell(const std::string& script) { return Inside({"/bin/sh", "-c", script}); }
     static RunResult Net(std::vector<std::string> args) {

@@ -41,6 +41,13 @@ int StatusOf(int status) {
 
 }  // namespace
 
+RunResult RunInHost(const std::string& launcher, const std::string& hostDir,
+                    const std::vector<std::string>& command) {
+    std::vector<std::string> argv = {launcher, "exec", hostDir, "--"};
+    argv.insert(argv.end(), command.begin(), command.end());
+    return RunProgram(argv);
+}
+
 RunResult RunProgram(const std::vector<std::string>& argv, const RunOptions& options) {
     int out[2], err[2];
     if (::pipe2(out, O_CLOEXEC) != 0 || ::pipe2(err, O_CLOEXEC) != 0) throw std::runtime_error("pipe");

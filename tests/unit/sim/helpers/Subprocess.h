@@ -20,6 +20,9 @@ struct RunOptions {
     uid_t uid = static_cast<uid_t>(-1);  // run as this user (and its group 65534) when set
 };
 RunResult RunProgram(const std::vector<std::string>& argv, const RunOptions& options = {});
+// A command run inside the simulated host whose disk is `hostDir`, through `launcher exec`.
+RunResult RunInHost(const std::string& launcher, const std::string& hostDir,
+                    const std::vector<std::string>& command);
 
 // A program on a new pseudo-terminal, as an operator's terminal would run it (its own session and
 // foreground process group, so the terminal's Ctrl-C reaches the whole group).
