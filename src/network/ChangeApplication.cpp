@@ -100,7 +100,8 @@ bool ChangeApplication::OnDistributedSwitch() {
         return _pending.managementInterface->GetConnectionPoint().connecteeType ==
                HostCtl::Network::CONNECTEE_DVPORT;
     } catch (const std::exception& e) {
-        syslog(LOG_ERR, "%s", (std::string("Could not determine if a DVS was in use: ") + e.what()).c_str());
+        // Not a failure of the change: the run goes on as for a standard switch.
+        LogInfo(std::string("Could not determine if a DVS was in use: ") + e.what());
         return false;
     }
 }

@@ -281,6 +281,28 @@ TEST_F(ChangeApplicationTest, DistributedSwitchKeepsItsAdaptersAndVlanButTakesIp
     EXPECT_TRUE(host_->Made("Dns.SetHostname dvs-host"));
 }
 
+TEST_F(ChangeApplicationTest, AnUnknownConnectionIsTreatedAsAStandardSwitch) {
+    Make(Scenario("default"));
+    pending_.applied.SetIpv4Address(Ipv4Address("10.20.30.50"));
+    Fault("ZenkNic.GetConnectionPoint", "port table busy");
+    Apply();
+    EXPECT_TRUE(host_->Made("log: Could not determine if a DVS was in use: port table busy"));
+    // The switch side cannot be read either: logged, nothing changed there, and the rest applies.
+    EXPECT_TRUE(host_->Made("log: Getting switch name failed: port table busy"));
+    EXPECT_TRUE(host_->From("Switch.").empty());
+    EXPECT_EQ(At("/network/zenkNics/0/ipConfig/ipv4/address"), "10.20.30.50");
+
+    // An interface gone since the window read it: said so, and its first write fails visibly.
+    Make(Scenario("default"));
+    pending_.changed = true;
+    store_->Get()->Update([](json& d) { d["network"]["zenkNics"] = json::array(); });
+    Apply();
+    EXPECT_TRUE(host_->Made("log: Could not locate the management interface"));
+    EXPECT_TRUE(host_->Made(
+        "log: Setting mac address of zennic failed: Kernel network interface zk0 does not exist"));
+    EXPECT_EQ(Made().back(), "refresh");
+}
+
 TEST_F(ChangeApplicationTest, Ipv6GatewayIsWrittenOnlyWhenEdited) {
     Make(Scenario("default"));
     pending_.applied.SetIpv6Gateway(Ipv6Address("2001:db8:20:30::fe"));
