@@ -19,7 +19,7 @@ namespace {
 std::string DetailPane() {
     std::string text =
         "{color:white}Configure Management Network{/color}\n\n"
-        "{align:padding:24}Hostname:{/align}{color:white}esx01.example{/color}\n"
+        "{align:padding:24}Hostname:{/align}{color:white}node01.example{/color}\n"
         "{align:padding:24}IPv4 Address:{/align}{color:white}10.20.30.40{/color}\n"
         "{align:padding:24}Support:{/align}{color:white}{supportstart} / {supportperiod}{/color}\n\n";
     for (int i = 0; i < 6; ++i) {

@@ -9,6 +9,7 @@
 #include "app/frames/MessageDialog.h"
 #include "network/ManagementSwitch.h"
 #include "network/PendingNetwork.h"
+#include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/Ipv4Address.h"
 #include "platform/hostctl/ZenkNic.h"
 #include "platform/zenkctl/ZenkNicImpl.h"
@@ -122,7 +123,8 @@ void ChangeApplication::ApplyAdapters() {
 }
 
 void ChangeApplication::ApplyMacAddress() {
-    if (!_pending.adaptersKnown || _pending.adapters.empty()) return;
+    // Uplinks that could not be read say nothing about the MAC address the interface should have.
+    if (!_uplinksRead || _pending.adapters.empty()) return;
     if (!_currentUplinks.empty() && _pending.adapters.front() == _currentUplinks.front()) return;
     const auto pnic = _host.Pnic(_pending.adapters.front());
     if (auto* nic = dynamic_cast<ZenkCtl::Network::ZenkNicImpl*>(_pending.managementInterface.get()))
@@ -142,7 +144,8 @@ void ChangeApplication::ApplyVlan() {
 void ChangeApplication::ChooseIpv4() {
     HostCtl::Network::ZenkNic& nic = *_pending.managementInterface;
     IpConfig& applied = _pending.applied;
-    const IpConfig configured = nic.GetConfiguredIpConfig();
+    _configured = nic.GetConfiguredIpConfig();
+    const IpConfig& configured = _configured;
     const IpConfig running = nic.GetIpConfig();
     const std::string name = nic.GetName();
 
@@ -180,10 +183,9 @@ void ChangeApplication::ChooseIpv6() {
     _pending.networkInfo->SetZenkIpv6Enabled(_pending.ipv6Enabled);
     if (!_pending.ipv6Enabled) return;
     LogInfo("Setting ipv6 configuration");
-    const IpConfig configured = _pending.managementInterface->GetConfiguredIpConfig();
     _pending.applied.SetUseIpv6Dhcp(_pending.modes.GetUseIpv6Dhcp());
     _pending.applied.SetUseIpv6RouterAdvertised(_pending.modes.GetUseIpv6RouterAdvertised());
-    _renewIpv6 = _pending.modes.GetUseIpv6Dhcp() && configured.GetUseIpv6Dhcp() && _adaptersChanged;
+    _renewIpv6 = _pending.modes.GetUseIpv6Dhcp() && _configured.GetUseIpv6Dhcp() && _adaptersChanged;
 }
 
 void ChangeApplication::WriteIpConfig() {
@@ -234,6 +236,12 @@ void ChangeApplication::RestartInterface() {
 
 void ChangeApplication::ApplyDns() {
     ZenkCtl::Network::DnsConfigImpl& dns = *_pending.dns;
+    // The suffix field takes characters that do not always make a name ("a..b"): refuse before the
+    // search list is replaced, so a bad suffix never leaves the host with its domain alone.
+    const std::vector<std::string> suffixes = ZenkCtl::Network::DnsConfigImpl::SplitNames(_pending.suffixes);
+    for (const std::string& suffix : suffixes)
+        if (!ZenkCtl::Network::DnsConfigImpl::IsValidDomain(suffix))
+            throw HostCtl::Lib::HostCtlException("Invalid search domain: " + suffix);
     if (!_pending.applied.GetDnsFromDhcp()) {
         const std::string& name = _pending.hostname;
         LogInfo("Setting hostname to " + name);
@@ -254,8 +262,7 @@ void ChangeApplication::ApplyDns() {
     }
     LogInfo("Setting suffixes to " + _pending.suffixes);
     dns.SetSearchDomainsString(dns.GetDomain());
-    for (const std::string& suffix : ZenkCtl::Network::DnsConfigImpl::SplitNames(_pending.suffixes))
-        dns.AddSearchDomain(suffix);
+    for (const std::string& suffix : suffixes) dns.AddSearchDomain(suffix);
     dns.SaveConfig();
 }
 

@@ -2,6 +2,9 @@
 
 #include <functional>
 #include <string>
+#include <vector>
+
+#include "platform/hostctl/IpConfig.h"
 
 namespace Kovo {
 
@@ -44,6 +47,8 @@ class ChangeApplication {
     Frame& _owner;
     std::function<void()> _showAddress;
 
+    // The interface's configuration as the host had it before this run.
+    HostCtl::Network::IpConfig _configured;
     std::vector<std::string> _currentUplinks;
     bool _uplinksRead = false;
     bool _adaptersChanged = false;

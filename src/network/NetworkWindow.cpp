@@ -25,11 +25,12 @@ using HostCtl::Network::IpConfig;
 
 namespace {
 
-constexpr unsigned kTitle = 44, kErrorTitle = 17, kNoInterface = 19;
+constexpr unsigned kTitle = 44, kErrorTitle = 17, kNoInterface = 19, kOperationFailed = 20;
 constexpr unsigned kIpv4AddressLabel = 35, kIpv6AddressesLabel = 36, kGatewayLabel = 38, kMaskLabel = 39,
                    kHostnameLabel = 40, kPrimaryLabel = 41, kAlternateLabel = 42;
 constexpr unsigned kIpv6On = 49, kIpv6Off = 50;
-constexpr unsigned kNoAdapter = 107, kAutomatic = 108, kNone = 109, kManual = 110, kNotSet = 112;
+constexpr unsigned kUnknown = 34, kNoAdapter = 107, kAutomatic = 108, kNone = 109, kManual = 110,
+                   kNotSet = 112;
 
 // Caption and description of each entry, in entry order.
 constexpr unsigned kCaptions[] = {45, 46, 47, 48, 51, 52};
@@ -69,9 +70,10 @@ NetworkWindow::NetworkWindow(Frame* parent, HostAccess& host) : RootWindow(paren
             _ipv6GatewayAtEntry = _pending.routing->GetIpv6ZenKernelDefaultGateway();
         }
     } catch (const std::exception& e) {
-        // A host that cannot say which interface manages it is, for this window, a host without one.
-        syslog(LOG_ERR, "%s", e.what());
-        _pending.managementInterface.reset();
+        // Half a record would show, and could write, values the host does not have: the window says so
+        // and closes instead.
+        syslog(LOG_ERR, "%s", (std::string("Reading the management network failed: ") + e.what()).c_str());
+        _readFailed = true;
     }
     try {
         for (const auto& pnic : host.Network()->GetPnics())
@@ -109,6 +111,7 @@ NetworkWindow::Entry NetworkWindow::SelectedEntry() const {
 }
 
 std::string NetworkWindow::AdapterLines() const {
+    if (!_pending.adaptersKnown) return Value(String(kUnknown));
     if (_pending.adapters.empty()) return Value(String(kNoAdapter));
     std::string text;
     for (const std::string& name : _pending.adapters) {
@@ -162,8 +165,10 @@ std::string NetworkWindow::DetailText(Entry entry) const {
         case kAdapters:
             return AdapterLines() + "\n" + String(kHelp[entry]);
         case kVlan:
-            return Value(_pending.vlan == 0 ? String(kNotSet) : std::to_string(_pending.vlan)) + "\n" +
-                   String(kHelp[entry]);
+            return Value(!_pending.vlanKnown  ? String(kUnknown)
+                         : _pending.vlan == 0 ? String(kNotSet)
+                                              : std::to_string(_pending.vlan)) +
+                   "\n" + String(kHelp[entry]);
         case kIpv4:
             return Ipv4Lines() + "\n" + String(kHelp[entry]);
         case kIpv6:
@@ -258,6 +263,10 @@ bool NetworkWindow::Leave() {
 }
 
 int NetworkWindow::HandleKey() {
+    if (_readFailed) {
+        MessageDialog(this, kErrorTitle, kOperationFailed).RunModal();
+        return 1;
+    }
     if (!_pending.managementInterface) {
         syslog(LOG_ERR, "%s", "Could not get a suitable management interface");
         MessageDialog(this, kErrorTitle, kNoInterface).RunModal();

@@ -58,6 +58,7 @@ class NetworkWindow : public RootWindow {
     HostCtl::Network::IpConfig _configuredAtEntry;
     HostCtl::Network::Ipv6Address _ipv6GatewayAtEntry;
     std::map<std::string, std::string> _adapterLabels;
+    bool _readFailed = false;
     std::vector<std::unique_ptr<LabelItem>> _items;
     std::vector<int> _entries;  // per row: its Entry, or -1 for the separator
 };

@@ -1,5 +1,7 @@
 #include "network/PendingNetwork.h"
 
+#include <syslog.h>
+
 #include <algorithm>
 
 #include "app/frames/HostAccess.h"
@@ -31,7 +33,7 @@ std::string SuffixText(const std::vector<std::string>& searchDomains, const std:
 }
 
 std::string PendingHostname(const std::string& hostname, const std::string& domain) {
-    return domain.empty() ? hostname : hostname + "." + domain;
+    return domain.empty() || hostname.empty() ? hostname : hostname + "." + domain;
 }
 
 PendingNetwork PendingNetwork::Read(HostAccess& host) {
@@ -40,8 +42,13 @@ PendingNetwork PendingNetwork::Read(HostAccess& host) {
     pending.routing = host.Routing();
     pending.dns = host.Dns();
     pending.ipv6Enabled = pending.ipv6EnabledAtEntry = pending.networkInfo->IsZenkIpv6Enabled();
-    pending.networkInfo->UpdateManagementInterface();
-    pending.managementInterface = pending.networkInfo->GetManagementInterface();
+    try {
+        pending.networkInfo->UpdateManagementInterface();
+        pending.managementInterface = pending.networkInfo->GetManagementInterface();
+    } catch (const std::exception& e) {
+        // A host that cannot say which interface manages it has, for the window, none.
+        syslog(LOG_ERR, "%s", e.what());
+    }
     if (!pending.managementInterface) return pending;
 
     pending.applied = pending.modes = pending.managementInterface->GetConfiguredIpConfig();

@@ -45,8 +45,10 @@ struct PendingNetwork {
     bool ipv6EnabledAtEntry = false;
     bool changed = false;
 
-    // Reads the record from the host. Without a management interface only the host objects and the
-    // IPv6 state are filled in (`managementInterface` stays null). Platform failures pass to the caller.
+    // Reads the record from the host. Without a management interface (or when the lookup fails) only
+    // the host objects and the IPv6 state are filled in and `managementInterface` stays null. Other
+    // platform failures pass to the caller; switch-side failures are logged and leave `adaptersKnown` or
+    // `vlanKnown` false.
     static PendingNetwork Read(HostAccess& host);
 
     bool Ipv6StateChanges() const { return ipv6Enabled != ipv6EnabledAtEntry; }

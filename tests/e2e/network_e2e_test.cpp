@@ -273,7 +273,7 @@ TEST(NetworkWindow, NameServersHostNameAndSuffixesReachTheResolver) {
     TypeShown(*host, "2001:db8::53");
     Press(*host, Key::Down);
     // "_" and "/" are not host-name characters: they never arrive.
-    host->Term().Type("esx_b/.other");
+    host->Term().Type("node_b/.other");
     TypeShown(*host, ".example");
     Accept(*host, "Use the following DNS server", kDnsDowns);
     EditSuffixes(*host, "a.example, b.example  c.example");
@@ -281,11 +281,11 @@ TEST(NetworkWindow, NameServersHostNameAndSuffixesReachTheResolver) {
     LeaveAnswering(*host, "y");
     ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
     ASSERT_TRUE(host->WaitForSyslog({"]: Network settings changed."})) << host->Syslog();
-    EXPECT_TRUE(InOrder(*host, {"]: Setting hostname to esxb.other.example",
+    EXPECT_TRUE(InOrder(*host, {"]: Setting hostname to nodeb.other.example",
                                 "]: Setting nameservers to 10.20.30.9 2001:db8::53",
                                 "]: Setting suffixes to a.example, b.example  c.example"}))
         << host->Syslog();
-    EXPECT_EQ(StoreValue(*host, "/network/dns/hostname"), "\"esxb\"");
+    EXPECT_EQ(StoreValue(*host, "/network/dns/hostname"), "\"nodeb\"");
     EXPECT_EQ(StoreValue(*host, "/network/dns/domain"), "\"other.example\"");
     EXPECT_EQ(StoreJson(*host, "/network/dns/nameServers"), nlohmann::json({"10.20.30.9"}));
     EXPECT_EQ(StoreJson(*host, "/network/dns/ipv6NameServers"), nlohmann::json({"2001:db8::53"}));
@@ -304,7 +304,7 @@ TEST(NetworkWindow, NameServersHostNameAndSuffixesReachTheResolver) {
         << resolver;
     EXPECT_NE(resolver.find("nameserver 2001:db8::53"), std::string::npos) << resolver;
     EXPECT_EQ(resolver.find("10.20.30.2"), std::string::npos) << resolver;
-    EXPECT_EQ(HostFile(*host, "/etc/hostname"), "esxb\n");
+    EXPECT_EQ(HostFile(*host, "/etc/hostname"), "nodeb\n");
 }
 
 TEST(NetworkWindow, EachFailingStepIsShownAndTheAgentStillRefreshes) {

@@ -142,7 +142,7 @@ TEST_F(ChangeApplicationTest, DhcpAlreadyOnRenewsTheLeaseOnlyWhenTheAdaptersChan
     pending_.adapters = {"zennic0"};
     Apply();
     const Calls tail = host_->From("Nic.SetIpConfig");
-    ASSERT_GE(tail.size(), 3u);
+    ASSERT_GE(tail.size(), 4u);
     // The interface stays bound to its lease, then renews it.
     EXPECT_EQ(tail[1], "Nic.SetDhcpBound true");
     EXPECT_EQ(tail[2], "log: Renew DHCP lease on zk0");
@@ -178,24 +178,24 @@ TEST_F(ChangeApplicationTest, DnsFromDhcpIsKeptOnlyWhereDhcpRuns) {
 
 TEST_F(ChangeApplicationTest, HostNamesAndNameServers) {
     Make(Scenario("default"));
-    pending_.hostname = "esx-b";
+    pending_.hostname = "node-b";
     pending_.primaryDns = std::make_unique<Ipv4Address>("0.0.0.0");
     pending_.alternateDns = std::make_unique<Ipv6Address>("::");
     Apply();
-    EXPECT_TRUE(host_->Made("Dns.SetHostname esx-b"));
-    EXPECT_FALSE(LoggedStartingWith("Dns.SetFqdn"));
+    EXPECT_TRUE(host_->Made("Dns.SetHostname node-b"));
+    EXPECT_TRUE(host_->From("Dns.SetFqdn").empty());
     EXPECT_TRUE(host_->Made("log: Setting nameservers to 0.0.0.0 ::"));
     EXPECT_TRUE(host_->From("Dns.AddNameServer").empty());
     EXPECT_EQ(At("/network/dns/nameServers"), json::array());
-    EXPECT_EQ(At("/network/dns/hostname"), "esx-b");
+    EXPECT_EQ(At("/network/dns/hostname"), "node-b");
     EXPECT_EQ(At("/network/dns/domain"), "lab.example");
 
     Make(Scenario("default"));
-    pending_.hostname = "esx-c.other.example";
+    pending_.hostname = "node-c.other.example";
     pending_.primaryDns = std::make_unique<Ipv6Address>("2001:db8::53");
     pending_.alternateDns.reset();
     Apply();
-    EXPECT_TRUE(host_->Made("Dns.SetFqdn esx-c.other.example"));
+    EXPECT_TRUE(host_->Made("Dns.SetFqdn node-c.other.example"));
     EXPECT_TRUE(host_->Made("log: Setting nameservers to 2001:db8::53 "));
     EXPECT_EQ(At("/network/dns/ipv6NameServers"), json::array({"2001:db8::53"}));
     EXPECT_EQ(At("/network/dns/domain"), "other.example");
@@ -230,6 +230,17 @@ TEST_F(ChangeApplicationTest, SuffixesFollowTheDomainInTheOrderTyped) {
     pending_.suffixes.clear();
     Apply();
     EXPECT_TRUE(host_->From("Dns.AddSearchDomain").empty());
+    EXPECT_EQ(At("/network/dns/searchDomains"), json::array({"lab.example"}));
+}
+
+TEST_F(ChangeApplicationTest, ASuffixThatIsNoNameChangesNoDnsSetting) {
+    Make(Scenario("default"));
+    pending_.hostname = "node-d";
+    pending_.suffixes = "good.example a..b";
+    Apply();
+    EXPECT_TRUE(host_->Made("error: Setting DNS failed: Invalid search domain: a..b"));
+    EXPECT_TRUE(host_->From("Dns.").empty());
+    EXPECT_EQ(At("/network/dns/hostname"), "kovo-host-01");
     EXPECT_EQ(At("/network/dns/searchDomains"), json::array({"lab.example"}));
 }
 
@@ -288,7 +299,7 @@ TEST_F(ChangeApplicationTest, AnUnknownConnectionIsTreatedAsAStandardSwitch) {
     Apply();
     EXPECT_TRUE(host_->Made("log: Could not determine if a DVS was in use: port table busy"));
     // The switch side cannot be read either: logged, nothing changed there, and the rest applies.
-    EXPECT_TRUE(host_->Made("log: Getting switch name failed: port table busy"));
+    EXPECT_TRUE(host_->Made("error: Getting switch name failed: port table busy"));
     EXPECT_TRUE(host_->From("Switch.").empty());
     EXPECT_EQ(At("/network/zenkNics/0/ipConfig/ipv4/address"), "10.20.30.50");
 
@@ -297,9 +308,11 @@ TEST_F(ChangeApplicationTest, AnUnknownConnectionIsTreatedAsAStandardSwitch) {
     pending_.changed = true;
     store_->Get()->Update([](json& d) { d["network"]["zenkNics"] = json::array(); });
     Apply();
-    EXPECT_TRUE(host_->Made("log: Could not locate the management interface"));
-    EXPECT_TRUE(host_->Made(
-        "log: Setting mac address of zennic failed: Kernel network interface zk0 does not exist"));
+    EXPECT_TRUE(host_->Made("error: Could not locate the management interface"));
+    // The uplinks cannot be read, so the MAC address is left alone; the first write then fails.
+    EXPECT_TRUE(host_->From("Nic.SetMac").empty());
+    EXPECT_TRUE(
+        host_->Made("error: Setting ip configuration failed: Kernel network interface zk0 does not exist"));
     EXPECT_EQ(Made().back(), "refresh");
 }
 
@@ -335,7 +348,7 @@ TEST_P(GuardedSteps, AFailureIsLoggedShownAndEndsTheRunButTheRefresh) {
     Fault(step.fault, "the host refused");
     Apply();
     const std::string line = std::string(step.line) + "the host refused";
-    const Calls tail = host_->From("log: " + line);
+    const Calls tail = host_->From("error: " + line);
     ASSERT_FALSE(tail.empty()) << "no line " << line;
     // The operator was shown the same line, then only the refresh followed.
     EXPECT_EQ(tail.back(), "refresh");
@@ -370,8 +383,8 @@ TEST_F(ChangeApplicationTest, UplinkAndVlanFailuresAreLoggedAndTheRestApplies) {
     Fault("VirtualSwitchInfo.AddUplink", "no free port");
     Fault("VirtualSwitchInfo.SetPortGroupVlan", "vlan refused");
     Apply();
-    EXPECT_TRUE(host_->Made("log: Adding uplink zennic2 failed: no free port"));
-    EXPECT_TRUE(host_->Made("log: Setting VlanID failed: vlan refused"));
+    EXPECT_TRUE(host_->Made("error: Adding uplink zennic2 failed: no free port"));
+    EXPECT_TRUE(host_->Made("error: Setting VlanID failed: vlan refused"));
     EXPECT_FALSE(LoggedStartingWith("Changed vlan"));
     EXPECT_EQ(At("/network/zenkNics/0/ipConfig/ipv4/address"), "10.20.30.50");
     EXPECT_EQ(Made().back(), "refresh");

@@ -15,11 +15,11 @@ using HostCtl::Network::Ipv4Address;
 using HostCtl::Network::Ipv6Address;
 using D = DNSConfigurationDialog;
 
-// A host with name servers 10.0.0.53 and fe80::53%zk0, named "esx1".
+// A host with name servers 10.0.0.53 and fe80::53%zk0, named "node1".
 class DnsDialog : public NetworkDialogs {
   protected:
     Ran<D> Run(const std::string& keys, bool automatic = false) {
-        return NetworkDialogs::Run<D>(keys, automatic, &primary_, &alternate_, std::string("esx1"));
+        return NetworkDialogs::Run<D>(keys, automatic, &primary_, &alternate_, std::string("node1"));
     }
     Ipv4Address primary_{"10.0.0.53"};
     Ipv6Address alternate_{"fe80::53%zk0"};
@@ -32,7 +32,7 @@ TEST_F(DnsDialog, AutomaticTakesNothingFromTheFields) {
     EXPECT_TRUE(d->Automatic());
     EXPECT_EQ(d->Primary()->GetStringAddress(), "10.0.0.53");
     EXPECT_NE(d->Alternate(), nullptr);
-    EXPECT_EQ(d->Hostname(), "esx1");
+    EXPECT_EQ(d->Hostname(), "node1");
 }
 
 TEST_F(DnsDialog, ServersAreStoredByFamilyAndEmptyOnesAsNone) {

@@ -13,11 +13,12 @@ namespace Kovo::Testing {
 namespace {
 std::vector<std::string>* gCapture = nullptr;
 
-void Capture(const char* format, va_list arguments) {
+// "log: " for information, "error: " for errors and worse, so tests see both text and weight.
+void Capture(int priority, const char* format, va_list arguments) {
     if (!gCapture) return;
     char line[4096];
     std::vsnprintf(line, sizeof line, format, arguments);
-    gCapture->push_back(std::string("log: ") + line);
+    gCapture->push_back(std::string(LOG_PRI(priority) <= LOG_ERR ? "error: " : "log: ") + line);
 }
 }  // namespace
 
@@ -33,22 +34,22 @@ void ReleaseLog(const std::vector<std::string>* from) {
 
 extern "C" {
 
-void syslog(int, const char* format, ...) {
+void syslog(int priority, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    Kovo::Testing::Capture(format, arguments);
+    Kovo::Testing::Capture(priority, format, arguments);
     va_end(arguments);
 }
 
-void vsyslog(int, const char* format, va_list arguments) {
-    Kovo::Testing::Capture(format, arguments);
+void vsyslog(int priority, const char* format, va_list arguments) {
+    Kovo::Testing::Capture(priority, format, arguments);
 }
 
 // What a fortified build calls instead.
-void __syslog_chk(int, int, const char* format, ...) {
+void __syslog_chk(int priority, int, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    Kovo::Testing::Capture(format, arguments);
+    Kovo::Testing::Capture(priority, format, arguments);
     va_end(arguments);
 }
 

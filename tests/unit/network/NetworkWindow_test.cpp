@@ -105,5 +105,55 @@ TEST_F(NetworkWindowTest, YesAppliesAndLogsTheChange) {
     EXPECT_EQ(store_.At("/network/dns/searchDomains"), nlohmann::json::array({"lab.example", "x.example"}));
 }
 
+TEST_F(NetworkWindowTest, ReadsEachNameServerOnceAndTheHostNameFullyQualified) {
+    store_.Get()->Update([](nlohmann::json& d) {
+        d["network"]["dns"]["nameServers"] = {"10.20.30.2", "10.20.30.2"};
+        d["network"]["dns"]["ipv6NameServers"] = {"2001:db8::53"};
+    });
+    const PendingNetwork pending = PendingNetwork::Read(host_);
+    ASSERT_TRUE(pending.primaryDns && pending.alternateDns);
+    EXPECT_EQ(pending.primaryDns->GetStringAddress(), "10.20.30.2");
+    EXPECT_EQ(pending.alternateDns->GetStringAddress(), "2001:db8::53");
+    EXPECT_EQ(pending.hostname, "kovo-host-01.lab.example");
+
+    store_.Get()->Update([](nlohmann::json& d) { d["network"]["dns"]["hostname"] = ""; });
+    EXPECT_EQ(PendingNetwork::Read(host_).hostname, "");
+}
+
+TEST_F(NetworkWindowTest, UplinksAndVlanTheHostCannotTellAreUnknownAndLeftAlone) {
+    store_.Get()->Update([](nlohmann::json& d) {
+        d["simulation"]["faults"] = {{"VirtualSwitchInfo.GetTeamingPolicy", "policy unreadable"},
+                                     {"VirtualSwitchInfo.GetPortGroupVlan", "port unreadable"}};
+    });
+    const std::string down = Keys::kDown;
+    auto window = Run(down + down + down + down + down + "\nx.example\n" + Keys::kUp + Keys::kUp + Keys::kUp +
+                      Keys::kUp + Keys::kUp + kLeave + "\ty");
+    ASSERT_GE(window->panes.size(), 2u);
+    EXPECT_NE(window->panes.at(0).find("Unknown"), std::string::npos) << window->panes.at(0);
+    EXPECT_NE(window->panes.at(1).find("Unknown"), std::string::npos) << window->panes.at(1);
+    EXPECT_TRUE(host_.Made("error: Getting uplinks failed: policy unreadable"));
+    EXPECT_TRUE(host_.Made("Dns.AddSearchDomain x.example"));
+    EXPECT_TRUE(host_.From("log: Setting adapters").empty());
+    EXPECT_TRUE(host_.From("Switch.").empty());
+}
+
+TEST_F(NetworkWindowTest, AHostThatCannotBeReadIsReportedAndTheWindowCloses) {
+    store_.Get()->Update(
+        [](nlohmann::json& d) { d["simulation"]["faults"]["ZenkNic.GetIpConfig"] = "busy"; });
+    auto window = Run("\t\n");
+    EXPECT_TRUE(host_.Made("error: Reading the management network failed: busy"));
+    EXPECT_TRUE(window->panes.empty());
+
+    store_.Get()->Update([](nlohmann::json& d) {
+        d["simulation"]["faults"] = {{"NetworkInfo.UpdateManagementInterface", "no answer"}};
+    });
+    host_.calls.clear();
+    window = Run("\t\n");
+    EXPECT_TRUE(host_.Made("error: no answer"));
+    EXPECT_TRUE(host_.Made("error: Could not get a suitable management interface"));
+    EXPECT_TRUE(window->panes.empty());
+    EXPECT_FALSE(Wrote());
+}
+
 }  // namespace
 }  // namespace Kovo
