@@ -80,6 +80,12 @@ void EditIpv4Field(HostConsole& host, int fieldDowns, const std::string& text) {
     Accept(host, kStaticChoice, kIpv4Downs);
 }
 
+// Waits for a message dialog with its title and its text both painted.
+bool ShowsMessage(HostConsole& host, const std::string& title, const std::string& text) {
+    return host.Term().WaitFor(
+        [&](const VirtualTerminal& screen) { return screen.Contains(title) && screen.Contains(text); });
+}
+
 // Esc and the confirmation, answered with `answer`; waits for the main menu.
 void LeaveAnswering(HostConsole& host, const std::string& answer) {
     host.Term().Press(Key::Escape);
@@ -210,9 +216,8 @@ TEST(NetworkWindow, InvalidIpv4ValuesAreRefusedWithTheFieldInErrorFocused) {
     Press(*host, Key::Down);
     TypeShown(*host, "1.2.3");
     host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText("Please reenter a valid IPv4 address (x.x.x.x)."))
+    ASSERT_TRUE(ShowsMessage(*host, "Invalid IP address", "Please reenter a valid IPv4 address (x.x.x.x)."))
         << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("Invalid IP address"));
     ASSERT_TRUE(Acknowledge(*host, "Please reenter a valid IPv4 address"));
     // The address field has the focus again: what is typed replaces it.
     TypeShown(*host, "10.20.30.60");
@@ -220,25 +225,26 @@ TEST(NetworkWindow, InvalidIpv4ValuesAreRefusedWithTheFieldInErrorFocused) {
     Press(*host, Key::Down);
     TypeShown(*host, "255.0.255.0");
     host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText("Please reenter a valid subnet (x.x.x.x).")) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("Invalid subnet"));
+    ASSERT_TRUE(ShowsMessage(*host, "Invalid subnet", "Please reenter a valid subnet (x.x.x.x)."))
+        << host->Term().Dump();
     ASSERT_TRUE(Acknowledge(*host, "Please reenter a valid subnet"));
     TypeShown(*host, "255.255.0.0");
 
     Press(*host, Key::Down);
     TypeShown(*host, "10.20");
     host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText("Please reenter a valid gateway address (x.x.x.x)."))
+    ASSERT_TRUE(
+        ShowsMessage(*host, "Invalid gateway address", "Please reenter a valid gateway address (x.x.x.x)."))
         << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("Invalid gateway address"));
     ASSERT_TRUE(Acknowledge(*host, "Please reenter a valid gateway address"));
     TypeShown(*host, "10.20.0.1");
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->Term().WaitForTextGone(kStaticChoice)) << host->Term().Dump();
 
-    EXPECT_TRUE(host->Term().WaitForText("IPv4 Address: 10.20.30.60")) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("Subnet Mask: 255.255.0.0")) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("Default Gateway: 10.20.0.1")) << host->Term().Dump();
+    EXPECT_TRUE(host->Term().WaitFor([](const VirtualTerminal& screen) {
+        return screen.Contains("IPv4 Address: 10.20.30.60") && screen.Contains("Subnet Mask: 255.255.0.0") &&
+               screen.Contains("Default Gateway: 10.20.0.1");
+    })) << host->Term().Dump();
 }
 
 TEST(NetworkWindow, DhcpChosenTakesTheLeaseTheNetworkOffers) {
@@ -344,9 +350,7 @@ TEST(NetworkWindow, EachFailingStepIsShownAndTheAgentStillRefreshes) {
         LeaveAnswering(*host, "y");
         const std::string line = std::string(failure.line) + "the host refused";
         // One message, under the title every step shares.
-        ASSERT_TRUE(host->Term().WaitFor([&](const VirtualTerminal& screen) {
-            return screen.Contains(line) && screen.Contains(kErrorTitle);
-        })) << host->Term().Dump();
+        ASSERT_TRUE(ShowsMessage(*host, kErrorTitle, line)) << host->Term().Dump();
         ASSERT_TRUE(SetStore(*host, "/simulation/faults", "{}"));
         ASSERT_TRUE(Acknowledge(*host, kErrorTitle)) << host->Term().Dump();
         ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
