@@ -20,7 +20,8 @@ constexpr const char* kRestartQuestion = "Apply changes and restart management n
 constexpr const char* kErrorTitle = "Enable Management Network: Error";
 constexpr const char* kStaticChoice = "Set static IPv4 address";
 
-// Entries counted in presses of Down from Network Adapters (the blank line is skipped).
+// Entries counted in presses of Down from Network Adapters (the blank line is skipped); the window's
+// entries open like the menu's (OpenFromMenu).
 constexpr int kIpv4Downs = 2, kDnsDowns = 4, kSuffixDowns = 5;
 
 void Press(HostConsole& host, Key key, int times = 1) {
@@ -32,17 +33,6 @@ void Press(HostConsole& host, Key key, int times = 1) {
 
 bool OpenNetwork(HostConsole& host) {
     return LogIn(host, "", kRootPassword) && OpenFromMenu(host, kNetworkDowns, kWindowMark);
-}
-
-// From the window's first entry: opens the entry `downs` below and waits for the dialog's `mark`.
-bool OpenEntry(HostConsole& host, int downs, const std::string& mark) {
-    auto& term = host.Term();
-    for (int i = 0; i < downs; ++i) {
-        term.Press(Key::Down);
-        if (!term.WaitForQuiet(60ms)) return false;
-    }
-    term.Press(Key::Enter);
-    return term.WaitForText(mark) && term.WaitForQuiet(200ms);
 }
 
 // Types into the focused field and waits for the screen to show it.
@@ -67,14 +57,14 @@ void Accept(HostConsole& host, const std::string& mark, int downs) {
 
 // From the first entry: new suffixes typed into their dialog and accepted.
 void EditSuffixes(HostConsole& host, const std::string& text) {
-    ASSERT_TRUE(OpenEntry(host, kSuffixDowns, "Use spaces or commas")) << host.Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(host, kSuffixDowns, "Use spaces or commas")) << host.Term().Dump();
     TypeShown(host, text);
     Accept(host, "Use spaces or commas", kSuffixDowns);
 }
 
 // From the first entry: one IPv4 field (`fieldDowns` below the static choice) retyped and accepted.
 void EditIpv4Field(HostConsole& host, int fieldDowns, const std::string& text) {
-    ASSERT_TRUE(OpenEntry(host, kIpv4Downs, kStaticChoice)) << host.Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(host, kIpv4Downs, kStaticChoice)) << host.Term().Dump();
     Press(host, Key::Down, fieldDowns);
     TypeShown(host, text);
     Accept(host, kStaticChoice, kIpv4Downs);
@@ -193,7 +183,7 @@ TEST(NetworkWindow, EscapeWithoutChangesLeavesAtOnce) {
     auto host = MakeHost("default");
     ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
     // A dialog left with Esc, and one accepted unchanged, change nothing.
-    ASSERT_TRUE(OpenEntry(*host, kDnsDowns, "Use the following DNS server")) << host->Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(*host, kDnsDowns, "Use the following DNS server")) << host->Term().Dump();
     host->Term().Press(Key::Escape);
     ASSERT_TRUE(host->Term().WaitForTextGone("Use the following DNS server")) << host->Term().Dump();
     ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
@@ -212,7 +202,7 @@ TEST(NetworkWindow, EscapeWithoutChangesLeavesAtOnce) {
 TEST(NetworkWindow, InvalidIpv4ValuesAreRefusedWithTheFieldInErrorFocused) {
     auto host = MakeHost("default");
     ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
-    ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, kStaticChoice)) << host->Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(*host, kIpv4Downs, kStaticChoice)) << host->Term().Dump();
     Press(*host, Key::Down);
     TypeShown(*host, "1.2.3");
     host->Term().Press(Key::Enter);
@@ -250,7 +240,7 @@ TEST(NetworkWindow, InvalidIpv4ValuesAreRefusedWithTheFieldInErrorFocused) {
 TEST(NetworkWindow, DhcpChosenTakesTheLeaseTheNetworkOffers) {
     auto host = MakeHost("dhcp-server");
     ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
-    ASSERT_TRUE(OpenEntry(*host, kIpv4Downs, kStaticChoice)) << host->Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(*host, kIpv4Downs, kStaticChoice)) << host->Term().Dump();
     Press(*host, Key::Up);
     host->Term().Type(" ");
     ASSERT_TRUE(host->Term().WaitForQuiet(100ms));
@@ -272,7 +262,7 @@ TEST(NetworkWindow, DhcpChosenTakesTheLeaseTheNetworkOffers) {
 TEST(NetworkWindow, NameServersHostNameAndSuffixesReachTheResolver) {
     auto host = MakeHost("default");
     ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
-    ASSERT_TRUE(OpenEntry(*host, kDnsDowns, "Use the following DNS server")) << host->Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(*host, kDnsDowns, "Use the following DNS server")) << host->Term().Dump();
     Press(*host, Key::Down);
     TypeShown(*host, "10.20.30.9");
     Press(*host, Key::Down);
