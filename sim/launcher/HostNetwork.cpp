@@ -5,6 +5,7 @@
 #include <set>
 
 #include "platform/store/StoreSchema.h"
+#include "platform/zenkctl/NetworkJson.h"
 
 namespace KovoSim {
 
@@ -48,19 +49,8 @@ bool HostNetwork::IsLoopback(const std::string& address) {
     return v6[15] == 1;
 }
 
-const json* HostNetwork::ManagementNic(const json& store) {
-    const json::json_pointer where(Schema::kZenkNics);
-    if (!store.is_object() || !store.contains(where) || !store.at(where).is_array()) return nullptr;
-    const json& nics = store.at(where);
-    for (const auto& nic : nics)
-        if (nic.is_object() && nic.value("management", json()) == json(true)) return &nic;
-    for (const auto& nic : nics)
-        if (nic.is_object() && Text(nic, "/connection/portGroup") == "Management Network") return &nic;
-    return !nics.empty() && nics[0].is_object() ? &nics[0] : nullptr;
-}
-
 std::string HostNetwork::ManagementIpv4(const json& store) {
-    const json* nic = ManagementNic(store);
+    const json* nic = ZenkCtl::Network::Json::ManagementNic(store);
     if (!nic) return {};
     std::string address;
     if (nic->contains("running")) {

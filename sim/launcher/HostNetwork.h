@@ -22,9 +22,6 @@ class HostNetwork {
     // 127.0.0.0/8 and ::1 answer on loopback anyway; the host never adds or removes them.
     static bool IsLoopback(const std::string& address);
 
-    // The management interface, as the platform finds it: the kernel interface marked "management",
-    // else the one on the port group "Management Network", else the first. Null when there is none.
-    static const nlohmann::json* ManagementNic(const nlohmann::json& store);
     // The management interface's IPv4 address as it runs ("running"; the configured static address
     // when the interface has no running state yet); empty when it has none (0.0.0.0, no lease).
     static std::string ManagementIpv4(const nlohmann::json& store);

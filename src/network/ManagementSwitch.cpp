@@ -46,11 +46,10 @@ std::string ManagementSwitch::SwitchName(const ConnectionPoint& point) {
     return _host.Switches()->GetPortGroupSwitch(point.portGroup);
 }
 
-ManagementSwitch::Kind ManagementSwitch::KindOf(const std::string& switchName) {
-    auto switches = _host.Switches();
-    for (const auto& standard : switches->GetVirtualSwitches())
+ManagementSwitch::Kind ManagementSwitch::KindOf(Switches& switches, const std::string& switchName) {
+    for (const auto& standard : switches.GetVirtualSwitches())
         if (standard.name == switchName) return Kind::Standard;
-    for (const auto& distributed : switches->GetDvSwitches())
+    for (const auto& distributed : switches.GetDvSwitches())
         if (distributed.name == switchName) return Kind::Distributed;
     throw HostCtlException("Unsupported xSwitch type");
 }
@@ -70,7 +69,7 @@ bool ManagementSwitch::Uplinks(std::vector<std::string>& uplinks) {
     if (!Name(name)) return false;
     try {
         auto switches = _host.Switches();
-        if (KindOf(name) == Kind::Distributed) {
+        if (KindOf(*switches, name) == Kind::Distributed) {
             try {
                 for (const auto& distributed : switches->GetDvSwitches())
                     if (distributed.name == name) uplinks = distributed.uplinks;
@@ -94,67 +93,53 @@ bool ManagementSwitch::Uplinks(std::vector<std::string>& uplinks) {
     }
 }
 
-void ManagementSwitch::RemoveFromStandard(const std::string& switchName, const std::string& pnic) {
-    auto switches = _host.Switches();
-    switches->RemoveUplink(switchName, pnic);
-    switches->SetTeamingPolicy(
-        switchName, NicTeamingPolicy::WithUplinkRemoved(switches->GetTeamingPolicy(switchName), pnic));
+void ManagementSwitch::TakeFromOwner(Switches& switches, const std::string& pnic, const std::string& keeper) {
+    const std::string owner = switches.FindUplinkOwner(pnic);
+    if (owner.empty() || owner == keeper) return;
+    if (KindOf(switches, owner) == Kind::Distributed) {
+        switches.RemoveDvsUplink(owner, pnic);
+        return;
+    }
+    switches.RemoveUplink(owner, pnic);
+    switches.SetTeamingPolicy(owner,
+                              NicTeamingPolicy::WithUplinkRemoved(switches.GetTeamingPolicy(owner), pnic));
 }
 
-void ManagementSwitch::TakeFromOwner(const std::string& pnic, const std::string& keeper) {
+bool ManagementSwitch::ChangeUplink(const std::string& pnic, bool add) {
+    std::string name;
+    if (!Name(name)) return false;
     auto switches = _host.Switches();
-    const std::string owner = switches->FindUplinkOwner(pnic);
-    if (owner.empty() || owner == keeper) return;
-    for (const auto& distributed : switches->GetDvSwitches()) {
-        if (distributed.name == owner) {
-            switches->RemoveDvsUplink(owner, pnic);
-            return;
+    try {
+        if (KindOf(*switches, name) != Kind::Standard) throw HostCtlException("Unsupported xSwitch type");
+        if (add) {
+            TakeFromOwner(*switches, pnic, name);
+            switches->AddUplink(name, pnic);
+        } else {
+            switches->RemoveUplink(name, pnic);
         }
+    } catch (const std::exception& e) {
+        LogFailure((add ? "Adding uplink " : "Removing uplink ") + pnic + " failed: ", e);
+        return false;
     }
-    RemoveFromStandard(owner, pnic);
+    try {
+        const NicTeamingPolicy current = switches->GetTeamingPolicy(name);
+        switches->SetTeamingPolicy(name, add ? NicTeamingPolicy::WithUplinkAdded(current, pnic)
+                                             : NicTeamingPolicy::WithUplinkRemoved(current, pnic));
+        return true;
+    } catch (const std::exception& e) {
+        LogFailure(add ? "VS: add uplink to teaming policy failed: "
+                       : "VS: remove uplink from teaming policy failed: ",
+                   e);
+        return false;
+    }
 }
 
 bool ManagementSwitch::AddUplink(const std::string& pnic) {
-    std::string name;
-    if (!Name(name)) return false;
-    try {
-        if (KindOf(name) != Kind::Standard) throw HostCtlException("Unsupported xSwitch type");
-        TakeFromOwner(pnic, name);
-        _host.Switches()->AddUplink(name, pnic);
-    } catch (const std::exception& e) {
-        LogFailure("Adding uplink " + pnic + " failed: ", e);
-        return false;
-    }
-    try {
-        auto switches = _host.Switches();
-        switches->SetTeamingPolicy(name,
-                                   NicTeamingPolicy::WithUplinkAdded(switches->GetTeamingPolicy(name), pnic));
-        return true;
-    } catch (const std::exception& e) {
-        LogFailure("VS: add uplink to teaming policy failed: ", e);
-        return false;
-    }
+    return ChangeUplink(pnic, true);
 }
 
 bool ManagementSwitch::RemoveUplink(const std::string& pnic) {
-    std::string name;
-    if (!Name(name)) return false;
-    try {
-        if (KindOf(name) != Kind::Standard) throw HostCtlException("Unsupported xSwitch type");
-        _host.Switches()->RemoveUplink(name, pnic);
-    } catch (const std::exception& e) {
-        LogFailure("Removing uplink " + pnic + " failed: ", e);
-        return false;
-    }
-    try {
-        auto switches = _host.Switches();
-        switches->SetTeamingPolicy(
-            name, NicTeamingPolicy::WithUplinkRemoved(switches->GetTeamingPolicy(name), pnic));
-        return true;
-    } catch (const std::exception& e) {
-        LogFailure("VS: remove uplink from teaming policy failed: ", e);
-        return false;
-    }
+    return ChangeUplink(pnic, false);
 }
 
 bool ManagementSwitch::Vlan(int& vlanId) {

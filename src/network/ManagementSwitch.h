@@ -8,6 +8,9 @@
 namespace HostCtl::Network {
 class ZenkNic;
 }
+namespace ZenkCtl::Network {
+class VirtualSwitchInfoImpl;
+}
 
 namespace Kovo {
 
@@ -38,9 +41,11 @@ class ManagementSwitch {
     // Throws HostCtlException with the reason when the switch cannot be told.
     HostCtl::Network::ConnectionPoint Connection();
     std::string SwitchName(const HostCtl::Network::ConnectionPoint& point);
-    Kind KindOf(const std::string& switchName);
-    void TakeFromOwner(const std::string& pnic, const std::string& keeper);
-    void RemoveFromStandard(const std::string& switchName, const std::string& pnic);
+    using Switches = ZenkCtl::Network::VirtualSwitchInfoImpl;
+    static Kind KindOf(Switches& switches, const std::string& switchName);
+    static void TakeFromOwner(Switches& switches, const std::string& pnic, const std::string& keeper);
+    // Attaches or detaches a NIC on the standard switch that carries the interface, then its teaming policy.
+    bool ChangeUplink(const std::string& pnic, bool add);
 
     HostAccess& _host;
     HostCtl::Network::ZenkNic& _nic;

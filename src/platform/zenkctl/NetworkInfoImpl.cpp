@@ -33,24 +33,9 @@ void NetworkInfoImpl::UpdateManagementInterface() {
     Store::ThrowIfInjected(*_store, "NetworkInfo.UpdateManagementInterface");
     const auto snapshot = _store->Snapshot();
     const json& document = *snapshot;
-    const json& nics = Json::At(document, Schema::kZenkNics);
-    _management.clear();
+    const json* nic = Json::ManagementNic(document);
+    _management = nic ? Json::Text(*nic, "name") : std::string();
     _looked = true;
-    if (!nics.is_array() || nics.empty()) return;
-    for (const auto& nic : nics) {
-        if (Json::Flag(nic, "management")) {
-            _management = Json::Text(nic, "name");
-            return;
-        }
-    }
-    for (const auto& nic : nics) {
-        const json connection = nic.value("connection", json::object());
-        if (Json::Text(connection, "portGroup") == "Management Network") {
-            _management = Json::Text(nic, "name");
-            return;
-        }
-    }
-    _management = Json::Text(nics[0], "name");
 }
 
 std::string NetworkInfoImpl::GetManagementInterfaceName() {

@@ -1,6 +1,7 @@
 #include "platform/zenkctl/NetworkJson.h"
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/store/StoreSchema.h"
 
 using HostCtl::Lib::HostCtlException;
 using nlohmann::json;
@@ -98,6 +99,21 @@ const json& At(const json& document, const char* pointer) {
     static const json null;
     const json::json_pointer ptr(pointer);
     return document.contains(ptr) ? document.at(ptr) : null;
+}
+
+const json* ManagementNic(const json& document) {
+    if (!document.is_object()) return nullptr;
+    const json& nics = At(document, Store::Schema::kZenkNics);
+    if (!nics.is_array() || nics.empty()) return nullptr;
+    for (const auto& nic : nics)
+        if (nic.is_object() && nic.value("management", json()) == json(true)) return &nic;
+    for (const auto& nic : nics) {
+        if (!nic.is_object()) continue;
+        const json connection = nic.value("connection", json::object());
+        if (connection.is_object() && connection.value("portGroup", json()) == json("Management Network"))
+            return &nic;
+    }
+    return nics[0].is_object() ? &nics[0] : nullptr;
 }
 
 json FromIpConfig(const IpConfig& config) {

@@ -34,4 +34,9 @@ nlohmann::json& ObjectAt(nlohmann::json& document, const char* pointer);
 // The node at pointer or a null node when absent.
 const nlohmann::json& At(const nlohmann::json& document, const char* pointer);
 
+// The management interface's node in a host document: the kernel interface marked "management", else
+// the one on the port group "Management Network", else the first; nullptr when there is none. Nodes of
+// the wrong type are passed over, so the simulated host can ask any document it is given.
+const nlohmann::json* ManagementNic(const nlohmann::json& document);
+
 }  // namespace ZenkCtl::Network::Json

@@ -61,13 +61,6 @@ TEST(HostNetworkTest, TheManagementAddressIsTheOneTheInterfaceRuns) {
     EXPECT_EQ(HostNetwork::ManagementIpv4(
                   store(R"([{"ipConfig": {"ipv4": {"mode": "dhcp", "address": "10.0.0.1"}}}])")),
               "");
-    // Found as the platform finds it: marked, else on the management port group, else the first.
-    EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"([{"running": {"ipv4": {"address": "10.0.0.1"}}},
-        {"connection": {"portGroup": "Management Network"}, "running": {"ipv4": {"address": "10.0.0.2"}}}])")),
-              "10.0.0.2");
-    EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"([{"running": {"ipv4": {"address": "10.0.0.1"}}},
-        {"running": {"ipv4": {"address": "10.0.0.2"}}}])")),
-              "10.0.0.1");
     EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"([{"running": {"ipv4": {"address": "not-an-address"}}}])")),
               "");
     EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"(["not an interface"])")), "");
