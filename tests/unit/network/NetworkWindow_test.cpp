@@ -97,14 +97,6 @@ TEST_F(NetworkWindowTest, AnUnchangedDialogValueIsNoChange) {
     EXPECT_FALSE(Wrote());
 }
 
-TEST_F(NetworkWindowTest, YesAppliesAndLogsTheChange) {
-    const std::string down = Keys::kDown;
-    auto window = Run(down + down + down + down + down + "\nx.example\n" + kLeave + "\ty");
-    EXPECT_TRUE(host_.Made("Dns.AddSearchDomain x.example"));
-    EXPECT_EQ(host_.calls.back(), "log: Network settings changed.");
-    EXPECT_EQ(store_.At("/network/dns/searchDomains"), nlohmann::json::array({"lab.example", "x.example"}));
-}
-
 TEST_F(NetworkWindowTest, ReadsEachNameServerOnceAndTheHostNameFullyQualified) {
     store_.Get()->Update([](nlohmann::json& d) {
         d["network"]["dns"]["nameServers"] = {"10.20.30.2", "10.20.30.2"};
