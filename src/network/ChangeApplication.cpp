@@ -1,13 +1,12 @@
 #include "network/ChangeApplication.h"
 
-#include <syslog.h>
-
 #include <algorithm>
 
 #include "app/frames/Frame.h"
 #include "app/frames/HostAccess.h"
 #include "app/frames/MessageDialog.h"
 #include "network/ManagementSwitch.h"
+#include "network/NetworkLog.h"
 #include "network/PendingNetwork.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/Ipv4Address.h"
@@ -33,10 +32,6 @@ constexpr const char* kGatewayFailed = "Setting default gateway failed: ";
 constexpr const char* kIpv6GatewayFailed = "Setting default ipv6 gateway failed: ";
 constexpr const char* kDnsFailed = "Setting DNS failed: ";
 
-void LogInfo(const std::string& line) {
-    syslog(LOG_INFO, "%s", line.c_str());
-}
-
 bool Contains(const std::vector<std::string>& names, const std::string& name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
@@ -57,7 +52,7 @@ bool ChangeApplication::Guarded(const char* prefix, const std::function<void()>&
         return true;
     } catch (const std::exception& e) {
         const std::string line = prefix + std::string(e.what());
-        syslog(LOG_ERR, "%s", line.c_str());
+        LogError(line);
         MessageDialog(&_owner, kErrorTitle, line).RunModal();
         return false;
     }
@@ -95,7 +90,7 @@ void ChangeApplication::Run() {
 bool ChangeApplication::OnDistributedSwitch() {
     try {
         if (!_pending.managementInterface->IsValid()) {
-            syslog(LOG_ERR, "%s", "Could not locate the management interface");
+            LogError("Could not locate the management interface");
             return false;
         }
         return _pending.managementInterface->GetConnectionPoint().connecteeType ==

@@ -1,10 +1,9 @@
 #include "network/ManagementSwitch.h"
 
-#include <syslog.h>
-
 #include <algorithm>
 
 #include "app/frames/HostAccess.h"
+#include "network/NetworkLog.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/NicTeamingPolicy.h"
 #include "platform/hostctl/ZenkNic.h"
@@ -16,14 +15,6 @@ namespace Kovo {
 using HostCtl::Lib::HostCtlException;
 using HostCtl::Network::ConnectionPoint;
 using HostCtl::Network::NicTeamingPolicy;
-
-namespace {
-
-void LogFailure(const std::string& prefix, const std::exception& e) {
-    syslog(LOG_ERR, "%s", (prefix + e.what()).c_str());
-}
-
-}  // namespace
 
 ManagementSwitch::ManagementSwitch(HostAccess& host, HostCtl::Network::ZenkNic& nic)
     : _host(host), _nic(nic) {}

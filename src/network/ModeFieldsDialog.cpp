@@ -41,7 +41,12 @@ void ModeFieldsDialog::AddModes(std::initializer_list<unsigned> captionIds, std:
 
 InputItem& ModeFieldsDialog::AddModeField(unsigned labelId, const std::string& value, int width,
                                           FieldKeys keys, int maxLength) {
-    InputItem& field = AddField(Strings()->GetString(labelId), value, width, keys, maxLength);
+    return AddModeField(Strings()->GetString(labelId), value, width, keys, maxLength);
+}
+
+InputItem& ModeFieldsDialog::AddModeField(const std::string& label, const std::string& value, int width,
+                                          FieldKeys keys, int maxLength) {
+    InputItem& field = AddField(label, value, width, keys, maxLength);
     _fields.push_back(&field);
     return field;
 }

@@ -30,6 +30,9 @@ class ModeFieldsDialog : public Dialog {
     void AddModes(std::initializer_list<unsigned> captionIds, std::size_t marked);
     InputItem& AddModeField(unsigned labelId, const std::string& value, int width, FieldKeys keys,
                             int maxLength);
+    // For a label made up from a string, as with numbered fields.
+    InputItem& AddModeField(const std::string& label, const std::string& value, int width, FieldKeys keys,
+                            int maxLength);
     // Once every item is added: the fields count while the radio item at `fieldsMode` is marked.
     void ShowModes(std::size_t fieldsMode);
 

@@ -1,16 +1,19 @@
 #include "network/NetworkWindow.h"
 
-#include <syslog.h>
-
 #include "app/frames/Footers.h"
 #include "app/frames/MessageDialog.h"
 #include "app/terminal/KeyReader.h"
 #include "app/terminal/Keys.h"
+#include "network/AdaptersDialog.h"
 #include "network/ApplyChangesDialog.h"
 #include "network/ChangeApplication.h"
 #include "network/DNSConfigurationDialog.h"
 #include "network/IPConfigurationDialog.h"
+#include "network/IPv6ConfigurationDialog.h"
+#include "network/ManagementSwitch.h"
+#include "network/NetworkLog.h"
 #include "network/SuffixesDialog.h"
+#include "network/VlanDialog.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/Pnic.h"
 #include "text/ItemList.h"
@@ -22,6 +25,8 @@ namespace Kovo {
 
 using HostCtl::Network::IpAddress;
 using HostCtl::Network::IpConfig;
+using HostCtl::Network::Ipv6Address;
+using HostCtl::Network::Ipv6Network;
 
 namespace {
 
@@ -72,14 +77,14 @@ NetworkWindow::NetworkWindow(Frame* parent, HostAccess& host) : RootWindow(paren
     } catch (const std::exception& e) {
         // Half a record would show, and could write, values the host does not have: the window says so
         // and closes instead.
-        syslog(LOG_ERR, "%s", (std::string("Reading the management network failed: ") + e.what()).c_str());
+        LogFailure("Reading the management network failed: ", e);
         _readFailed = true;
     }
     try {
         for (const auto& pnic : host.Network()->GetPnics())
             _adapterLabels[pnic->GetName()] = pnic->GetLabel();
     } catch (const std::exception& e) {
-        syslog(LOG_ERR, "%s", (std::string("Getting physical nics failed: ") + e.what()).c_str());
+        LogFailure("Getting physical nics failed: ", e);
     }
 
     std::vector<Item*> items;
@@ -138,16 +143,43 @@ std::string NetworkWindow::Ipv4Lines() const {
     return text;
 }
 
+std::vector<Ipv6Network> NetworkWindow::PendingIpv6Networks() const {
+    const IpConfig& applied = _pending.applied;
+    std::vector<Ipv6Network> networks;
+    // What the host obtains by itself stays while the way it obtains it stays chosen.
+    for (const auto& network : _runningAtEntry.GetIpv6Network()) {
+        switch (network.GetIpv6AddressType()) {
+            case HostCtl::Network::IPV6_ADDRESS_STATIC:
+                break;
+            case HostCtl::Network::IPV6_ADDRESS_AUTOCONF:
+                if (applied.GetUseIpv6RouterAdvertised()) networks.push_back(network);
+                break;
+            case HostCtl::Network::IPV6_ADDRESS_DHCP:
+                if (applied.GetUseIpv6Dhcp()) networks.push_back(network);
+                break;
+            default:
+                networks.push_back(network);
+                break;
+        }
+    }
+    for (const auto& network : applied.GetIpv6Network())
+        if (network.GetIpv6AddressType() == HostCtl::Network::IPV6_ADDRESS_STATIC)
+            networks.push_back(network);
+    return networks;
+}
+
+Ipv6Address NetworkWindow::PendingIpv6Gateway() const {
+    return _pending.ipv6GatewayChanged ? _pending.applied.GetIpv6Gateway() : _ipv6GatewayAtEntry;
+}
+
 std::string NetworkWindow::Ipv6Lines() const {
-    if (_pending.Ipv6StateChanges()) return "";
     if (!_pending.ipv6Enabled) return Value(String(kIpv6Off));
     std::string text =
         Value(String(kIpv6On)) + "\n{color:white}" + String(kIpv6AddressesLabel) + ":{/color}\n";
-    const auto networks = _runningAtEntry.GetIpv6Network();
+    const auto networks = PendingIpv6Networks();
     if (networks.empty()) text += Value("  " + String(kNotSet));
     for (const auto& network : networks) text += Value("  " + network.GetStringAddress());
-    const auto& gateway =
-        _pending.ipv6GatewayChanged ? _pending.applied.GetIpv6Gateway() : _ipv6GatewayAtEntry;
+    const Ipv6Address gateway = PendingIpv6Gateway();
     text += Line(kGatewayLabel, gateway.IsUnspecified() ? "" : gateway.GetScopedStringAddress());
     return text;
 }
@@ -227,18 +259,69 @@ void NetworkWindow::EditSuffixes() {
     Changed();
 }
 
+void NetworkWindow::EditAdapters() {
+    // Without the switch the uplinks belong to, nobody can tell which NICs another connection holds.
+    std::string switchName;
+    if (!ManagementSwitch(_host, *_pending.managementInterface).Name(switchName)) return;
+    AdaptersDialog dialog(this, _host, _pending.adapters, switchName);
+    if (dialog.RunModal() != 1 || dialog.Selected() == _pending.adapters) return;
+    _pending.adapters = dialog.Selected();
+    _pending.adaptersKnown = true;
+    Changed();
+}
+
+void NetworkWindow::EditVlan() {
+    VlanDialog dialog(this, _pending.vlan);
+    if (dialog.RunModal() != 1 || dialog.Vlan() == _pending.vlan) return;
+    _pending.vlan = static_cast<int16_t>(dialog.Vlan());
+    _pending.vlanKnown = true;
+    Changed();
+}
+
+void NetworkWindow::EditIpv6() {
+    const Ipv6Address gateway = PendingIpv6Gateway();
+    IPv6ConfigurationDialog dialog(this, _pending.ipv6Enabled, _pending.applied, gateway);
+    if (dialog.RunModal() != 1) return;
+    IpConfig& applied = _pending.applied;
+    const IpConfig& edited = dialog.Config();
+    const bool gatewayChanged = dialog.Gateway() != gateway;
+    if (dialog.Enabled() == _pending.ipv6Enabled && edited.GetUseIpv6Dhcp() == applied.GetUseIpv6Dhcp() &&
+        edited.GetUseIpv6RouterAdvertised() == applied.GetUseIpv6RouterAdvertised() &&
+        edited.GetIpv6Network() == applied.GetIpv6Network() && !gatewayChanged)
+        return;
+    _pending.ipv6Enabled = dialog.Enabled();
+    for (IpConfig* config : {&applied, &_pending.modes}) {
+        config->SetUseIpv6Dhcp(edited.GetUseIpv6Dhcp());
+        config->SetUseIpv6RouterAdvertised(edited.GetUseIpv6RouterAdvertised());
+    }
+    applied.ClearIpv6Networks();
+    for (const auto& network : edited.GetIpv6Network()) applied.AddIpv6Network(network);
+    if (gatewayChanged) {
+        _pending.ipv6GatewayChanged = true;
+        applied.SetIpv6Gateway(dialog.Gateway());
+    }
+    Changed();
+}
+
 void NetworkWindow::Open(Entry entry) {
     switch (entry) {
+        case kAdapters:
+            EditAdapters();
+            break;
+        case kVlan:
+            EditVlan();
+            break;
         case kIpv4:
             EditIpv4();
+            break;
+        case kIpv6:
+            EditIpv6();
             break;
         case kDns:
             EditDns();
             break;
         case kSuffixes:
             EditSuffixes();
-            break;
-        default:
             break;
     }
     List()->Draw();
@@ -253,7 +336,7 @@ bool NetworkWindow::Leave() {
                 UpdateDetails();
                 refresh();
             }).Run();
-            syslog(LOG_INFO, "%s", "Network settings changed.");
+            LogInfo("Network settings changed.");
             return true;
         case ApplyChangesDialog::kNo:
             return true;
@@ -268,7 +351,7 @@ int NetworkWindow::HandleKey() {
         return 1;
     }
     if (!_pending.managementInterface) {
-        syslog(LOG_ERR, "%s", "Could not get a suitable management interface");
+        LogError("Could not get a suitable management interface");
         MessageDialog(this, kErrorTitle, kNoInterface).RunModal();
         return 1;
     }

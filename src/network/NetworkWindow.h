@@ -34,7 +34,10 @@ class NetworkWindow : public RootWindow {
   private:
     // Opens the selected entry's dialog and takes what it returns into the pending record.
     void Open(Entry entry);
+    void EditAdapters();
+    void EditVlan();
     void EditIpv4();
+    void EditIpv6();
     void EditDns();
     void EditSuffixes();
     // Takes a dialog's accepted value into the record: marks the record changed and redraws.
@@ -49,6 +52,11 @@ class NetworkWindow : public RootWindow {
     std::string AdapterLines() const;
     std::string Ipv4Lines() const;
     std::string Ipv6Lines() const;
+    // The IPv6 addresses the interface will have: the static ones pending, with what the host obtained by
+    // itself at entry in the ways still chosen.
+    std::vector<HostCtl::Network::Ipv6Network> PendingIpv6Networks() const;
+    // The IPv6 gateway pending: the one typed in the IPv6 dialog, else the host's at entry.
+    HostCtl::Network::Ipv6Address PendingIpv6Gateway() const;
     std::string DnsLines() const;
 
     HostAccess& _host;

@@ -1,11 +1,10 @@
 #include "network/PendingNetwork.h"
 
-#include <syslog.h>
-
 #include <algorithm>
 
 #include "app/frames/HostAccess.h"
 #include "network/ManagementSwitch.h"
+#include "network/NetworkLog.h"
 
 namespace Kovo {
 
@@ -47,7 +46,7 @@ PendingNetwork PendingNetwork::Read(HostAccess& host) {
         pending.managementInterface = pending.networkInfo->GetManagementInterface();
     } catch (const std::exception& e) {
         // A host that cannot say which interface manages it has, for the window, none.
-        syslog(LOG_ERR, "%s", e.what());
+        LogError(e.what());
     }
     if (!pending.managementInterface) return pending;
 

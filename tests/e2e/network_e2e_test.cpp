@@ -3,127 +3,11 @@
 // addresses), with the log lines and commands in order.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-
-#include "HostSteps.h"
+#include "NetworkSteps.h"
 
 namespace {
 
 using namespace KovoE2e;
-
-// From Configure Password: Lockdown, then the network.
-constexpr int kNetworkDowns = 2;
-constexpr const char* kWindowMark = "VLAN (optional)";
-constexpr const char* kConfirmTitle = "Configure Management Network: Confirm";
-constexpr const char* kRestartQuestion = "Apply changes and restart management network?";
-constexpr const char* kErrorTitle = "Enable Management Network: Error";
-constexpr const char* kStaticChoice = "Set static IPv4 address";
-
-// Entries counted in presses of Down from Network Adapters (the blank line is skipped); the window's
-// entries open like the menu's (OpenFromMenu).
-constexpr int kIpv4Downs = 2, kDnsDowns = 4, kSuffixDowns = 5;
-
-void Press(HostConsole& host, Key key, int times = 1) {
-    for (int i = 0; i < times; ++i) {
-        host.Term().Press(key);
-        ASSERT_TRUE(host.Term().WaitForQuiet(80ms));
-    }
-}
-
-bool OpenNetwork(HostConsole& host) {
-    return LogIn(host, "", kRootPassword) && OpenFromMenu(host, kNetworkDowns, kWindowMark);
-}
-
-// Types into the focused field and waits for the screen to show it.
-void TypeShown(HostConsole& host, const std::string& text) {
-    host.Term().Type(text);
-    ASSERT_TRUE(host.Term().WaitForText(text)) << host.Term().Dump();
-    ASSERT_TRUE(host.Term().WaitForQuiet(80ms));
-}
-
-// Back at the first entry from `downs` below it.
-void BackToTop(HostConsole& host, int downs) {
-    Press(host, Key::Up, downs);
-}
-
-// Enter on the open dialog showing `mark`, then back at the first entry from `downs` below it.
-void Accept(HostConsole& host, const std::string& mark, int downs) {
-    host.Term().Press(Key::Enter);
-    ASSERT_TRUE(host.Term().WaitForTextGone(mark)) << host.Term().Dump();
-    ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
-    BackToTop(host, downs);
-}
-
-// From the first entry: new suffixes typed into their dialog and accepted.
-void EditSuffixes(HostConsole& host, const std::string& text) {
-    ASSERT_TRUE(OpenFromMenu(host, kSuffixDowns, "Use spaces or commas")) << host.Term().Dump();
-    TypeShown(host, text);
-    Accept(host, "Use spaces or commas", kSuffixDowns);
-}
-
-// From the first entry: one IPv4 field (`fieldDowns` below the static choice) retyped and accepted.
-void EditIpv4Field(HostConsole& host, int fieldDowns, const std::string& text) {
-    ASSERT_TRUE(OpenFromMenu(host, kIpv4Downs, kStaticChoice)) << host.Term().Dump();
-    Press(host, Key::Down, fieldDowns);
-    TypeShown(host, text);
-    Accept(host, kStaticChoice, kIpv4Downs);
-}
-
-// Waits for a message dialog with its title and its text both painted.
-bool ShowsMessage(HostConsole& host, const std::string& title, const std::string& text) {
-    return host.Term().WaitFor(
-        [&](const VirtualTerminal& screen) { return screen.Contains(title) && screen.Contains(text); });
-}
-
-// Esc and the confirmation, answered with `answer`; waits for the main menu.
-void LeaveAnswering(HostConsole& host, const std::string& answer) {
-    host.Term().Press(Key::Escape);
-    ASSERT_TRUE(host.Term().WaitForText(kConfirmTitle)) << host.Term().Dump();
-    ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
-    host.Term().Type(answer);
-}
-
-bool BackInMenu(HostConsole& host) {
-    return host.Term().WaitForTextGone(kWindowMark) && host.Term().WaitFor(MenuShown) &&
-           host.Term().WaitForQuiet(300ms);
-}
-
-// A value of the running host's store, parsed.
-nlohmann::json StoreJson(const HostConsole& host, const std::string& pointer) {
-    return nlohmann::json::parse(StoreValue(host, pointer), nullptr, false);
-}
-
-std::string FileText(const std::string& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-std::string StoreFile(const HostConsole& host) {
-    return FileText(host.HostDir() + "/upper/etc/halvor/host.json");
-}
-
-std::string HostFile(const HostConsole& host, const std::string& path) {
-    return FileText(host.HostDir() + "/upper" + path);
-}
-
-// Whether an address answers a ping inside the running host.
-bool Answers(const HostConsole& host, const std::string& address) {
-    return Launcher({"exec", host.HostDir(), "--", "/bin/zenkping", "-c", "1", address});
-}
-
-// The syslog's positions of lines, each the first containing its text after the one before; all found.
-bool InOrder(const HostConsole& host, const std::vector<std::string>& texts) {
-    const std::string log = host.Syslog();
-    size_t at = 0;
-    for (const auto& text : texts) {
-        at = log.find(text, at);
-        if (at == std::string::npos) return false;
-    }
-    return true;
-}
 
 TEST(NetworkWindow, StaticAddressAppliedWithYesIsWhatTheHostRuns) {
     auto host = MakeHost("default");
@@ -350,23 +234,6 @@ TEST(NetworkWindow, AnInterfaceGoneSinceTheMenuWasBuiltIsReported) {
     ASSERT_TRUE(Acknowledge(*host, "Management network interface cannot be found."));
     EXPECT_TRUE(host->Term().WaitFor(MenuShown)) << host->Term().Dump();
     EXPECT_EQ(host->SyslogLines({"user.err", "]: Could not get a suitable management interface"}).size(), 1u);
-}
-
-TEST(NetworkWindow, DistributedSwitchHostTakesIpAndDnsOnly) {
-    auto host = MakeHost("dvs");
-    ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
-    const std::string switchesBefore = StoreValue(*host, "/network/dvs");
-    EditIpv4Field(*host, 1, "10.20.30.61");
-    EditSuffixes(*host, "dvs.example");
-
-    LeaveAnswering(*host, "y");
-    ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
-    ASSERT_TRUE(host->WaitForSyslog({"]: Network settings changed."})) << host->Syslog();
-    EXPECT_TRUE(host->SyslogLines({"]: Setting adapters to"}).empty()) << host->Syslog();
-    EXPECT_EQ(host->SyslogLines({"]: Setting ipv4 configuration to 10.20.30.61"}).size(), 1u)
-        << host->Syslog();
-    EXPECT_EQ(StoreValue(*host, "/network/dvs"), switchesBefore);
-    EXPECT_EQ(StoreJson(*host, "/network/dns/searchDomains"), nlohmann::json({"lab.example", "dvs.example"}));
 }
 
 }  // namespace

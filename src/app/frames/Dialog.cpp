@@ -43,6 +43,9 @@ bool AcceptsKey(FieldKeys keys, int key) {
             return IsDigit(key) || key == '.';
         case FieldKeys::DnsAddress:
             return IsHexDigit(key) || key == '.' || key == ':';
+        case FieldKeys::Ipv6:
+            // Letters beyond the hexadecimal ones: the zone after a link-local gateway, as in "%zk0".
+            return IsLetter(key) || IsDigit(key) || key == ':' || key == '/' || key == '%';
         case FieldKeys::HostName:
             return IsLetter(key) || IsDigit(key) || key == '-' || key == '.';
         case FieldKeys::Suffixes:

@@ -32,6 +32,7 @@ enum class FieldKeys {
     Digits,      // 0-9
     Ipv4,        // digits and '.': a dotted-quad address or netmask
     DnsAddress,  // hexadecimal digits, '.' and ':': a name server, IPv4 or IPv6
+    Ipv6,        // letters, digits, ':', '/' and '%': an IPv6 address or network, with a zone's name
     HostName,    // letters, digits, '-' and '.'
     Suffixes,    // letters, digits, blank, ',', '-' and '.': domain names apart by blanks or commas
     Printable,   // any printable character

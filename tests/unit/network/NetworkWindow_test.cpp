@@ -11,15 +11,22 @@ namespace {
 
 using namespace Testing;
 
-// The pane a Down reaches: the window rebuilds it for the selected entry.
+// The pane a Down reaches: the window rebuilds it for the selected entry. The screen is kept each time
+// the window comes back to the front: a dialog it opened is still on it then.
 class ObservedWindow : public NetworkWindow {
   public:
     using NetworkWindow::NetworkWindow;
     std::vector<std::string> panes;
+    std::string screens;
     void UpdateDetails() override {
         NetworkWindow::UpdateDetails();
         panes.push_back(Details()->Text());
     }
+    void SetActive(bool active) override {
+        if (active) screens += ScreenText();
+        NetworkWindow::SetActive(active);
+    }
+    bool Showed(const std::string& text) const { return screens.find(text) != std::string::npos; }
 };
 
 class NetworkWindowTest : public ScriptedScreen {
@@ -127,6 +134,52 @@ TEST_F(NetworkWindowTest, UplinksAndVlanTheHostCannotTellAreUnknownAndLeftAlone)
     EXPECT_TRUE(host_.Made("Dns.AddSearchDomain x.example"));
     EXPECT_TRUE(host_.From("log: Setting adapters").empty());
     EXPECT_TRUE(host_.From("Switch.").empty());
+}
+
+TEST_F(NetworkWindowTest, TheAdapterListIsReplacedOnlyWhenItsOrderOrNamesDiffer) {
+    // Accepted as it was: no change. Then zennic0 unchecked and checked again: it comes last now.
+    auto same = Run("\n\n" + kLeave);
+    EXPECT_FALSE(same->Pending().changed);
+    auto reordered = Run("\n  \n" + kLeave + kDrop);
+    EXPECT_TRUE(reordered->Pending().changed);
+    EXPECT_EQ(reordered->Pending().adapters, (std::vector<std::string>{"zennic1", "zennic0"}));
+    EXPECT_LT(reordered->panes.back().find("zennic1"), reordered->panes.back().find("zennic0"));
+}
+
+TEST_F(NetworkWindowTest, AdaptersOpenOnlyWhenTheManagementSwitchIsKnown) {
+    store_.Get()->Update([](nlohmann::json& d) {
+        d["simulation"]["faults"]["VirtualSwitchInfo.GetPortGroupSwitch"] = "port group lost";
+    });
+    // Enter opens nothing; Space, which the dialog would have taken, reaches the window and is ignored.
+    auto window = Run("\n \n" + kLeave);
+    EXPECT_TRUE(host_.Made("error: Getting switch name failed: port group lost"));
+    EXPECT_FALSE(window->Pending().changed);
+}
+
+TEST_F(NetworkWindowTest, Ipv6EditsArePendingAndShownUntilApplied) {
+    const std::string down = Keys::kDown;
+    // Static with one address, the gateway left as it was.
+    auto window =
+        Run(down + down + down + "\n" + down + down + " " + down + "2001:db8::9/64\n" + kLeave + kDrop);
+    const PendingNetwork& pending = window->Pending();
+    EXPECT_TRUE(pending.changed);
+    EXPECT_FALSE(pending.ipv6GatewayChanged);
+    EXPECT_FALSE(pending.modes.GetUseIpv6RouterAdvertised());
+    const std::string& pane = window->panes.back();
+    // The router's address goes with router advertisement; the link-local address stays.
+    EXPECT_NE(pane.find("2001:db8::9"), std::string::npos) << pane;
+    EXPECT_EQ(pane.find("2001:db8:20:30:21b:21ff:fe4a:1000"), std::string::npos) << pane;
+    EXPECT_NE(pane.find("fe80::"), std::string::npos) << pane;
+    EXPECT_NE(pane.find("Default Gateway: {/color}{color:light-grey}2001:db8:20:30::1"), std::string::npos);
+    EXPECT_FALSE(Wrote());
+
+    // Switched off: the pane says what happens at the next boot, and leaving asks for a reboot.
+    auto off =
+        Run(down + down + down + "\n" + Keys::kUp + " \n" + kLeave + "\t" + Keys::kEsc + kLeave + kDrop);
+    EXPECT_TRUE(off->Pending().Ipv6StateChanges());
+    EXPECT_NE(off->panes.back().find("The support for IPv6 will be enabled after the next reboot."),
+              std::string::npos);
+    EXPECT_TRUE(off->Showed("Apply changes and reboot host?"));
 }
 
 TEST_F(NetworkWindowTest, AHostThatCannotBeReadIsReportedAndTheWindowCloses) {

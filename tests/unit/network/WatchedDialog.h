@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "../access/LoginTestScreen.h"
+#include "../system/RecordingHost.h"
 #include "text/ItemList.h"
 
 namespace Kovo::Testing {
@@ -26,8 +27,7 @@ class Watched : public D {
     std::string screens;
 
     void SetActive(bool active) override {
-        for (int y = 0; active && y < LINES; ++y)
-            for (int x = 0; x < COLS; ++x) screens += static_cast<char>(mvwinch(curscr, y, x) & A_CHARTEXT);
+        if (active) screens += ScreenText();
         D::SetActive(active);
     }
     bool Showed(const std::string& text) const { return screens.find(text) != std::string::npos; }

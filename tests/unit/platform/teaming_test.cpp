@@ -8,12 +8,37 @@ using Order = std::vector<std::string>;
 
 namespace {
 
-NicTeamingPolicy Policy(bool explicitOrder, Order order, bool explicitMax, uint32_t max) {
+constexpr uint32_t kOrder = NicTeamingPolicy::FLAG_EXPLICIT_ORDER;
+constexpr uint32_t kMax = NicTeamingPolicy::FLAG_EXPLICIT_MAX_ACTIVE;
+// A bit neither rule knows: it must be carried over like every other setting.
+constexpr uint32_t kOther = 1u << 0;
+
+// Order and maximum are stored whether or not their flags say they are explicit, so a rule that read a
+// stale value, or changed one it should have left alone, shows in the result.
+NicTeamingPolicy Policy(uint32_t flags, Order order, uint32_t max) {
     NicTeamingPolicy p;
-    if (explicitOrder) p.SetUplinkOrder(order);
-    if (explicitMax) p.SetMaxActiveUplinks(max);
+    p.SetUplinkOrder(order);
+    p.SetMaxActiveUplinks(max);
     p.SetLoadBalancing("loadbalance_ip");
+    p.SetFlags(flags);
     return p;
+}
+
+// The flag combinations of a current policy, and whether it lists the uplink the rule is given.
+struct Case {
+    bool explicitOrder, explicitMax, listed;
+    Order order;   // expected
+    uint32_t max;  // expected
+};
+
+uint32_t FlagsOf(const Case& c) {
+    return kOther | (c.explicitOrder ? kOrder : 0) | (c.explicitMax ? kMax : 0);
+}
+
+std::string Name(const Case& c) {
+    return std::string(c.explicitOrder ? "explicit order" : "inherited order") +
+           (c.explicitMax ? ", explicit maximum" : ", inherited maximum") +
+           (c.listed ? ", listed" : ", not listed");
 }
 
 }  // namespace
@@ -27,58 +52,51 @@ TEST(NicTeamingPolicyTest, FlagBitsAreFourAndSix) {
     EXPECT_EQ(p.GetFlags(), 0x50u);
 }
 
-TEST(NicTeamingPolicyTest, AddWithExplicitOrderAndMaximum) {
-    auto next = NicTeamingPolicy::WithUplinkAdded(Policy(true, {"zennic0"}, true, 1), "zennic1");
-    EXPECT_EQ(next.GetUplinkOrder(), (Order{"zennic0", "zennic1"}));
-    EXPECT_EQ(next.GetMaxActiveUplinks(), 2u);
-    EXPECT_TRUE(next.HasExplicitUplinkOrder());
-    EXPECT_TRUE(next.HasExplicitMaxActiveUplinks());
-    EXPECT_EQ(next.GetLoadBalancing(), "loadbalance_ip");  // everything else is copied
+TEST(NicTeamingPolicyTest, AddingMakesTheOrderExplicitAndRaisesOnlyAnExplicitMaximum) {
+    // zennic1 joins. An inherited order restarts empty, so the result lists zennic1 alone; an explicit
+    // maximum grows even when zennic1 was listed already.
+    const Case cases[] = {
+        {true, true, true, {"zennic1", "zennic0"}, 4},
+        {true, true, false, {"zennic0", "zennic1"}, 4},
+        {true, false, true, {"zennic1", "zennic0"}, 3},
+        {true, false, false, {"zennic0", "zennic1"}, 3},
+        {false, true, true, {"zennic1"}, 4},
+        {false, true, false, {"zennic1"}, 4},
+        {false, false, true, {"zennic1"}, 3},
+        {false, false, false, {"zennic1"}, 3},
+    };
+    for (const Case& c : cases) {
+        // A listed uplink keeps its place and is not listed twice.
+        const Order current = c.listed ? Order{"zennic1", "zennic0"} : Order{"zennic0"};
+        const NicTeamingPolicy expected = Policy(FlagsOf(c) | kOrder, c.order, c.max);
+        EXPECT_EQ(NicTeamingPolicy::WithUplinkAdded(Policy(FlagsOf(c), current, 3), "zennic1"), expected)
+            << Name(c);
+    }
 }
 
-TEST(NicTeamingPolicyTest, AddWithoutExplicitOrderKeepsOnlyTheNewUplink) {
-    // The stale order of an inherited policy must not leak into the new explicit order.
-    NicTeamingPolicy inherited = Policy(false, {}, false, 0);
-    inherited.SetFlags(0);
-    auto next = NicTeamingPolicy::WithUplinkAdded(inherited, "zennic2");
-    EXPECT_EQ(next.GetUplinkOrder(), (Order{"zennic2"}));
-    EXPECT_TRUE(next.HasExplicitUplinkOrder());
-    EXPECT_FALSE(next.HasExplicitMaxActiveUplinks());
-    EXPECT_EQ(next.GetMaxActiveUplinks(), 0u);
-
-    NicTeamingPolicy stale;
-    stale.SetUplinkOrder({"zennic0", "zennic1"});
-    stale.SetFlags(0);  // order present but not explicit
-    EXPECT_EQ(NicTeamingPolicy::WithUplinkAdded(stale, "zennic3").GetUplinkOrder(), (Order{"zennic3"}));
+TEST(NicTeamingPolicyTest, RemovingChangesOnlyAnExplicitOrderThatListsTheUplink) {
+    // zennic1 leaves. Unlike adding, the maximum is lowered only when zennic1 was taken out of the order.
+    const Case cases[] = {
+        {true, true, true, {"zennic0", "zennic2"}, 2},
+        {true, true, false, {"zennic0", "zennic2"}, 3},
+        {true, false, true, {"zennic0", "zennic2"}, 3},
+        {true, false, false, {"zennic0", "zennic2"}, 3},
+        {false, true, true, {"zennic0", "zennic1", "zennic2"}, 3},
+        {false, true, false, {"zennic0", "zennic2"}, 3},
+        {false, false, true, {"zennic0", "zennic1", "zennic2"}, 3},
+        {false, false, false, {"zennic0", "zennic2"}, 3},
+    };
+    for (const Case& c : cases) {
+        const Order current = c.listed ? Order{"zennic0", "zennic1", "zennic2"} : Order{"zennic0", "zennic2"};
+        const NicTeamingPolicy expected = Policy(FlagsOf(c), c.order, c.max);
+        EXPECT_EQ(NicTeamingPolicy::WithUplinkRemoved(Policy(FlagsOf(c), current, 3), "zennic1"), expected)
+            << Name(c);
+    }
 }
 
-TEST(NicTeamingPolicyTest, AddOfListedUplinkStillRaisesExplicitMaximum) {
-    auto next = NicTeamingPolicy::WithUplinkAdded(Policy(true, {"zennic0", "zennic1"}, true, 2), "zennic1");
-    EXPECT_EQ(next.GetUplinkOrder(), (Order{"zennic0", "zennic1"}));
-    EXPECT_EQ(next.GetMaxActiveUplinks(), 3u);
-}
-
-TEST(NicTeamingPolicyTest, RemoveOnlyTouchesAnExplicitOrderThatListsTheUplink) {
-    auto removed = NicTeamingPolicy::WithUplinkRemoved(Policy(true, {"a", "b", "c"}, true, 3), "b");
-    EXPECT_EQ(removed.GetUplinkOrder(), (Order{"a", "c"}));
-    EXPECT_EQ(removed.GetMaxActiveUplinks(), 2u);
-
-    auto noMax = NicTeamingPolicy::WithUplinkRemoved(Policy(true, {"a", "b"}, false, 7), "a");
-    EXPECT_EQ(noMax.GetUplinkOrder(), (Order{"b"}));
-    EXPECT_FALSE(noMax.HasExplicitMaxActiveUplinks());
-
-    // Not listed: unchanged, and the maximum is not lowered (unlike add, which always raises it).
-    NicTeamingPolicy listed = Policy(true, {"a"}, true, 1);
-    EXPECT_EQ(NicTeamingPolicy::WithUplinkRemoved(listed, "z"), listed);
-    // No explicit order: unchanged even though the uplink appears in the stale list.
-    NicTeamingPolicy stale;
-    stale.SetUplinkOrder({"a"});
-    stale.SetMaxActiveUplinks(4);
-    stale.SetFlags(NicTeamingPolicy::FLAG_EXPLICIT_MAX_ACTIVE);
-    EXPECT_EQ(NicTeamingPolicy::WithUplinkRemoved(stale, "a"), stale);
-    // A maximum of zero does not wrap around.
-    EXPECT_EQ(NicTeamingPolicy::WithUplinkRemoved(Policy(true, {"a"}, true, 0), "a").GetMaxActiveUplinks(),
-              0u);
+TEST(NicTeamingPolicyTest, RemovingUnderAMaximumOfZeroDoesNotWrap) {
+    const auto next = NicTeamingPolicy::WithUplinkRemoved(Policy(kOrder | kMax, {"zennic1"}, 0), "zennic1");
+    EXPECT_EQ(next, Policy(kOrder | kMax, {}, 0));
 }
 
 TEST(IpConfigTest, ModesAndIpv6NetworkList) {

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <syslog.h>
+
+#include <exception>
+#include <string>
+
+namespace Kovo {
+
+// The network screens' log lines: one string each, built afresh, so a line reads the same in the log
+// whatever its text holds ('%' included).
+inline void LogInfo(const std::string& line) {
+    syslog(LOG_INFO, "%s", line.c_str());
+}
+
+inline void LogError(const std::string& line) {
+    syslog(LOG_ERR, "%s", line.c_str());
+}
+
+// A failure: what was being done, then the host's reason.
+inline void LogFailure(const std::string& prefix, const std::exception& e) {
+    LogError(prefix + e.what());
+}
+
+}  // namespace Kovo

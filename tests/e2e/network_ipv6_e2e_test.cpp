@@ -1,0 +1,119 @@
+// IPv6 in the network window on the simulated host: static addresses and a gateway the host then runs,
+// the addresses refused, and switching IPv6 off or on, which restarts the host.
+#include <gtest/gtest.h>
+
+#include "NetworkSteps.h"
+
+namespace {
+
+using namespace KovoE2e;
+using nlohmann::json;
+
+constexpr const char* kIpv6Mark = "Set static IPv6 address";
+
+// Enter on a static address the dialog refuses; the report is read and closed.
+void Refused(HostConsole& host, const std::string& title, const std::string& text) {
+    host.Term().Press(Key::Enter);
+    ASSERT_TRUE(ShowsMessage(host, title, text)) << host.Term().Dump();
+    ASSERT_TRUE(Acknowledge(host, text));
+    EXPECT_TRUE(host.Term().Screen().Contains(kIpv6Mark));
+}
+
+TEST(NetworkIpv6, StaticAddressesAndGatewayAreCheckedAppliedAndShown) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(*host, kIpv6Downs, kIpv6Mark)) << host->Term().Dump();
+    // From the dynamic choice the host runs, to static, then the first address field.
+    Press(*host, Key::Down, 2);
+    host->Term().Type(" ");
+    ASSERT_TRUE(host->Term().WaitForQuiet(80ms));
+    Press(*host, Key::Down);
+    TypeShown(*host, "2001:db8:20:30::41");
+    Refused(*host, "Invalid IP address", "Please reenter a valid IPv6 network address (x:x:x/x).");
+    // Link-local, and what the same byte test takes for it.
+    for (const char* linkLocal : {"fe80::1/64", "febf::1/64", "ff80::1/64"}) {
+        SCOPED_TRACE(linkLocal);
+        TypeShown(*host, linkLocal);
+        Refused(*host, "Invalid scope", "Cannot add a link-local address as static address.");
+    }
+    TypeShown(*host, "2001:db8:20:30::41/64");
+    Press(*host, Key::Down);
+    TypeShown(*host, "fec0::41/64");
+    Press(*host, Key::Down, 2);
+    TypeShown(*host, "2001:db8:20:30::fe");
+    Accept(*host, kIpv6Mark, kIpv6Downs);
+    Press(*host, Key::Down, kIpv6Downs);
+    EXPECT_TRUE(host->Term().WaitFor([](const VirtualTerminal& screen) {
+        return screen.Contains("2001:db8:20:30::41") && screen.Contains("fec0::41") &&
+               screen.Contains("Default Gateway: 2001:db8:20:30::fe");
+    })) << host->Term().Dump();
+    EXPECT_EQ(StoreJson(*host, "/network/routing/ipv6DefaultGateway"), "2001:db8:20:30::1");
+
+    LeaveAnswering(*host, "y");
+    ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
+    ASSERT_TRUE(host->WaitForSyslog({"]: Network settings changed."})) << host->Syslog();
+    EXPECT_TRUE(InOrder(
+        *host, {"]: Setting ipv6 configuration", "]: Setting default ipv6 gateway to 2001:db8:20:30::fe",
+                "]: Network settings changed."}))
+        << host->Syslog();
+    // No reboot question: IPv6 stayed on.
+    EXPECT_EQ(host->Term().Output().find(kRebootQuestion), std::string::npos);
+    EXPECT_EQ(StoreJson(*host, "/network/routing/ipv6DefaultGateway"), "2001:db8:20:30::fe");
+    const json ipv6 = StoreJson(*host, "/network/zenkNics/0/ipConfig/ipv6");
+    EXPECT_EQ(ipv6["routerAdvertised"], false) << ipv6;
+    EXPECT_EQ(ipv6["networks"].size(), 2u) << ipv6;
+    EXPECT_NE(ipv6.dump().find("\"2001:db8:20:30::41\""), std::string::npos) << ipv6;
+
+    // The welcome screen lists what the interface runs now: the static addresses, no router address.
+    host->Term().Press(Key::Escape);
+    EXPECT_TRUE(host->Term().WaitFor([](const VirtualTerminal& screen) {
+        return screen.Contains("https://[2001:db8:20:30::41]/ (STATIC)") &&
+               screen.Contains("https://[fec0::41]/ (STATIC)");
+    })) << host->Term().Dump();
+    EXPECT_FALSE(host->Term().Screen().Contains("2001:db8:20:30:21b:21ff:fe4a:1000"));
+}
+
+// Switches IPv6 with the dialog's first choices (`downs` from the one marked) and leaves with Y, which
+// restarts the host; waits for the welcome screen of the host booted again.
+void SwitchIpv6AndRestart(HostConsole& host, Key direction) {
+    const pid_t first = host.WaitForConsole();
+    ASSERT_TRUE(OpenNetwork(host)) << host.Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(host, kIpv6Downs, kIpv6Mark)) << host.Term().Dump();
+    Press(host, direction);
+    host.Term().Type(" ");
+    ASSERT_TRUE(host.Term().WaitForQuiet(80ms));
+    Accept(host, kIpv6Mark, kIpv6Downs);
+    Press(host, Key::Down, kIpv6Downs);
+    EXPECT_TRUE(host.Term().WaitForText("The support for IPv6 will be")) << host.Term().Dump();
+
+    host.Term().Press(Key::Escape);
+    ASSERT_TRUE(host.Term().WaitForText(kRebootQuestion)) << host.Term().Dump();
+    ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
+    host.Term().Type("y");
+    ASSERT_TRUE(host.WaitForSyslog({"init: host booted again"}, 60s)) << host.Syslog();
+    EXPECT_NE(host.WaitForConsole(first), 0);
+    ASSERT_TRUE(host.Term().WaitForText(kWelcomeKeys, 60s)) << host.Term().Dump();
+    // The virtual machines were shut down, not terminated.
+    EXPECT_EQ(CommandCount(host, {"powerOffVms", "--terminate"}), 0u) << HostRecords(host, "commands.log");
+    EXPECT_EQ(CommandCount(host, {"\"reboot\""}), 1u) << HostRecords(host, "commands.log");
+}
+
+TEST(NetworkIpv6, SwitchedOffItAsksForARebootAndTheHostComesBackWithoutIpv6) {
+    auto host = MakeHost("default", {}, Restarting());
+    ASSERT_TRUE(host->Term().WaitForText("https://[fe80::")) << host->Term().Dump();
+    SwitchIpv6AndRestart(*host, Key::Up);
+    EXPECT_EQ(StoreJson(*host, "/network/ipv6Enabled"), false);
+    EXPECT_TRUE(host->Term().WaitForText("https://10.20.30.41/ (STATIC)")) << host->Term().Dump();
+    EXPECT_FALSE(host->Term().Screen().Contains("https://[")) << host->Term().Dump();
+}
+
+TEST(NetworkIpv6, SwitchedOnTheHostComesBackWithItsIpv6Addresses) {
+    auto host = MakeHost("ipv6-off", {}, Restarting());
+    ASSERT_TRUE(host->Term().WaitForText("https://10.20.30.41/")) << host->Term().Dump();
+    EXPECT_FALSE(host->Term().Screen().Contains("https://["));
+    SwitchIpv6AndRestart(*host, Key::Down);
+    EXPECT_EQ(StoreJson(*host, "/network/ipv6Enabled"), true);
+    EXPECT_TRUE(host->Term().WaitForText("https://[fe80::")) << host->Term().Dump();
+}
+
+}  // namespace

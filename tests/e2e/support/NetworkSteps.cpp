@@ -1,0 +1,101 @@
+#include "NetworkSteps.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+namespace KovoE2e {
+
+void Press(HostConsole& host, Key key, int times) {
+    for (int i = 0; i < times; ++i) {
+        host.Term().Press(key);
+        ASSERT_TRUE(host.Term().WaitForQuiet(80ms));
+    }
+}
+
+bool OpenNetwork(HostConsole& host) {
+    return LogIn(host, "", kRootPassword) && OpenFromMenu(host, kNetworkDowns, kWindowMark);
+}
+
+void TypeShown(HostConsole& host, const std::string& text) {
+    host.Term().Type(text);
+    ASSERT_TRUE(host.Term().WaitForText(text)) << host.Term().Dump();
+    ASSERT_TRUE(host.Term().WaitForQuiet(80ms));
+}
+
+void BackToTop(HostConsole& host, int downs) {
+    Press(host, Key::Up, downs);
+}
+
+void Accept(HostConsole& host, const std::string& mark, int downs) {
+    host.Term().Press(Key::Enter);
+    ASSERT_TRUE(host.Term().WaitForTextGone(mark)) << host.Term().Dump();
+    ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
+    BackToTop(host, downs);
+}
+
+void EditSuffixes(HostConsole& host, const std::string& text) {
+    ASSERT_TRUE(OpenFromMenu(host, kSuffixDowns, "Use spaces or commas")) << host.Term().Dump();
+    TypeShown(host, text);
+    Accept(host, "Use spaces or commas", kSuffixDowns);
+}
+
+void EditIpv4Field(HostConsole& host, int fieldDowns, const std::string& text) {
+    ASSERT_TRUE(OpenFromMenu(host, kIpv4Downs, kStaticChoice)) << host.Term().Dump();
+    Press(host, Key::Down, fieldDowns);
+    TypeShown(host, text);
+    Accept(host, kStaticChoice, kIpv4Downs);
+}
+
+bool ShowsMessage(HostConsole& host, const std::string& title, const std::string& text) {
+    return host.Term().WaitFor(
+        [&](const VirtualTerminal& screen) { return screen.Contains(title) && screen.Contains(text); });
+}
+
+void LeaveAnswering(HostConsole& host, const std::string& answer) {
+    host.Term().Press(Key::Escape);
+    ASSERT_TRUE(host.Term().WaitForText(kConfirmTitle)) << host.Term().Dump();
+    ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
+    host.Term().Type(answer);
+}
+
+bool BackInMenu(HostConsole& host) {
+    return host.Term().WaitForTextGone(kWindowMark) && host.Term().WaitFor(MenuShown) &&
+           host.Term().WaitForQuiet(300ms);
+}
+
+nlohmann::json StoreJson(const HostConsole& host, const std::string& pointer) {
+    return nlohmann::json::parse(StoreValue(host, pointer), nullptr, false);
+}
+
+std::string FileText(const std::string& path) {
+    std::ifstream in(path);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::string StoreFile(const HostConsole& host) {
+    return FileText(host.HostDir() + "/upper/etc/halvor/host.json");
+}
+
+std::string HostFile(const HostConsole& host, const std::string& path) {
+    return FileText(host.HostDir() + "/upper" + path);
+}
+
+bool Answers(const HostConsole& host, const std::string& address) {
+    return Launcher({"exec", host.HostDir(), "--", "/bin/zenkping", "-c", "1", address});
+}
+
+bool InOrder(const HostConsole& host, const std::vector<std::string>& texts) {
+    const std::string log = host.Syslog();
+    size_t at = 0;
+    for (const auto& text : texts) {
+        at = log.find(text, at);
+        if (at == std::string::npos) return false;
+    }
+    return true;
+}
+
+}  // namespace KovoE2e

@@ -1,0 +1,59 @@
+#pragma once
+
+// Steps of the network window's end-to-end tests: opening the window and its entries, editing a dialog's
+// fields, leaving with an answer, and reading what the host then runs.
+
+#include <string>
+#include <vector>
+
+#include "HostSteps.h"
+
+namespace KovoE2e {
+
+// From Configure Password: Lockdown, then the network.
+inline constexpr int kNetworkDowns = 2;
+inline constexpr const char* kWindowMark = "VLAN (optional)";
+inline constexpr const char* kConfirmTitle = "Configure Management Network: Confirm";
+inline constexpr const char* kRestartQuestion = "Apply changes and restart management network?";
+inline constexpr const char* kRebootQuestion = "Apply changes and reboot host?";
+inline constexpr const char* kErrorTitle = "Enable Management Network: Error";
+inline constexpr const char* kStaticChoice = "Set static IPv4 address";
+
+// Entries counted in presses of Down from Network Adapters (the blank line is skipped); the window's
+// entries open like the menu's (OpenFromMenu).
+inline constexpr int kVlanDowns = 1, kIpv4Downs = 2, kIpv6Downs = 3, kDnsDowns = 4, kSuffixDowns = 5;
+
+// Presses `key` `times` times, letting the screen settle after each.
+void Press(HostConsole& host, Key key, int times = 1);
+// Logs in as root and opens the network window.
+bool OpenNetwork(HostConsole& host);
+// Types into the focused field and waits for the screen to show it.
+void TypeShown(HostConsole& host, const std::string& text);
+// Back at the first entry from `downs` below it.
+void BackToTop(HostConsole& host, int downs);
+// Enter on the open dialog showing `mark`, then back at the first entry from `downs` below it.
+void Accept(HostConsole& host, const std::string& mark, int downs);
+// From the first entry: new suffixes typed into their dialog and accepted.
+void EditSuffixes(HostConsole& host, const std::string& text);
+// From the first entry: one IPv4 field (`fieldDowns` below the static choice) retyped and accepted.
+void EditIpv4Field(HostConsole& host, int fieldDowns, const std::string& text);
+// Waits for a message dialog with its title and its text both painted.
+bool ShowsMessage(HostConsole& host, const std::string& title, const std::string& text);
+// Esc and the confirmation, answered with `answer`.
+void LeaveAnswering(HostConsole& host, const std::string& answer);
+// Waits for the main menu after the window.
+bool BackInMenu(HostConsole& host);
+
+// A value of the running host's store, parsed.
+nlohmann::json StoreJson(const HostConsole& host, const std::string& pointer);
+std::string FileText(const std::string& path);
+// The store file on the host's disk, byte for byte.
+std::string StoreFile(const HostConsole& host);
+// A file of the host's disk by its path inside the host.
+std::string HostFile(const HostConsole& host, const std::string& path);
+// Whether an address answers a ping inside the running host.
+bool Answers(const HostConsole& host, const std::string& address);
+// The syslog's lines, each the first containing its text after the one before; true when all are found.
+bool InOrder(const HostConsole& host, const std::vector<std::string>& texts);
+
+}  // namespace KovoE2e
