@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "app/terminal/Keys.h"
 #include "network/LinkLocal.h"
 #include "text/InputItem.h"
 #include "text/StringFactory.h"
@@ -86,20 +85,6 @@ IPv6ConfigurationDialog::IPv6ConfigurationDialog(Frame* parent, bool enabled, co
     }
     AddModeField(kGatewayLabel, Shown(gateway), kFieldLength, FieldKeys::Ipv6, kFieldLength);
     ShowModes(kStatic);
-}
-
-bool IPv6ConfigurationDialog::IsAddressField(const InputItem* field) const {
-    for (std::size_t i = 0; i < kAddressCount; ++i)
-        if (field == &Field(i)) return true;
-    return false;
-}
-
-bool IPv6ConfigurationDialog::OnKey(int key) {
-    if (ModeFieldsDialog::OnKey(key)) return true;
-    if (key == kEsc || !IsAddressField(FocusedField())) return false;
-    // Only a key the field takes counts as an edit.
-    if (HandleCommonKey(key)) _addressesEdited = true;
-    return true;
 }
 
 bool IPv6ConfigurationDialog::Accept() {

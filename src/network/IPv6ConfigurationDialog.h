@@ -22,19 +22,15 @@ class IPv6ConfigurationDialog : public ModeFieldsDialog {
     const HostCtl::Network::IpConfig& Config() const { return _config; }
     // The static choice's gateway once taken, otherwise the one given.
     const HostCtl::Network::Ipv6Address& Gateway() const { return _gateway; }
-    // True once a static address field took a key (an edit or a cursor move; the gateway does not count).
-    bool AddressesEdited() const { return _addressesEdited; }
 
     // The radio items and fields, by ordinal.
     enum Ordinal : int { kDisable, kDynamic, kDhcpv6, kStatic, kAddress1, kAddress2, kAddress3, kGateway };
 
   protected:
     bool Accept() override;
-    bool OnKey(int key) override;
 
   private:
     bool AcceptStatic();
-    bool IsAddressField(const InputItem* field) const;
 
     bool _enabled;
     HostCtl::Network::IpConfig _config;
@@ -42,7 +38,6 @@ class IPv6ConfigurationDialog : public ModeFieldsDialog {
     Ordinal _initialMode;
     // The static networks the address fields started with, in field order.
     std::vector<HostCtl::Network::Ipv6Network> _shown;
-    bool _addressesEdited = false;
 };
 
 }  // namespace Kovo
