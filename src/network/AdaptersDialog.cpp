@@ -103,20 +103,18 @@ void AdaptersDialog::Scan(HostAccess& host) {
     }
     std::map<std::string, std::string> owners;
     bool ownersKnown = true;
-    try {
-        for (const auto& standard : host.Switches()->GetVirtualSwitches())
-            for (const std::string& uplink : standard.uplinks) owners[uplink] = standard.name;
-    } catch (const std::exception& e) {
-        LogFailure("Scanning virtual switches failed: ", e);
-        ownersKnown = false;
-    }
-    try {
-        for (const auto& distributed : host.Switches()->GetDvSwitches())
-            for (const std::string& uplink : distributed.uplinks) owners[uplink] = distributed.name;
-    } catch (const std::exception& e) {
-        LogFailure("Scanning dxswitches failed: ", e);
-        ownersKnown = false;
-    }
+    // Standard and distributed switches alike: each uplink is owned by the switch that lists it.
+    auto scan = [&](const char* failure, const auto& switches) {
+        try {
+            for (const auto& owner : switches())
+                for (const std::string& uplink : owner.uplinks) owners[uplink] = owner.name;
+        } catch (const std::exception& e) {
+            LogFailure(failure, e);
+            ownersKnown = false;
+        }
+    };
+    scan("Scanning virtual switches failed: ", [&] { return host.Switches()->GetVirtualSwitches(); });
+    scan("Scanning dxswitches failed: ", [&] { return host.Switches()->GetDvSwitches(); });
     for (Adapter& adapter : _adapters) {
         const auto owner = owners.find(adapter.name);
         if (owner != owners.end()) adapter.usedBy = owner->second;
