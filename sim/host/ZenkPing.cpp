@@ -7,7 +7,13 @@
 #include <unistd.h>
 
 #include <charconv>
+#include <chrono>
 #include <cstring>
+#include <exception>
+#include <thread>
+
+#include "platform/store/StoreSchema.h"
+#include "platform/zenkctl/NetworkJson.h"
 
 namespace KovoSim::Host {
 namespace {
@@ -19,6 +25,24 @@ bool IsLocal(const sockaddr* address, socklen_t length) {
     const bool local = ::bind(fd, address, length) == 0;
     ::close(fd);
     return local;
+}
+
+enum class Interface { kUnknown, kMissing, kDisabled, kEnabled };
+
+// What the store says of a kernel interface. A store that cannot be read says nothing, and the ping goes
+// on without it.
+Interface InterfaceState(const HostContext& context, const std::string& name) {
+    namespace Json = ZenkCtl::Network::Json;
+    try {
+        if (!context.store) return Interface::kUnknown;
+        const auto snapshot = context.store->Snapshot();
+        const nlohmann::json* nic =
+            Json::FindNamed(Json::At(*snapshot, ZenkCtl::Store::Schema::kZenkNics), name);
+        if (nic == nullptr) return Interface::kMissing;
+        return Json::Flag(*nic, "enabled", true) ? Interface::kEnabled : Interface::kDisabled;
+    } catch (const std::exception&) {
+        return Interface::kUnknown;
+    }
 }
 
 }  // namespace
@@ -39,7 +63,7 @@ bool ZenkPing::Answers(const std::string& target) {
 int ZenkPing::Run(HostContext& context) {
     const auto& argv = context.argv;
     int count = 3;
-    std::string target;
+    std::string target, device;
     for (size_t i = 1; i < argv.size(); ++i) {
         const std::string& arg = argv[i];
         if (arg == "-c" && i + 1 < argv.size()) {
@@ -50,7 +74,9 @@ int ZenkPing::Run(HostContext& context) {
                 context.err << "zenkping: bad count " << text << "\n";
                 return 2;
             }
-        } else if ((arg == "-I" || arg == "-W" || arg == "-i" || arg == "-s") && i + 1 < argv.size()) {
+        } else if (arg == "-I" && i + 1 < argv.size()) {
+            device = argv[++i];
+        } else if ((arg == "-W" || arg == "-i" || arg == "-s") && i + 1 < argv.size()) {
             ++i;
         } else if (!arg.empty() && arg[0] == '-') {
             context.err << "zenkping: unknown option " << arg << "\n";
@@ -63,6 +89,20 @@ int ZenkPing::Run(HostContext& context) {
         context.err << "Usage: zenkping -c COUNT [-I INTERFACE] ADDRESS\n";
         return 2;
     }
+    // Before the name is looked up: with its interface down the host may have no name server to ask, and
+    // the answer must not wait for the lookup to give up.
+    if (!device.empty()) {
+        const Interface state = InterfaceState(context, device);
+        if (state == Interface::kMissing) {
+            context.err << "zenkping: SO_BINDTODEVICE " << device << ": No such device\n";
+            return 2;
+        }
+        if (state == Interface::kDisabled) {
+            context.err << "zenkping: connect: Network is unreachable\n";
+            return 2;
+        }
+    }
+
     // A name is resolved the way every program of the host resolves names.
     std::string address = target;
     addrinfo hints{};
@@ -82,13 +122,22 @@ int ZenkPing::Run(HostContext& context) {
     }
     if (found) ::freeaddrinfo(found);
 
+    // One echo a second, as a real ping sends them: a reply is printed as it comes, and an address that
+    // does not answer is waited for a second per echo before the statistics.
     const bool answers = Answers(address);
-    context.out << "PING " << target << " (" << address << "): 56 data bytes\n";
-    for (int i = 0; answers && i < count; ++i)
-        context.out << "64 bytes from " << address << ": icmp_seq=" << i << " ttl=64 time=0.041 ms\n";
+    context.out << "PING " << target << " (" << address << "): 56 data bytes" << std::endl;
+    if (answers) {
+        for (int i = 0; i < count; ++i) {
+            if (i > 0) std::this_thread::sleep_for(std::chrono::seconds(1));
+            context.out << "64 bytes from " << address << ": icmp_seq=" << i << " ttl=64 time=0.041 ms"
+                        << std::endl;
+        }
+    } else {
+        std::this_thread::sleep_for(std::chrono::seconds(count));
+    }
     context.out << "\n--- " << target << " ping statistics ---\n"
                 << count << " packets transmitted, " << (answers ? count : 0) << " packets received, "
-                << (answers ? "0" : "100") << "% packet loss\n";
+                << (answers ? "0" : "100") << "% packet loss" << std::endl;
     return answers ? 0 : 1;
 }
 

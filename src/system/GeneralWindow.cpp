@@ -4,6 +4,7 @@
 #include <syslog.h>
 
 #include <algorithm>
+#include <exception>
 
 #include "access/ChangePasswordDialog.h"
 #include "app/frames/Footers.h"
@@ -11,11 +12,14 @@
 #include "app/terminal/KeyReader.h"
 #include "app/terminal/Keys.h"
 #include "app/terminal/Session.h"
+#include "network/NetworkLog.h"
 #include "network/NetworkWindow.h"
+#include "network/TestDialog.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/ZenkNic.h"
 #include "platform/zenkctl/NetworkInfoImpl.h"
 #include "platform/zenkctl/UserAdvancedOptionImpl.h"
+#include "recovery/RestartNetworkDialog.h"
 #include "system/KeyboardDialog.h"
 #include "system/LockdownDialog.h"
 #include "system/LogPager.h"
@@ -36,6 +40,7 @@ enum StringId : unsigned {
     kMenuTitle = 4,
     kRestartNetworkError = 16,
     kNoManagementInterface = 19,
+    kOperationFailed = 20,
     kPasswordHelp = 21,
     kLockdownHelp = 22,
     kNetworkHelp = 23,
@@ -230,7 +235,19 @@ void GeneralWindow::Choose(unsigned code) {
         case kRestartNetwork:
             if (!LookUpManagementInterface(_host)) {
                 MessageDialog(this, kRestartNetworkError, kNoManagementInterface).RunModal();
+                break;
             }
+            try {
+                RestartNetworkDialog(this, *_mgmtIntf, _host).RunModal();
+            } catch (const std::exception& e) {
+                // The restart reports nothing itself; whatever step failed, the operator learns it here
+                // and the console stays.
+                LogFailure("Restarting the management network failed: ", e);
+                MessageDialog(this, kRestartNetworkError, kOperationFailed).RunModal();
+            }
+            break;
+        case kTestNetwork:
+            TestDialog(this, _host).RunModal();
             break;
         case kTroubleshooting:
             TroubleShootingWindow(this, _host).RunModal();

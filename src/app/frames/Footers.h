@@ -6,9 +6,14 @@ namespace Kovo::Footer {
 
 inline constexpr const char* kOk =
     "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}{/align}";
+// The same keys as kOk, spelled as the network restart has always shown them.
+inline constexpr const char* kOkAfterRestart =
+    "{align:right}{color:black}<Enter>{/color}{color:dark-grey} OK{/color}{/align}";
 inline constexpr const char* kOkCancel =
     "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}  {color:black}<Esc>{/color} "
     "{color:dark-grey}Cancel{/color}{/align}";
+inline constexpr const char* kCancel =
+    "{align:right}{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 inline constexpr const char* kF11OkCancel =
     "{align:right}{color:black}<F11>{/color} {color:dark-grey}OK{/color}  {color:black}<Esc>{/color} "
     "{color:dark-grey}Cancel{/color}{/align}";
@@ -18,6 +23,9 @@ inline constexpr const char* kConfirmCancel =
 inline constexpr const char* kToggleOkCancel =
     "{color:black}<Space>{/color} {color:dark-grey}Toggle "
     "Selected{/color}{align:right}{color:black}<Enter>{/color} "
+    "{color:dark-grey}OK{/color}  {color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
+inline constexpr const char* kSelectOkCancel =
+    "{color:black}<Up/Down>{/color} {color:dark-grey}Select{/color}{align:right}{color:black}<Enter>{/color} "
     "{color:dark-grey}OK{/color}  {color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
 inline constexpr const char* kSelectMarkOkCancel =
     "{color:black}<Up/Down>{/color} {color:dark-grey}Select{/color}  {color:black}<Space>{/color} "

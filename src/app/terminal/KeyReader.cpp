@@ -240,6 +240,37 @@ std::optional<timeval> NextWaitLimit(const timeval& now, const IdleDeadlines& de
     return left;
 }
 
+namespace {
+
+// What a signal event does wherever keys are read: false for a code that is no event (a key, or a wait
+// that timed out or failed). The events that end the console end it here.
+bool ActOnEvent(int code) {
+    switch (code) {
+        case kHostNotification:
+            if (g_notificationHook) g_notificationHook();
+            return true;
+        case kRestartRequest:
+            if (!Session::_loggedIn) exit(0);
+            Session::_markForRestart = true;
+            return true;
+        case KEY_RESIZE:
+        case kTerminalResized:
+            // The interface is not redrawn in place: it starts afresh at the new size.
+            ResizeTerminal();
+            exit(0);
+        case kTerminate:
+            exit(0);
+        case kTerminalGone:
+            // A dropped line or a closed session: end, and the host starts the console afresh.
+            syslog(LOG_INFO, "Terminal hung up; ending");
+            exit(0);
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
 int GetKey(Window* frame, bool useIdleTimeout) {
     const IdleDeadlines deadlines = ComputeIdleDeadlines(Now(), Session::_idleTimeout, useIdleTimeout);
     bool dimmed = false;
@@ -252,38 +283,22 @@ int GetKey(Window* frame, bool useIdleTimeout) {
             dimmed = true;
         }
         int code = WaitInput(NextWaitLimit(Now(), deadlines, dimmed));
-        switch (code) {
-            case kInputTimedOut:
-            case kInputFailed:
-                continue;
-            case kHostNotification:
-                if (g_notificationHook) g_notificationHook();
-                continue;
-            case kRestartRequest:
-                if (!Session::_loggedIn) exit(0);
-                Session::_markForRestart = true;
-                continue;
-            case KEY_RESIZE:
-            case kTerminalResized:
-                // The interface is not redrawn in place: it starts afresh at the new size.
-                ResizeTerminal();
-                exit(0);
-            case kTerminate:
-                exit(0);
-            case kTerminalGone:
-                // A dropped line or a closed session: end, and the host starts the console afresh.
-                syslog(LOG_INFO, "Terminal hung up; ending");
-                exit(0);
-            default:
-                break;
-        }
-        if (code < 0) continue;
+        if (ActOnEvent(code) || code < 0) continue;
         if (dimmed) {
             clearok(curscr, TRUE);
             frame->SetActive(true);
             frame->Refresh();
         }
         return code;
+    }
+}
+
+int PollKey(int milliseconds) {
+    const timeval limit = {milliseconds / 1000, (milliseconds % 1000) * 1000};
+    for (;;) {
+        const int code = WaitInput(limit);
+        if (ActOnEvent(code)) continue;
+        return code < 0 ? kInputTimedOut : code;
     }
 }
 

@@ -43,6 +43,10 @@ int WaitInput(std::optional<timeval> limit);
 // The frame is dimmed and restored through `frame`; host notifications go to the hook.
 int GetKey(Window* frame, bool useIdleTimeout);
 
+// A key typed within `milliseconds`, or kInputTimedOut: for screens that watch work in progress while
+// the operator may interrupt it. Signals act as in GetKey; nothing dims and no idle logout comes.
+int PollKey(int milliseconds);
+
 // What a host notification (SIGUSR1) does; set once at start-up by the layer that knows the screens.
 void SetNotificationHook(void (*hook)());
 

@@ -134,7 +134,18 @@ void ZenkNicImpl::Commit() {
 
 void ZenkNicImpl::Enable() {
     Store::ThrowIfInjected(*_store, "ZenkNic.Enable");
-    Change([](json& nic, json&) { nic["enabled"] = true; }, true);
+    // Coming up asks the DHCP servers again: each configured family counts a renewal, and the running
+    // state is re-worked from the current lease in the same write.
+    Change(
+        [](json& nic, json&) {
+            const IpConfig configured = Json::ToIpConfig(nic.value("ipConfig", json::object()));
+            const json renewals = nic.value("leaseRenewals", json::object());
+            if (configured.GetUseDhcp()) nic["leaseRenewals"]["ipv4"] = Json::Integer(renewals, "ipv4") + 1;
+            if (configured.GetUseIpv6Dhcp())
+                nic["leaseRenewals"]["ipv6"] = Json::Integer(renewals, "ipv6") + 1;
+            nic["enabled"] = true;
+        },
+        true);
 }
 
 bool ZenkNicImpl::IsEnabled() {

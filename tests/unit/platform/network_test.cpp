@@ -108,6 +108,29 @@ TEST_F(NetworkTest, DhcpTakesTheLeaseItsGatewayAndItsDnsAndDisableClearsAddresse
     EXPECT_THROW(noLease.RenewIpv6Lease(), HostCtlException);  // DHCPv6 is off there
 }
 
+TEST_F(NetworkTest, EnableRenewsTheLeasesOfTheFamiliesOnDhcpOnly) {
+    ZenkNicImpl nic("zk0", store);
+    nic.Disable();
+    nic.Enable();  // static IPv4, no DHCPv6: nothing to renew
+    EXPECT_EQ(store->Get("/network/zenkNics/0/leaseRenewals"), json());
+
+    IpConfig config = nic.GetConfiguredIpConfig();
+    config.SetUseDhcp(true);
+    nic.SetIpConfig(config);
+    nic.Disable();
+    // The server hands out another address meanwhile: coming up takes the lease as it is now.
+    store->Update([](json& d) { d["network"]["dhcpLeases"]["zk0"]["ipv4"]["address"] = "192.168.10.78"; });
+    nic.Enable();
+    EXPECT_EQ(store->Get("/network/zenkNics/0/leaseRenewals"), json({{"ipv4", 1}}));
+    EXPECT_EQ(nic.GetIpConfig().GetIpv4Address().GetStringAddress(), "192.168.10.78");
+
+    config.SetUseIpv6Dhcp(true);
+    nic.SetIpConfig(config);
+    nic.Disable();
+    nic.Enable();
+    EXPECT_EQ(store->Get("/network/zenkNics/0/leaseRenewals"), json({{"ipv4", 2}, {"ipv6", 1}}));
+}
+
 TEST_F(NetworkTest, ObjectsNoticeChangesMadeByOtherProcesses) {
     ZenkNicImpl nic("zk0", store);
     EXPECT_EQ(nic.GetMacAddress(), "00:50:56:a1:00:01");

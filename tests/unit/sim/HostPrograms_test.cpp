@@ -232,14 +232,41 @@ TEST_F(HostProgramsTest, ZenkPingAnswersOnlyForAddressesThatAreUp) {
     EXPECT_FALSE(KovoSim::Host::ZenkPing::Answers("2001:db8::77%zk0"));
     EXPECT_FALSE(KovoSim::Host::ZenkPing::Answers("not an address"));
 
-    EXPECT_EQ(Run({"zenkping", "-c", "2", "-I", "zk0", "127.0.0.1"}), 0);
+    EXPECT_EQ(Run({"zenkping", "-c", "2", "127.0.0.1"}), 0);
     EXPECT_NE(Out().find("2 packets transmitted, 2 packets received, 0% packet loss"), std::string::npos)
         << Out();
-    EXPECT_EQ(Run({"zenkping", "-c", "3", "192.0.2.77"}), 1);
-    EXPECT_NE(Out().find("3 packets transmitted, 0 packets received, 100% packet loss"), std::string::npos);
+    EXPECT_EQ(Run({"zenkping", "-c", "1", "192.0.2.77"}), 1);
+    EXPECT_NE(Out().find("1 packets transmitted, 0 packets received, 100% packet loss"), std::string::npos);
     EXPECT_EQ(Run({"zenkping", "-c", "3", "no-such-name.invalid"}), 2);
     EXPECT_EQ(Run({"zenkping", "-c", "x", "127.0.0.1"}), 2);
     EXPECT_EQ(Run({"zenkping", "-c", "3"}), 2);
+}
+
+TEST_F(HostProgramsTest, ZenkPingLeavesOnlyThroughAnEnabledInterfaceOfTheStore) {
+    _store->Update([](json& d) {
+        d["network"]["zenkNics"] = {{{"name", "zk0"}, {"enabled", true}},
+                                    {{"name", "zk1"}, {"enabled", false}}};
+    });
+    auto replies = [&] {
+        size_t lines = 0;
+        for (size_t at = Out().find("64 bytes from"); at != std::string::npos;
+             at = Out().find("64 bytes from", at + 1))
+            ++lines;
+        return lines;
+    };
+    EXPECT_EQ(Run({"zenkping", "-c", "3", "-I", "zk0", "127.0.0.1"}), 0);
+    EXPECT_EQ(replies(), 3u) << Out();
+    EXPECT_EQ(Run({"zenkping", "-c", "3", "-I", "zk1", "127.0.0.1"}), 2);
+    EXPECT_EQ(Err(), "zenkping: connect: Network is unreachable\n");
+    EXPECT_EQ(replies(), 0u) << Out();
+    EXPECT_EQ(Run({"zenkping", "-c", "3", "-I", "zk9", "127.0.0.1"}), 2);
+    EXPECT_EQ(Err(), "zenkping: SO_BINDTODEVICE zk9: No such device\n");
+    EXPECT_EQ(replies(), 0u) << Out();
+
+    // A store that cannot be read leaves the interface's state unknown: the ping goes on.
+    std::ofstream(_tmp / "host.json", std::ios::trunc) << "{ broken";
+    EXPECT_EQ(Run({"zenkping", "-c", "1", "-I", "zk1", "127.0.0.1"}), 0);
+    EXPECT_EQ(Err(), "");
 }
 
 TEST_F(HostProgramsTest, ABrokenStoreIsAMessageNotACrash) {

@@ -1,0 +1,164 @@
+// Test Management Network on the simulated host: what the dialog offers, what it pings and resolves,
+// Esc during a test, and a hosts file that stays whole whatever happens to the console meanwhile.
+#include <gtest/gtest.h>
+
+#include <dirent.h>
+
+#include <fstream>
+
+#include "NetworkSteps.h"
+
+namespace {
+
+using namespace KovoE2e;
+
+constexpr int kTestDowns = 4;
+constexpr const char* kTestTitle = "Test Management Network";
+constexpr const char* kRunTitle = "Testing Management Network";
+// The dialog's first field: the menu shows the dialog's title too, as the selected entry's.
+constexpr const char* kTestMark = "Ping Address #1";
+constexpr const char* kFqdn = "kovo-host-01.lab.example";
+
+// The value shown in the field whose label is `label`, without the blanks after it.
+std::string FieldValue(const VirtualTerminal& screen, const std::string& label) {
+    int row = 0, column = 0;
+    if (!screen.Find(label, row, column)) return "<no field " + label + ">";
+    const std::string text = screen.RowText(row);
+    const size_t open = text.find("[ ", text.find(label));
+    const size_t close = text.find(" ]", open);
+    std::string value = text.substr(open + 2, close - open - 2);
+    while (!value.empty() && value.back() == ' ') value.pop_back();
+    return value;
+}
+
+// Logs in and opens the dialog.
+bool OpenTest(HostConsole& host) {
+    return LogIn(host, "", kRootPassword) && OpenFromMenu(host, kTestDowns, kTestMark);
+}
+
+// From the first field: each field emptied and retyped where `texts` has one (nullptr keeps it).
+void Fill(HostConsole& host, std::initializer_list<const char*> texts) {
+    for (const char* text : texts) {
+        if (text) {
+            host.Term().Press(Key::Backspace);
+            if (*text) TypeShown(host, text);
+        }
+        Press(host, Key::Down);
+    }
+}
+
+// Enter, and the run to its end.
+bool RunToEnd(HostConsole& host) {
+    host.Term().Press(Key::Enter);
+    return host.Term().WaitForText(kRunTitle) && host.Term().WaitFor([](const VirtualTerminal& screen) {
+        // The dialog's key line, once every test has run: Enter alone.
+        return screen.Contains(kRunTitle) && screen.Contains("<Enter> OK") &&
+               !screen.Contains("<Esc> Cancel");
+    });
+}
+
+// Whether a ping of `address` is still running on the machine (the host's processes are visible here).
+bool PingRunning(const std::string& address) {
+    DIR* proc = opendir("/proc");
+    bool found = false;
+    while (dirent* entry = proc ? readdir(proc) : nullptr) {
+        std::ifstream in(std::string("/proc/") + entry->d_name + "/cmdline", std::ios::binary);
+        const std::string line((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        if (line.find("zenkping") != std::string::npos && line.find(address) != std::string::npos)
+            found = true;
+    }
+    if (proc) closedir(proc);
+    return found;
+}
+
+TEST(NetworkCheck, DefaultHostPingsAndResolvesWhatItShows) {
+    auto host = MakeHost("default");
+    const std::string hosts = HostFile(*host, "/etc/hosts");
+    ASSERT_NE(hosts.find(kFqdn), std::string::npos) << hosts;
+    ASSERT_TRUE(OpenTest(*host)) << host->Term().Dump();
+    const VirtualTerminal& screen = host->Term().Screen();
+    // The gateway and both name servers fill the fields; the IPv6 gateway finds none left.
+    EXPECT_EQ(FieldValue(screen, "Ping Address #1"), "10.20.30.1");
+    EXPECT_EQ(FieldValue(screen, "Ping Address #2"), "10.20.30.2");
+    EXPECT_EQ(FieldValue(screen, "Ping Address #3"), "10.20.30.3");
+    EXPECT_EQ(FieldValue(screen, "Resolve Hostname"), kFqdn);
+
+    // The third emptied: only what is left is pinged.
+    Fill(*host, {nullptr, nullptr, ""});
+    ASSERT_TRUE(RunToEnd(*host)) << host->Term().Dump();
+    EXPECT_TRUE(screen.Contains("Pinging address (10.20.30.1). OK.")) << host->Term().Dump();
+    EXPECT_TRUE(screen.Contains("Pinging address (10.20.30.2). OK."));
+    EXPECT_TRUE(screen.Contains("Resolving hostname (kovo-host-01.lab.example). OK."));
+    EXPECT_FALSE(screen.Contains("10.20.30.3"));
+    EXPECT_EQ(CommandCount(*host, {"zenkping"}), 2u) << HostRecords(*host, "commands.log");
+    EXPECT_EQ(CommandCount(*host, {R"("/bin/zenkping","-c","3","-I","zk0","10.20.30.1")"}), 1u)
+        << HostRecords(*host, "commands.log");
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForTextGone(kRunTitle)) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    EXPECT_FALSE(host->Term().Screen().Contains(kTestMark)) << host->Term().Dump();
+    EXPECT_EQ(HostFile(*host, "/etc/hosts"), hosts);
+
+    // A name the host's name servers do not know, with the hosts file unchanged again.
+    ASSERT_TRUE(OpenFromMenu(*host, 0, kTestMark)) << host->Term().Dump();
+    Fill(*host, {"", "", "", "nosuch.lab.example"});
+    ASSERT_TRUE(RunToEnd(*host)) << host->Term().Dump();
+    EXPECT_TRUE(screen.Contains("Resolving hostname (nosuch.lab.example). Failed.")) << host->Term().Dump();
+    EXPECT_FALSE(screen.Contains("Pinging address"));
+    EXPECT_EQ(HostFile(*host, "/etc/hosts"), hosts);
+    EXPECT_EQ(HostFile(*host, "/etc/hosts.backup"), hosts);
+}
+
+TEST(NetworkCheck, BareHostStartsEmptyAndRefusesAnInvalidAddress) {
+    auto host = MakeHost("default", {{"/network/routing/ipv4DefaultGateway", R"("")"},
+                                     {"/network/dns/nameServers", "[]"},
+                                     {"/network/ipv6Enabled", "false"}});
+    ASSERT_TRUE(OpenTest(*host)) << host->Term().Dump();
+    const VirtualTerminal& screen = host->Term().Screen();
+    for (const char* label : {"Ping Address #1", "Ping Address #2", "Ping Address #3"})
+        EXPECT_EQ(FieldValue(screen, label), "") << label;
+
+    // Letters beyond the hexadecimal ones are not taken; "1.2.3" is no address.
+    Press(*host, Key::Down);
+    host->Term().Type("1.2.3xyz");
+    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    EXPECT_EQ(FieldValue(screen, "Ping Address #2"), "1.2.3");
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(ShowsMessage(*host, "Invalid IP address", "Invalid IP or IPv6 address."))
+        << host->Term().Dump();
+    ASSERT_TRUE(Acknowledge(*host, "Invalid IP or IPv6 address."));
+    EXPECT_TRUE(screen.Contains(kTestTitle));
+    EXPECT_FALSE(screen.Contains(kRunTitle));
+    // The refused field has the focus: what is typed replaces it.
+    TypeShown(*host, "10.20.30.5");
+    Press(*host, Key::Down);
+    // The host name emptied: no resolve test.
+    Fill(*host, {"192.0.2.77", ""});
+    ASSERT_TRUE(RunToEnd(*host)) << host->Term().Dump();
+    EXPECT_TRUE(screen.Contains("Pinging address (10.20.30.5). OK.")) << host->Term().Dump();
+    EXPECT_TRUE(screen.Contains("Pinging address (192.0.2.77). Failed."));
+    EXPECT_FALSE(screen.Contains("Resolving hostname"));
+    EXPECT_EQ(CommandCount(*host, {"zenkping"}), 2u) << HostRecords(*host, "commands.log");
+}
+
+TEST(NetworkCheck, EscLeavesWhileAPingStillRuns) {
+    auto host = MakeHost("default");
+    ASSERT_TRUE(OpenTest(*host)) << host->Term().Dump();
+    // An address nobody answers: its ping waits for its three replies.
+    Fill(*host, {"192.0.2.78", "", "", ""});
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForText("Pinging address (192.0.2.78).")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitUntil([] { return PingRunning("192.0.2.78"); }));
+    host->Term().Press(Key::Escape);
+    ASSERT_TRUE(host->Term().WaitFor([](const VirtualTerminal& screen) {
+        return MenuShown(screen) && !screen.Contains(kRunTitle) && !screen.Contains("By default, this test");
+    })) << host->Term().Dump();
+    // Back in the menu before the ping has ended: the run did not wait for it.
+    EXPECT_TRUE(PingRunning("192.0.2.78"));
+    EXPECT_FALSE(host->Term().Screen().Contains("Failed."));
+    // It ends on its own, and the console goes on.
+    EXPECT_TRUE(host->Term().WaitUntil([] { return !PingRunning("192.0.2.78"); }));
+    ASSERT_TRUE(OpenFromMenu(*host, 0, kTestMark)) << host->Term().Dump();
+}
+
+}  // namespace
