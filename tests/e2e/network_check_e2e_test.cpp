@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <dirent.h>
+#include <signal.h>
 
 #include <fstream>
+#include <functional>
 
 #include "NetworkSteps.h"
 
@@ -159,6 +161,64 @@ TEST(NetworkCheck, EscLeavesWhileAPingStillRuns) {
     // It ends on its own, and the console goes on.
     EXPECT_TRUE(host->Term().WaitUntil([] { return !PingRunning("192.0.2.78"); }));
     ASSERT_TRUE(OpenFromMenu(*host, 0, kTestMark)) << host->Term().Dump();
+}
+
+// The host's first name server never answers, so each lookup waits about a second for it: the resolve
+// test has the host's name out of the hosts file long enough to end the console meanwhile.
+TEST(NetworkCheck, HostsFileStaysWholeHoweverTheConsoleEndsDuringAResolveTest) {
+    auto host = MakeHost("default",
+                         {{"/network/dns/nameServers", R"(["10.20.30.9", "10.20.30.2"])"},
+                          {"/simulation/silentNameServers", R"(["10.20.30.9"])"}},
+                         Restarting());
+    const std::string hosts = HostFile(*host, "/etc/hosts");
+    ASSERT_NE(hosts.find(kFqdn), std::string::npos) << hosts;
+    const auto nameOut = [&] { return HostFile(*host, "/etc/hosts").find(kFqdn) == std::string::npos; };
+
+    enum class Moment { AtOnce, NameOut, AfterTheRun };
+    struct Ending {
+        const char* what;
+        Moment moment;
+        std::function<void(HostConsole&, pid_t)> act;
+    };
+    const auto terminate = [](HostConsole& h, pid_t console) { h.Term().Signal(SIGTERM, console); };
+    const Ending endings[] = {
+        {"SIGTERM at once", Moment::AtOnce, terminate},
+        {"SIGTERM with the name out", Moment::NameOut, terminate},
+        {"SIGTERM after the run", Moment::AfterTheRun, terminate},
+        {"a resize with the name out", Moment::NameOut,
+         [](HostConsole& h, pid_t console) { h.Term().Resize(90, 28, console); }},
+    };
+    pid_t console = 0;
+    size_t putBack = 0;
+    for (const Ending& ending : endings) {
+        SCOPED_TRACE(ending.what);
+        console = host->WaitForConsole(console);
+        ASSERT_TRUE(OpenTest(*host)) << host->Term().Dump();
+        Fill(*host, {"", "", ""});
+        host->Term().Press(Key::Enter);
+        if (ending.moment == Moment::NameOut) ASSERT_TRUE(host->Term().WaitUntil(nameOut));
+        if (ending.moment == Moment::AfterTheRun) ASSERT_TRUE(host->Term().WaitForText("Resolving hostname (kovo-host-01.lab.example). OK."));
+        ending.act(*host, console);
+        ASSERT_NE(host->WaitForConsole(console), console);
+        EXPECT_EQ(HostFile(*host, "/etc/hosts"), hosts);
+        // With the name out, the ending console put the file back itself.
+        if (ending.moment == Moment::NameOut) {
+            EXPECT_TRUE(WaitForSyslogCount(*host, {"]: Put back /etc/hosts after an interrupted resolve test"}, ++putBack))
+                << host->Syslog();
+        }
+    }
+
+    // A restart request waits for the operator to log out: the test runs to its end and puts the
+    // file back itself.
+    console = host->WaitForConsole(console);
+    ASSERT_TRUE(OpenTest(*host)) << host->Term().Dump();
+    Fill(*host, {"", "", ""});
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitUntil(nameOut));
+    host->Term().Signal(SIGUSR2, console);
+    EXPECT_TRUE(host->Term().WaitForText("Resolving hostname (kovo-host-01.lab.example). OK.")) << host->Term().Dump();
+    EXPECT_EQ(host->WaitForConsole(), console);
+    EXPECT_EQ(HostFile(*host, "/etc/hosts"), hosts);
 }
 
 }  // namespace
