@@ -59,11 +59,15 @@ void Link(const std::string& target, const std::string& path) {
 json HostBoot::StoreOf(const json& scenario) {
     json store = scenario;
     store.erase("simulation");
-    // A scenario may carry failing platform operations; they live in the store, where the platform
-    // looks for them. What else the simulation holds is for the simulated host alone.
+    // A scenario may carry failing platform operations and silent name servers; they live in the store,
+    // where the platform and the network follower look for them, so a running host can switch them. What
+    // else the simulation holds is for the simulated host alone.
     const json::json_pointer faults(Schema::kInjectedFaults);
     if (scenario.is_object() && scenario.contains(faults) && scenario.at(faults).is_object())
         store[faults] = scenario.at(faults);
+    const json::json_pointer silent(Schema::kSimulationSilentNameServers);
+    if (scenario.is_object() && scenario.contains(silent) && scenario.at(silent).is_array())
+        store[silent] = scenario.at(silent);
     return store;
 }
 

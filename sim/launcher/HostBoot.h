@@ -37,7 +37,8 @@ class HostBoot {
                                                             const Products& products, bool firstBoot);
 
     // The store document a scenario describes: the scenario without its "simulation" part, but with the
-    // platform faults it carries ("simulation": {"faults": {...}}).
+    // platform faults and silent name servers it carries ("simulation": {"faults": {...},
+    // "silentNameServers": [...]}).
     static nlohmann::json StoreOf(const nlohmann::json& scenario);
 
   private:

@@ -34,6 +34,15 @@ bool HostNetwork::IsAddress(const std::string& text) {
            ::inet_pton(AF_INET6, text.c_str(), buffer) == 1;
 }
 
+bool HostNetwork::IsHostAddress(const std::string& text) {
+    unsigned char bytes[16] = {};
+    const bool v4 = ::inet_pton(AF_INET, text.c_str(), bytes) == 1;
+    if (!v4 && ::inet_pton(AF_INET6, text.c_str(), bytes) != 1) return false;
+    for (int i = 0; i < (v4 ? 4 : 16); ++i)
+        if (bytes[i] != 0) return true;
+    return false;  // unspecified
+}
+
 bool HostNetwork::IsIpv6(const std::string& text) {
     unsigned char buffer[16];
     return ::inet_pton(AF_INET6, text.c_str(), buffer) == 1;
@@ -69,18 +78,24 @@ std::string HostNetwork::Fqdn(const json& store) {
     return domain.empty() || host.empty() ? host : host + "." + domain;
 }
 
+std::vector<std::string> HostNetwork::SilentNameServers(const json& store) {
+    std::vector<std::string> silent;
+    std::set<std::string> seen;
+    for (const auto& text : Texts(store, Schema::kSimulationSilentNameServers))
+        if (!text.empty() && seen.insert(text).second) silent.push_back(text);
+    return silent;
+}
+
 std::vector<std::string> HostNetwork::AnsweringAddresses(const json& store, const json& scenario) {
     std::vector<std::string> candidates = {Text(store, Schema::kIpv4DefaultGateway),
                                            Text(store, Schema::kIpv6DefaultGateway), ManagementIpv4(store)};
     for (const auto& list : {Texts(store, Schema::kNameServers), Texts(store, Schema::kIpv6NameServers),
-                             Texts(scenario, Schema::kSimulationAnswering)})
+                             Texts(scenario, Schema::kSimulationAnswering), SilentNameServers(store)})
         candidates.insert(candidates.end(), list.begin(), list.end());
     std::vector<std::string> addresses;
     std::set<std::string> seen;
-    for (const auto& address : candidates) {
-        if (address.empty() || address == "0.0.0.0" || address == "::" || !IsAddress(address)) continue;
-        if (seen.insert(address).second) addresses.push_back(address);
-    }
+    for (const auto& address : candidates)
+        if (IsHostAddress(address) && seen.insert(address).second) addresses.push_back(address);
     return addresses;
 }
 
@@ -88,6 +103,8 @@ std::vector<std::string> HostNetwork::NameServerAddresses(const json& store, con
     std::set<std::string> servers;
     for (const auto& list : {Texts(store, Schema::kNameServers), Texts(store, Schema::kIpv6NameServers)})
         servers.insert(list.begin(), list.end());
+    // A silent one's port is the follower's: the name server must not take it.
+    for (const auto& address : SilentNameServers(store)) servers.erase(address);
     std::vector<std::string> listen;
     for (const auto& address : AnsweringAddresses(store, scenario))
         if (servers.count(address)) listen.push_back(address);

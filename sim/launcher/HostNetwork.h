@@ -18,6 +18,8 @@ class HostNetwork {
     static std::vector<std::string> Texts(const nlohmann::json& node, const char* pointer);
 
     static bool IsAddress(const std::string& text);  // IPv4 or IPv6, without a zone
+    // An address a host of the network can have: IsAddress, and not 0.0.0.0 or ::.
+    static bool IsHostAddress(const std::string& text);
     static bool IsIpv6(const std::string& text);
     // 127.0.0.0/8 and ::1 answer on loopback anyway; the host never adds or removes them.
     static bool IsLoopback(const std::string& address);
@@ -28,11 +30,15 @@ class HostNetwork {
     // "host.domain", or the host name alone without a domain.
     static std::string Fqdn(const nlohmann::json& store);
 
+    // The store's silent name servers ("/simulation/silentNameServers"): each text once, in order, bad
+    // ones included, so that whoever acts on them can say which it skipped.
+    static std::vector<std::string> SilentNameServers(const nlohmann::json& store);
     // The addresses that answer in the host's network: gateways, name servers, the management address,
-    // and the scenario's extra ones ("simulation": {"answering": [...]}); never empty, 0.0.0.0 or "::".
+    // the scenario's extra ones ("simulation": {"answering": [...]}) and the silent name servers; only
+    // host addresses.
     static std::vector<std::string> AnsweringAddresses(const nlohmann::json& store,
                                                        const nlohmann::json& scenario);
-    // The name servers among them: where the host's name server listens.
+    // The name servers among them, silent ones aside: where the host's name server listens.
     static std::vector<std::string> NameServerAddresses(const nlohmann::json& store,
                                                         const nlohmann::json& scenario);
     // The names the host's DNS server answers: the host's FQDN with its management address, and the

@@ -1,18 +1,26 @@
 #include "NetworkFollower.h"
 
+#include <arpa/inet.h>
 #include <fcntl.h>
+#include <netinet/in.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/inotify.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <syslog.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <climits>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
 #include <fstream>
+#include <map>
 #include <set>
 #include <sstream>
 #include <thread>
@@ -33,6 +41,7 @@ NetworkState NetworkState::Of(const json& store, const json& scenario) {
     NetworkState state;
     state.addresses = HostNetwork::AnsweringAddresses(store, scenario);
     state.listen = HostNetwork::NameServerAddresses(store, scenario);
+    state.silent = HostNetwork::SilentNameServers(store);
     state.names = HostNetwork::DnsNames(store, scenario);
     state.hosts = HostFiles::Hosts(store);
     const json::json_pointer saved("/network/dns/saved");
@@ -51,6 +60,12 @@ NetworkChanges NetworkChanges::Between(const NetworkState& was, const NetworkSta
     for (const auto& address : was.addresses)
         if (!after.count(address) && !keep.count(address) && !HostNetwork::IsLoopback(address))
             changes.remove.push_back(address);
+    const std::set<std::string> silentBefore(was.silent.begin(), was.silent.end());
+    const std::set<std::string> silentAfter(now.silent.begin(), now.silent.end());
+    for (const auto& address : now.silent)
+        if (!silentBefore.count(address)) changes.hold.push_back(address);
+    for (const auto& address : was.silent)
+        if (!silentAfter.count(address)) changes.release.push_back(address);
     changes.restartNameServer = was.listen != now.listen || was.names != now.names;
     changes.writeHosts = was.hosts != now.hosts;
     changes.writeNameFiles = was.saved != now.saved;
@@ -64,8 +79,27 @@ constexpr const char* kBatch = "/run/kovo-sim/network.batch";
 constexpr auto kNameServerStart = std::chrono::seconds(5);
 constexpr auto kNameServerStop = std::chrono::seconds(2);
 
-// Whether anything in this network namespace listens on UDP port 53 (as the kernel lists its sockets).
-bool ListensOnDnsPort() {
+// An address with UDP port 53 as the kernel lists a socket's local end: each 32-bit word of the address
+// in the host's byte order, in hexadecimal.
+std::string DnsPortEntry(const std::string& address) {
+    unsigned char bytes[16] = {};
+    const bool v4 = ::inet_pton(AF_INET, address.c_str(), bytes) == 1;
+    if (!v4 && ::inet_pton(AF_INET6, address.c_str(), bytes) != 1) return {};
+    std::string entry;
+    for (int word = 0; word < (v4 ? 1 : 4); ++word) {
+        std::uint32_t value;
+        std::memcpy(&value, bytes + 4 * word, sizeof value);
+        char hex[9];
+        std::snprintf(hex, sizeof hex, "%08X", value);
+        entry += hex;
+    }
+    return entry + ":0035";
+}
+
+// Whether UDP port 53 of every one of `addresses` is taken in this network namespace. By address: the
+// silent name servers' ports are taken too, by the follower.
+bool ListensOnDnsPort(const std::vector<std::string>& addresses) {
+    std::set<std::string> taken;
     for (const char* table : {"/proc/net/udp", "/proc/net/udp6"}) {
         std::ifstream file(table);
         std::string line;
@@ -74,10 +108,24 @@ bool ListensOnDnsPort() {
             std::istringstream fields(line);
             std::string slot, local;
             fields >> slot >> local;
-            if (local.size() > 5 && local.compare(local.size() - 5, 5, ":0035") == 0) return true;
+            taken.insert(local);
         }
     }
-    return false;
+    for (const auto& address : addresses)
+        if (!taken.count(DnsPortEntry(address))) return false;
+    return true;
+}
+
+// Those of `wanted` that `from` holds, moved out of it.
+std::vector<std::string> Take(std::vector<std::string>& from, const std::vector<std::string>& wanted) {
+    std::vector<std::string> taken;
+    for (const auto& address : wanted) {
+        const auto at = std::find(from.begin(), from.end(), address);
+        if (at == from.end()) continue;
+        taken.push_back(address);
+        from.erase(at);
+    }
+    return taken;
 }
 
 std::string Join(const std::vector<std::string>& items) {
@@ -198,6 +246,8 @@ class Follower {
         std::vector<std::string> done;
         if (!changes.add.empty()) done.push_back("answering " + Join(changes.add));
         if (!changes.remove.empty()) done.push_back("no longer answering " + Join(changes.remove));
+        if (!changes.release.empty()) done.push_back("no longer silent on " + Join(changes.release));
+        if (!changes.hold.empty()) done.push_back("silent name server on " + Join(changes.hold));
         if (changes.restartNameServer)
             done.push_back(now.listen.empty() ? "name server stopped" : "name server on " + Join(now.listen));
         if (changes.writeNameFiles)
@@ -210,7 +260,9 @@ class Follower {
     }
 
     // Whoever sees the new addresses answer must find the rest already done: the files come first, then
-    // the name server (on its new addresses), and last, in one step, every other address comes and goes.
+    // the silent ports and the name server (on their new addresses), and last, in one step, every other
+    // address comes and goes. A port is let go before the name server may take it, and taken after the
+    // name server has let it go.
     void Apply(const json& store, const NetworkState& now, const NetworkChanges& changes) {
         try {
             if (changes.writeNameFiles) {
@@ -226,20 +278,16 @@ class Follower {
             ::syslog(LOG_ERR, "%s", e.what());
         }
         std::vector<std::string> add = changes.add;
+        Release(changes.release);
+        if (changes.restartNameServer) StopNameServer();
+        std::vector<std::string> first = Take(add, changes.hold);
         if (changes.restartNameServer) {
-            StopNameServer();
-            if (!now.listen.empty()) {
-                std::vector<std::string> listening;
-                for (const auto& address : now.listen) {
-                    const auto at = std::find(add.begin(), add.end(), address);
-                    if (at == add.end()) continue;
-                    listening.push_back(address);
-                    add.erase(at);
-                }
-                Addresses(listening, {});
-                StartNameServer(now);
-            }
+            const auto listening = Take(add, now.listen);
+            first.insert(first.end(), listening.begin(), listening.end());
         }
+        Addresses(first, {});
+        for (const auto& address : changes.hold) Hold(address);
+        if (changes.restartNameServer && !now.listen.empty()) StartNameServer(now);
         Addresses(add, changes.remove);
         _applied = now;
     }
@@ -261,6 +309,55 @@ class Follower {
         }
         ChildProcess::Run({"ip", "-force", "-batch", kBatch});
         ::unlink(kBatch);
+    }
+
+    // A hung name server: port 53 of the address, UDP and TCP, taken and never read. Queries pile up
+    // unanswered and connections wait in the backlog, so a resolver waits for its timeout. An address that
+    // cannot be held is skipped; the follower goes on.
+    void Hold(const std::string& address) {
+        if (_held.count(address)) return;
+        if (!HostNetwork::IsHostAddress(address)) {
+            ::syslog(LOG_WARNING, "silent name server %s skipped: not a host address", address.c_str());
+            return;
+        }
+        struct sockaddr_storage where = {};
+        socklen_t length;
+        if (HostNetwork::IsIpv6(address)) {
+            auto* in6 = reinterpret_cast<struct sockaddr_in6*>(&where);
+            in6->sin6_family = AF_INET6;
+            in6->sin6_port = htons(53);
+            ::inet_pton(AF_INET6, address.c_str(), &in6->sin6_addr);
+            length = sizeof *in6;
+        } else {
+            auto* in4 = reinterpret_cast<struct sockaddr_in*>(&where);
+            in4->sin_family = AF_INET;
+            in4->sin_port = htons(53);
+            ::inet_pton(AF_INET, address.c_str(), &in4->sin_addr);
+            length = sizeof *in4;
+        }
+        const int udp = ::socket(where.ss_family, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+        const int tcp = ::socket(where.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        const int on = 1;
+        if (tcp >= 0) ::setsockopt(tcp, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+        const auto* at = reinterpret_cast<const struct sockaddr*>(&where);
+        if (udp < 0 || tcp < 0 || ::bind(udp, at, length) != 0 || ::bind(tcp, at, length) != 0 ||
+            ::listen(tcp, 16) != 0) {
+            ::syslog(LOG_WARNING, "silent name server %s skipped: cannot hold its port 53: %m",
+                     address.c_str());
+            if (udp >= 0) ::close(udp);
+            if (tcp >= 0) ::close(tcp);
+            return;
+        }
+        _held[address] = {udp, tcp};
+    }
+
+    void Release(const std::vector<std::string>& addresses) {
+        for (const auto& address : addresses) {
+            const auto held = _held.find(address);
+            if (held == _held.end()) continue;
+            for (const int fd : held->second) ::close(fd);
+            _held.erase(held);
+        }
     }
 
     void StopNameServer() {
@@ -290,7 +387,7 @@ class Follower {
         _dnsmasq = ChildProcess::Spawn(dnsmasq, true);
         // The console and the host's programs may resolve names at once: wait until it listens.
         const auto deadline = Clock::now() + kNameServerStart;
-        while (!ListensOnDnsPort()) {
+        while (!ListensOnDnsPort(state.listen)) {
             if (_dnsmasq < 0 || ::waitpid(_dnsmasq, nullptr, WNOHANG) == _dnsmasq ||
                 Clock::now() >= deadline) {
                 ::syslog(LOG_ERR, "the name server did not start on %s", Join(state.listen).c_str());
@@ -304,6 +401,7 @@ class Follower {
     std::vector<std::string> _kept;
     ZenkCtl::Store::HostStore _store{ZenkCtl::Store::HostStore::kHostPath};
     NetworkState _applied;
+    std::map<std::string, std::array<int, 2>> _held;  // address: its UDP and TCP sockets
     pid_t _dnsmasq = -1;
     int _watch = -1;
     std::string _generation;

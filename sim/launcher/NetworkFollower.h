@@ -12,10 +12,12 @@
 namespace KovoSim {
 
 // What the running host's network and name files are for a store: the addresses on loopback, what its
-// name server listens on and answers, "/etc/hosts", and the count of saved DNS configurations.
+// name server listens on and answers, the silent name servers, "/etc/hosts", and the count of saved DNS
+// configurations.
 struct NetworkState {
     std::vector<std::string> addresses;
     std::vector<std::string> listen;
+    std::vector<std::string> silent;  // whose DNS port the follower holds and never reads
     std::vector<std::pair<std::string, std::string>> names;
     std::string hosts;
     nlohmann::json saved;
@@ -27,12 +29,15 @@ struct NetworkState {
 struct NetworkChanges {
     std::vector<std::string> add;
     std::vector<std::string> remove;
-    bool restartNameServer = false;  // its addresses or its records changed
+    std::vector<std::string> hold;     // silent name servers whose DNS port is to be taken
+    std::vector<std::string> release;  // and those whose port is to be let go
+    bool restartNameServer = false;    // its addresses or its records changed
     bool writeHosts = false;
     bool writeNameFiles = false;  // the DNS configuration was saved: "/etc/hostname", resolver, UTS name
 
     bool Empty() const {
-        return add.empty() && remove.empty() && !restartNameServer && !writeHosts && !writeNameFiles;
+        return add.empty() && remove.empty() && hold.empty() && release.empty() && !restartNameServer &&
+               !writeHosts && !writeNameFiles;
     }
     // Never removes a loopback address or one of `kept` (the scenario's own answering addresses).
     static NetworkChanges Between(const NetworkState& was, const NetworkState& now,
@@ -43,9 +48,11 @@ struct NetworkChanges {
 // management tools apply. A daemon of the host, forked by PID 1 at every boot, so its work never holds
 // up the supervisor: it brings the network up from the store, then watches the store's directory
 // (inotify; the store is replaced by rename) and, once a burst of writes has settled, puts new
-// addresses on loopback, restarts the name server when what it answers changed, rewrites "/etc/hosts",
-// rewrites the name and resolver files and the UTS name when the DNS configuration was saved, and takes
-// away the addresses no longer wanted. Boot-time changes ("/boot/pending") still wait for a reboot.
+// addresses on loopback, holds the DNS port of silent name servers (a UDP socket and a listening TCP
+// socket it never reads, so a lookup sent there waits for its timeout), restarts the name server when
+// what it answers changed, rewrites "/etc/hosts", rewrites the name and resolver files and the UTS name
+// when the DNS configuration was saved, and takes away the addresses no longer wanted. Boot-time changes
+// ("/boot/pending") still wait for a reboot.
 class NetworkFollower {
   public:
     static constexpr const char* kName = "kovo-sim-net";

@@ -196,14 +196,19 @@ TEST(NetworkCheck, HostsFileStaysWholeHoweverTheConsoleEndsDuringAResolveTest) {
         ASSERT_TRUE(OpenTest(*host)) << host->Term().Dump();
         Fill(*host, {"", "", ""});
         host->Term().Press(Key::Enter);
-        if (ending.moment == Moment::NameOut) ASSERT_TRUE(host->Term().WaitUntil(nameOut));
-        if (ending.moment == Moment::AfterTheRun) ASSERT_TRUE(host->Term().WaitForText("Resolving hostname (kovo-host-01.lab.example). OK."));
+        if (ending.moment == Moment::NameOut) {
+            ASSERT_TRUE(host->Term().WaitUntil(nameOut));
+        }
+        if (ending.moment == Moment::AfterTheRun) {
+            ASSERT_TRUE(host->Term().WaitForText("Resolving hostname (kovo-host-01.lab.example). OK."));
+        }
         ending.act(*host, console);
         ASSERT_NE(host->WaitForConsole(console), console);
         EXPECT_EQ(HostFile(*host, "/etc/hosts"), hosts);
         // With the name out, the ending console put the file back itself.
         if (ending.moment == Moment::NameOut) {
-            EXPECT_TRUE(WaitForSyslogCount(*host, {"]: Put back /etc/hosts after an interrupted resolve test"}, ++putBack))
+            EXPECT_TRUE(WaitForSyslogCount(
+                *host, {"]: Put back /etc/hosts after an interrupted resolve test"}, ++putBack))
                 << host->Syslog();
         }
     }
@@ -216,7 +221,8 @@ TEST(NetworkCheck, HostsFileStaysWholeHoweverTheConsoleEndsDuringAResolveTest) {
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->Term().WaitUntil(nameOut));
     host->Term().Signal(SIGUSR2, console);
-    EXPECT_TRUE(host->Term().WaitForText("Resolving hostname (kovo-host-01.lab.example). OK.")) << host->Term().Dump();
+    EXPECT_TRUE(host->Term().WaitForText("Resolving hostname (kovo-host-01.lab.example). OK."))
+        << host->Term().Dump();
     EXPECT_EQ(host->WaitForConsole(), console);
     EXPECT_EQ(HostFile(*host, "/etc/hosts"), hosts);
 }

@@ -237,6 +237,8 @@ std::vector<Node> MakeTable() {
         {"/simulation/names/*", kText},
         {kSimulationAnswering, kList},
         {"/simulation/answering/*", kText},
+        {kSimulationSilentNameServers, kList},
+        {"/simulation/silentNameServers/*", kText},
         {kInjectedFaults, kObject},
         {"/simulation/faults/*", kText},
     };

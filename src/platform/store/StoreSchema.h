@@ -59,6 +59,8 @@ inline constexpr const char* kLockdownPossible = "/services/lockdown/possible";
 inline constexpr const char* kHostAgentRunning = "/services/hostAgent/running";
 inline constexpr const char* kSimulationNames = "/simulation/names";
 inline constexpr const char* kSimulationAnswering = "/simulation/answering";
+// Addresses whose DNS port the simulated host holds without ever answering (a hung name server).
+inline constexpr const char* kSimulationSilentNameServers = "/simulation/silentNameServers";
 
 // Changes that take effect at the next boot.
 inline constexpr const char* kPendingBoot = "/boot/pending";

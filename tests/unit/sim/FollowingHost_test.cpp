@@ -132,10 +132,48 @@ TEST_F(FollowingHostTest, AddressesNameServerAndNameFilesFollowWhatThePlatformAp
     EXPECT_NE(syslog.find("following the store: "), std::string::npos) << syslog;
 }
 
+// A silent name server answers pings and holds its DNS port without a word: a lookup waits out its
+// timeout there and gets its answer from the next name server. Let go, the port is the name server's again.
+TEST_F(FollowingHostTest, ASilentNameServerHoldsItsPortAndLookupsGoOnToTheNextServer) {
+    const auto held = [](const std::string& by) {
+        const auto sockets = Inside({"ss", "-Hlnptu", "src", "10.20.30.9:53"}).out;
+        std::size_t count = 0;
+        for (auto at = sockets.find(by); at != std::string::npos; at = sockets.find(by, at + 1)) ++count;
+        return count == 2;  // UDP and TCP
+    };
+    const std::string servers = RunProgram({kSim, "get", Host(), "/network/dns/nameServers"}).out;
+    const std::string resolver = ReadFile(Upper("/etc/resolv.conf"));
+    ASSERT_EQ(RunProgram({kSim, "set", Host(), "/simulation/silentNameServers", R"(["10.20.30.9"])"}).status,
+              0);
+    ASSERT_EQ(Net({"nameservers", "10.20.30.9,10.20.30.2"}).status, 0);
+    ASSERT_EQ(Net({"save"}).status, 0);
+    EXPECT_TRUE(WaitFor([&] {
+        return ReadFile(Upper("/etc/resolv.conf")).find("nameserver 10.20.30.9\nnameserver 10.20.30.2\n") !=
+                   std::string::npos &&
+               held("\"kovo-sim-net\"");
+    })) << Inside({"ss", "-Hlnptu"}).out;
+    EXPECT_TRUE(Answers("10.20.30.9"));
+
+    const auto get = [](const std::string& pointer) {
+        return json::parse(RunProgram({kSim, "get", Host(), pointer}).out).get<std::string>();
+    };
+    const std::string fqdn = get("/network/dns/hostname") + "." + get("/network/dns/domain");
+    const std::string address = get("/network/zenkNics/0/running/ipv4/address");
+    EXPECT_EQ(FromNameServer(fqdn).rfind(address + " ", 0), 0u) << fqdn;
+
+    ASSERT_EQ(RunProgram({kSim, "set", Host(), "/simulation/silentNameServers", "[]"}).status, 0);
+    EXPECT_TRUE(WaitFor([&] { return held("\"dnsmasq\""); })) << Inside({"ss", "-Hlnptu"}).out;
+
+    // The name servers and resolver as the other tests found them.
+    ASSERT_EQ(RunProgram({kSim, "set", Host(), "/network/dns/nameServers", servers}).status, 0);
+    ASSERT_EQ(Net({"save"}).status, 0);
+    EXPECT_TRUE(WaitFor([&] { return ReadFile(Upper("/etc/resolv.conf")) == resolver; }));
+}
+
 TEST_F(FollowingHostTest, TheScenariosFaultsAreInTheStoreAndFailThePlatform) {
     EXPECT_EQ(json::parse(RunProgram({kSim, "get", Host(), "/simulation/faults"}).out), kFaults);
     EXPECT_EQ(RunProgram({kSim, "get", Host(), "/simulation/names"}).status, 1)
-        << "only faults reach the store";
+        << "names stay the scenario's";
     const auto failed = Net({"switch-of", "Management Network"});
     EXPECT_EQ(failed.status, 1);
     EXPECT_EQ(failed.out, "failed: switch table lost\n");

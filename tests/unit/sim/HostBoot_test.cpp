@@ -15,15 +15,18 @@ using nlohmann::json;
 
 namespace {
 
-TEST(HostBootTest, TheStoreOfAScenarioKeepsOnlyItsFaultsOfTheSimulation) {
+TEST(HostBootTest, TheStoreOfAScenarioKeepsOnlyItsFaultsAndSilentNameServersOfTheSimulation) {
     const json scenario = {{"users", json::array()},
                            {"simulation",
                             {{"names", {{"a.example", "10.0.0.1"}}},
                              {"answering", {"10.0.0.5"}},
+                             {"silentNameServers", {"10.0.0.9"}},
                              {"faults", {{"DnsConfig.SaveConfig", "disk full"}}}}}};
-    EXPECT_EQ(HostBoot::StoreOf(scenario),
-              json({{"users", json::array()},
-                    {"simulation", {{"faults", {{"DnsConfig.SaveConfig", "disk full"}}}}}}));
+    EXPECT_EQ(
+        HostBoot::StoreOf(scenario),
+        json({{"users", json::array()},
+              {"simulation",
+               {{"faults", {{"DnsConfig.SaveConfig", "disk full"}}}, {"silentNameServers", {"10.0.0.9"}}}}}));
     // Nothing to keep: no simulation member at all.
     EXPECT_EQ(HostBoot::StoreOf({{"users", json::array()}, {"simulation", {{"names", json::object()}}}}),
               json({{"users", json::array()}}));

@@ -43,6 +43,32 @@ TEST(HostNetworkTest, AnsweringAddressesAreTheGatewaysNameServersManagementAndEx
     EXPECT_TRUE(HostNetwork::AnsweringAddresses(json::array(), json("text")).empty());
 }
 
+// A silent name server is up, but its DNS port is the follower's: the name server never listens there,
+// not even when the store names it a name server. Bad texts reach the follower too, which says it skips them.
+TEST(HostNetworkTest, ASilentNameServerAnswersButTheNameServerNeverListensThere) {
+    const json store = json::parse(R"({
+      "network": {"dns": {"nameServers": ["10.0.0.9", "10.0.0.2"]}},
+      "simulation": {"silentNameServers": ["10.0.0.9", "10.0.0.7", "10.0.0.9", "bogus", "0.0.0.0"]}
+    })");
+    EXPECT_EQ(HostNetwork::AnsweringAddresses(store, json::object()),
+              (Strings{"10.0.0.9", "10.0.0.2", "10.0.0.7"}));
+    EXPECT_EQ(HostNetwork::NameServerAddresses(store, json::object()), Strings{"10.0.0.2"});
+
+    const NetworkState silent = NetworkState::Of(store, json::object());
+    const json plainStore = json::parse(R"({"network": {"dns": {"nameServers": ["10.0.0.9", "10.0.0.2"]}}})");
+    const NetworkState plain = NetworkState::Of(plainStore, json::object());
+    const auto hushed = NetworkChanges::Between(plain, silent, {});
+    EXPECT_EQ(hushed.hold, (Strings{"10.0.0.9", "10.0.0.7", "bogus", "0.0.0.0"}));
+    EXPECT_TRUE(hushed.release.empty());
+    EXPECT_EQ(hushed.add, Strings{"10.0.0.7"});
+    EXPECT_TRUE(hushed.restartNameServer);
+    const auto spoken = NetworkChanges::Between(silent, plain, {});
+    EXPECT_EQ(spoken.release, (Strings{"10.0.0.9", "10.0.0.7", "bogus", "0.0.0.0"}));
+    EXPECT_EQ(spoken.remove, Strings{"10.0.0.7"});
+    EXPECT_TRUE(spoken.restartNameServer);
+    EXPECT_TRUE(NetworkChanges::Between(silent, silent, {}).Empty());
+}
+
 TEST(HostNetworkTest, TheManagementAddressIsTheOneTheInterfaceRuns) {
     auto store = [](const std::string& nics) {
         return json::parse(R"({"network": {"zenkNics": )" + nics + "}}");
