@@ -63,6 +63,8 @@ bool ZenkPing::Answers(const std::string& target) {
 int ZenkPing::Run(HostContext& context) {
     const auto& argv = context.argv;
     int count = 3;
+    // How long the last echo is waited for when nothing answers, as "-W" sets it.
+    int linger = 10;
     std::string target, device;
     for (size_t i = 1; i < argv.size(); ++i) {
         const std::string& arg = argv[i];
@@ -76,7 +78,15 @@ int ZenkPing::Run(HostContext& context) {
             }
         } else if (arg == "-I" && i + 1 < argv.size()) {
             device = argv[++i];
-        } else if ((arg == "-W" || arg == "-i" || arg == "-s") && i + 1 < argv.size()) {
+        } else if (arg == "-W" && i + 1 < argv.size()) {
+            const std::string& text = argv[++i];
+            const auto result = std::from_chars(text.data(), text.data() + text.size(), linger);
+            if (result.ec != std::errc() || result.ptr != text.data() + text.size() || linger < 0 ||
+                linger > 1000) {
+                context.err << "zenkping: bad linger time " << text << "\n";
+                return 2;
+            }
+        } else if ((arg == "-i" || arg == "-s") && i + 1 < argv.size()) {
             ++i;
         } else if (!arg.empty() && arg[0] == '-') {
             context.err << "zenkping: unknown option " << arg << "\n";
@@ -122,8 +132,8 @@ int ZenkPing::Run(HostContext& context) {
     }
     if (found) ::freeaddrinfo(found);
 
-    // One echo a second, as a real ping sends them: a reply is printed as it comes, and an address that
-    // does not answer is waited for a second per echo before the statistics.
+    // One echo a second, as a real ping sends them: a reply is printed as it comes, and for an address
+    // that does not answer the last echo is waited for (10 s unless "-W" says otherwise).
     const bool answers = Answers(address);
     context.out << "PING " << target << " (" << address << "): 56 data bytes" << std::endl;
     if (answers) {
@@ -133,7 +143,7 @@ int ZenkPing::Run(HostContext& context) {
                         << std::endl;
         }
     } else {
-        std::this_thread::sleep_for(std::chrono::seconds(count));
+        std::this_thread::sleep_for(std::chrono::seconds(count - 1 + linger));
     }
     context.out << "\n--- " << target << " ping statistics ---\n"
                 << count << " packets transmitted, " << (answers ? count : 0) << " packets received, "

@@ -49,14 +49,18 @@ void Fill(HostConsole& host, std::initializer_list<const char*> texts) {
     }
 }
 
-// Enter, and the run to its end.
+// Enter, and the run to its end: an address that does not answer is waited for twelve seconds.
 bool RunToEnd(HostConsole& host) {
     host.Term().Press(Key::Enter);
-    return host.Term().WaitForText(kRunTitle) && host.Term().WaitFor([](const VirtualTerminal& screen) {
-        // The dialog's key line, once every test has run: Enter alone.
-        return screen.Contains(kRunTitle) && screen.Contains("<Enter> OK") &&
-               !screen.Contains("<Esc> Cancel");
-    });
+    return host.Term().WaitForText(kRunTitle) && host.Term().WaitFor(
+                                                     [](const VirtualTerminal& screen) {
+                                                         // The dialog's key line once every test has run:
+                                                         // Enter alone.
+                                                         return screen.Contains(kRunTitle) &&
+                                                                screen.Contains("<Enter> OK") &&
+                                                                !screen.Contains("<Esc> Cancel");
+                                                     },
+                                                     60s);
 }
 
 // Whether a ping of `address` is still running on the machine (the host's processes are visible here).
@@ -159,16 +163,16 @@ TEST(NetworkCheck, EscLeavesWhileAPingStillRuns) {
     EXPECT_TRUE(PingRunning("192.0.2.78"));
     EXPECT_FALSE(host->Term().Screen().Contains("Failed."));
     // It ends on its own, and the console goes on.
-    EXPECT_TRUE(host->Term().WaitUntil([] { return !PingRunning("192.0.2.78"); }));
+    EXPECT_TRUE(host->Term().WaitUntil([] { return !PingRunning("192.0.2.78"); }, 60s));
     ASSERT_TRUE(OpenFromMenu(*host, 0, kTestMark)) << host->Term().Dump();
 }
 
-// The host's first name server never answers, so each lookup waits about a second for it: the resolve
-// test has the host's name out of the hosts file long enough to end the console meanwhile.
+// The host's first two name servers never answer, so each lookup waits about two seconds for them: the
+// resolve test has the host's name out of the hosts file long enough to end the console meanwhile.
 TEST(NetworkCheck, HostsFileStaysWholeHoweverTheConsoleEndsDuringAResolveTest) {
     auto host = MakeHost("default",
-                         {{"/network/dns/nameServers", R"(["10.20.30.9", "10.20.30.2"])"},
-                          {"/simulation/silentNameServers", R"(["10.20.30.9"])"}},
+                         {{"/network/dns/nameServers", R"(["10.20.30.8", "10.20.30.9", "10.20.30.2"])"},
+                          {"/simulation/silentNameServers", R"(["10.20.30.8", "10.20.30.9"])"}},
                          Restarting());
     const std::string hosts = HostFile(*host, "/etc/hosts");
     ASSERT_NE(hosts.find(kFqdn), std::string::npos) << hosts;

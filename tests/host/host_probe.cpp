@@ -3,13 +3,22 @@
 //   host_probe hcl <user> <command path>   -> "status=<n>"
 //   host_probe query <command path>        -> "true" or "false"
 //   host_probe value <variable>            -> the variable's value as markup shows it
+//   host_probe resolve <name> [locked]     -> "result=<n> same=<true|false>": the network test's resolve
+//                                             test, the hosts file compared before and after; "locked"
+//                                             holds the backup as another console's test would
+#include <fcntl.h>
+#include <sys/file.h>
 #include <syslog.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <sstream>
 #include <string>
 
 #include "app/terminal/CommandRunner.h"
+#include "network/NetworkTest.h"
 #include "text/TextArea.h"
 
 int main(int argc, char** argv) {
@@ -35,7 +44,23 @@ int main(int argc, char** argv) {
         fprintf(stderr, "unknown variable %s\n", argv[2]);
         return 2;
     }
+    if ((argc == 3 || argc == 4) && strcmp(argv[1], "resolve") == 0) {
+        const auto hosts = [] {
+            std::ostringstream text;
+            text << std::ifstream("/etc/hosts", std::ios::binary).rdbuf();
+            return text.str();
+        };
+        const std::string before = hosts();
+        if (argc == 4) {
+            const int other = open("/etc/hosts.backup", O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+            if (other < 0 || flock(other, LOCK_EX) != 0) return 2;
+        }
+        const int result = Kovo::NetworkTest::Resolve(argv[2]);
+        printf("result=%d same=%s\n", result, hosts() == before ? "true" : "false");
+        return 0;
+    }
     if (argc == 2 && strcmp(argv[1], "nothing") == 0) return 0;
-    fprintf(stderr, "usage: host_probe hcl USER PATH | query PATH | value NAME | nothing\n");
+    fprintf(stderr,
+            "usage: host_probe hcl USER PATH | query PATH | value NAME | resolve NAME [locked] | nothing\n");
     return 2;
 }

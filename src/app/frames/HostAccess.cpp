@@ -35,9 +35,10 @@ HostAccess::HostAccess(std::shared_ptr<ZenkCtl::Store::HostStore> store) : _stor
 
 HostAccess::~HostAccess() = default;
 
+// Never destroyed: threads nobody joins may still reach the host while the process ends.
 HostAccess& HostAccess::System() {
-    static HostAccess host(ZenkCtl::Store::HostStore::System());
-    return host;
+    static auto* host = new HostAccess(ZenkCtl::Store::HostStore::System());
+    return *host;
 }
 
 int HostAccess::Run(const std::string& program, const std::vector<std::string>& argv) {

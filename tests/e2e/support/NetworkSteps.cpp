@@ -85,7 +85,7 @@ std::string HostFile(const HostConsole& host, const std::string& path) {
 }
 
 bool Answers(const HostConsole& host, const std::string& address) {
-    return Launcher({"exec", host.HostDir(), "--", "/bin/zenkping", "-c", "1", address});
+    return Launcher({"exec", host.HostDir(), "--", "/bin/zenkping", "-c", "1", "-W", "1", address});
 }
 
 bool InOrder(const HostConsole& host, const std::vector<std::string>& texts) {

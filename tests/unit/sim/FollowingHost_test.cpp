@@ -54,7 +54,7 @@ class FollowingHostTest : public ::testing::Test {
         return Inside(args);
     }
     static bool Answers(const std::string& address) {
-        return Inside({"/bin/zenkping", "-c", "1", address}).status == 0;
+        return Inside({"/bin/zenkping", "-c", "1", "-W", "1", address}).status == 0;
     }
     // What the host's name server says a name is, with the hosts file's line for it out of the way.
     static std::string FromNameServer(const std::string& name) {

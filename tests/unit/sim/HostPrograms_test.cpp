@@ -235,10 +235,11 @@ TEST_F(HostProgramsTest, ZenkPingAnswersOnlyForAddressesThatAreUp) {
     EXPECT_EQ(Run({"zenkping", "-c", "2", "127.0.0.1"}), 0);
     EXPECT_NE(Out().find("2 packets transmitted, 2 packets received, 0% packet loss"), std::string::npos)
         << Out();
-    EXPECT_EQ(Run({"zenkping", "-c", "1", "192.0.2.77"}), 1);
+    EXPECT_EQ(Run({"zenkping", "-c", "1", "-W", "1", "192.0.2.77"}), 1);
     EXPECT_NE(Out().find("1 packets transmitted, 0 packets received, 100% packet loss"), std::string::npos);
     EXPECT_EQ(Run({"zenkping", "-c", "3", "no-such-name.invalid"}), 2);
     EXPECT_EQ(Run({"zenkping", "-c", "x", "127.0.0.1"}), 2);
+    EXPECT_EQ(Run({"zenkping", "-c", "1", "-W", "x", "127.0.0.1"}), 2);
     EXPECT_EQ(Run({"zenkping", "-c", "3"}), 2);
 }
 
