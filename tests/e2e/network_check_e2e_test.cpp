@@ -207,7 +207,8 @@ TEST(NetworkCheck, HostsFileStaysWholeHoweverTheConsoleEndsDuringAResolveTest) {
             ASSERT_TRUE(host->Term().WaitForText("Resolving hostname (kovo-host-01.lab.example). OK."));
         }
         ending.act(*host, console);
-        ASSERT_NE(host->WaitForConsole(console), console);
+        // Gone for good, its exit handlers run: a sanitizer build has helpers of the same name meanwhile.
+        ASSERT_TRUE(host->Term().WaitUntil([console] { return kill(console, 0) != 0; }));
         EXPECT_EQ(HostFile(*host, "/etc/hosts"), hosts);
         // With the name out, the ending console put the file back itself.
         if (ending.moment == Moment::NameOut) {
@@ -227,7 +228,7 @@ TEST(NetworkCheck, HostsFileStaysWholeHoweverTheConsoleEndsDuringAResolveTest) {
     host->Term().Signal(SIGUSR2, console);
     EXPECT_TRUE(host->Term().WaitForText("Resolving hostname (kovo-host-01.lab.example). OK."))
         << host->Term().Dump();
-    EXPECT_EQ(host->WaitForConsole(), console);
+    EXPECT_EQ(kill(console, 0), 0);
     EXPECT_EQ(HostFile(*host, "/etc/hosts"), hosts);
 }
 
