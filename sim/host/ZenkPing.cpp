@@ -27,6 +27,13 @@ bool IsLocal(const sockaddr* address, socklen_t length) {
     return local;
 }
 
+// A whole decimal number from `least` to 1000, the range the real tool takes for counts and times.
+bool ReadNumber(const std::string& text, int least, int& value) {
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    return result.ec == std::errc() && result.ptr == text.data() + text.size() && value >= least &&
+           value <= 1000;
+}
+
 enum class Interface { kUnknown, kMissing, kDisabled, kEnabled };
 
 // What the store says of a kernel interface. A store that cannot be read says nothing, and the ping goes
@@ -69,21 +76,15 @@ int ZenkPing::Run(HostContext& context) {
     for (size_t i = 1; i < argv.size(); ++i) {
         const std::string& arg = argv[i];
         if (arg == "-c" && i + 1 < argv.size()) {
-            const std::string& text = argv[++i];
-            const auto result = std::from_chars(text.data(), text.data() + text.size(), count);
-            if (result.ec != std::errc() || result.ptr != text.data() + text.size() || count < 1 ||
-                count > 1000) {
-                context.err << "zenkping: bad count " << text << "\n";
+            if (!ReadNumber(argv[++i], 1, count)) {
+                context.err << "zenkping: bad count " << argv[i] << "\n";
                 return 2;
             }
         } else if (arg == "-I" && i + 1 < argv.size()) {
             device = argv[++i];
         } else if (arg == "-W" && i + 1 < argv.size()) {
-            const std::string& text = argv[++i];
-            const auto result = std::from_chars(text.data(), text.data() + text.size(), linger);
-            if (result.ec != std::errc() || result.ptr != text.data() + text.size() || linger < 0 ||
-                linger > 1000) {
-                context.err << "zenkping: bad linger time " << text << "\n";
+            if (!ReadNumber(argv[++i], 0, linger)) {
+                context.err << "zenkping: bad linger time " << argv[i] << "\n";
                 return 2;
             }
         } else if ((arg == "-i" || arg == "-s") && i + 1 < argv.size()) {
