@@ -8,6 +8,7 @@
 #include <functional>
 #include <iostream>
 #include <map>
+#include <optional>
 
 #include "AdvancedOptionTool.h"
 #include "AgentTool.h"
@@ -18,6 +19,8 @@
 #include "PowerCommand.h"
 #include "ZenkPing.h"
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/store/HostStore.h"
+#include "platform/store/StoreSchema.h"
 
 namespace KovoSim::Host {
 namespace {
@@ -44,6 +47,18 @@ const std::map<std::string, Program>& Programs() {
         {"reboot", [](HostContext& c) { return PowerCommand::Run(c, "reboot"); }},
     };
     return programs;
+}
+
+// A fault set for the program itself ("/simulation/faults/powerOffVms") makes it fail as a broken tool
+// would. A store that cannot be read injects nothing: the programs that need it report that themselves.
+std::optional<std::string> InjectedFailure(const HostContext& context, const std::string& name) {
+    try {
+        const nlohmann::json fault =
+            context.store->Get(std::string(ZenkCtl::Store::Schema::kInjectedFaults) + "/" + name);
+        if (fault.is_string()) return fault.get<std::string>();
+    } catch (const std::exception&) {
+    }
+    return std::nullopt;
 }
 
 std::string BaseName(const std::string& path) {
@@ -87,6 +102,10 @@ int HostPrograms::Run(const std::string& name, HostContext& context) {
         return 127;
     }
     CommandLog::Record(name, context.path, context.argv, context.commandLog);
+    if (const auto failure = InjectedFailure(context, name)) {
+        context.err << name << ": " << *failure << "\n";
+        return 1;
+    }
     try {
         return program->second(context);
     } catch (const HostCtl::Lib::HostCtlException& e) {

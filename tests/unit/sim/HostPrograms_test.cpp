@@ -195,6 +195,14 @@ TEST_F(HostProgramsTest, AgentsStopStartAndTheirLiveCore) {
 }
 
 TEST_F(HostProgramsTest, PowerOffVmsFirmwareResetAndBackup) {
+    // A fault set for the program fails it before it touches anything, and the run is still recorded.
+    _store->Update([](json& d) { d["simulation"]["faults"]["powerOffVms"] = "VM web01 does not respond"; });
+    EXPECT_EQ(Run({"powerOffVms"}), 1);
+    EXPECT_EQ(Err(), "powerOffVms: VM web01 does not respond\n");
+    EXPECT_EQ(At("/vms/0/powerState"), "poweredOn");
+    EXPECT_NE(ReadFile(_tmp / "commands.log").find("\"powerOffVms\""), std::string::npos);
+    _store->Update([](json& d) { d["simulation"]["faults"] = json::object(); });
+
     EXPECT_EQ(Run({"powerOffVms", "--terminate"}), 0);
     EXPECT_EQ(Out(), "Terminating web01\nTerminating app\n");
     EXPECT_EQ(At("/vms/0/powerState"), "poweredOff");
