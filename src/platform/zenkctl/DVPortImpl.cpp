@@ -1,5 +1,7 @@
 #include "platform/zenkctl/DVPortImpl.h"
 
+#include <algorithm>
+
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/store/InjectedFault.h"
 #include "platform/store/StoreSchema.h"
@@ -24,7 +26,26 @@ json* Port(json& document, const std::string& dvsName, const std::string& key) {
     return port;
 }
 
+// A NIC can leave the switch while a port still names it; the port then no longer uses it.
+std::vector<std::string> ActiveUplinks(const json& dvs, const json& port) {
+    const std::vector<std::string> all = Json::TextList(dvs, "uplinks");
+    if (!port.contains("uplinks") || port["uplinks"].is_null()) return all;
+    std::vector<std::string> active;
+    for (const std::string& uplink : Json::TextList(port, "uplinks"))
+        if (std::find(all.begin(), all.end(), uplink) != all.end()) active.push_back(uplink);
+    return active;
+}
+
 }  // namespace
+
+void CheckPortUplinks(const std::string& dvsName, const std::vector<std::string>& switchUplinks,
+                      const std::vector<std::string>& uplinks) {
+    for (auto it = uplinks.begin(); it != uplinks.end(); ++it) {
+        if (std::find(switchUplinks.begin(), switchUplinks.end(), *it) == switchUplinks.end())
+            throw HostCtlException(*it + " is not an uplink of " + dvsName);
+        if (std::find(uplinks.begin(), it, *it) != it) throw HostCtlException(*it + " is named twice");
+    }
+}
 
 DVPortImpl::DVPortImpl(std::string dvsName, std::string portKey, std::shared_ptr<Store::HostStore> store)
     : _dvsName(std::move(dvsName)), _portKey(std::move(portKey)), _store(std::move(store)) {}
@@ -50,7 +71,29 @@ void DVPortImpl::SetVlanId(int vlanId) {
 
 std::vector<std::string> DVPortImpl::GetUplinks() {
     json document = _store->Read();
-    return Json::TextList(*Dvs(document, _dvsName), "uplinks");
+    const json& port = *Port(document, _dvsName, _portKey);
+    return ActiveUplinks(*Dvs(document, _dvsName), port);
+}
+
+DvPortProperties DVPortImpl::GetProperties() {
+    Store::ThrowIfInjected(*_store, "DVPort.GetProperties");
+    json document = _store->Read();
+    const json& port = *Port(document, _dvsName, _portKey);
+    return {Json::Text(port, "name"),
+            Json::Text(port, "portGroup"),
+            static_cast<int>(Json::Integer(port, "vlanId")),
+            Json::Flag(port, "blocked"),
+            Json::Flag(port, "hostLocal"),
+            ActiveUplinks(*Dvs(document, _dvsName), port)};
+}
+
+void DVPortImpl::SetUplinks(const std::vector<std::string>& uplinks) {
+    Store::ThrowIfInjected(*_store, "DVPort.SetUplinks");
+    _store->Update([&](json& d) {
+        json& port = *Port(d, _dvsName, _portKey);
+        CheckPortUplinks(_dvsName, Json::TextList(*Dvs(d, _dvsName), "uplinks"), uplinks);
+        port["uplinks"] = uplinks;
+    });
 }
 
 }  // namespace ZenkCtl::Network

@@ -8,6 +8,21 @@
 
 namespace ZenkCtl::Network {
 
+// The properties of a distributed port that a host-local copy of it carries.
+struct DvPortProperties {
+    std::string name;  // "" for a port without a name
+    std::string portGroup;
+    int vlanId = 0;  // 0 (none) to 4094
+    bool blocked = false;
+    bool hostLocal = false;
+    // The port's active uplinks, each one of its switch's.
+    std::vector<std::string> uplinks;
+};
+
+// Throws HostCtl::Lib::HostCtlException unless every one of `uplinks` is one of `switchUplinks`, once.
+void CheckPortUplinks(const std::string& dvsName, const std::vector<std::string>& switchUplinks,
+                      const std::vector<std::string>& uplinks);
+
 // One port of a distributed switch ("/network/dvs/<i>/ports/<j>", by switch name and port key).
 //
 // Its operations are virtual so that a caller's tests can record the calls made on it in order.
@@ -22,8 +37,14 @@ class DVPortImpl {
     virtual std::string GetPortGroup();
     virtual int GetVlanId();
     virtual void SetVlanId(int vlanId);  // 0 to 4094
-    // The uplinks of the port's switch.
+    // The port's active uplinks: those it records that its switch still has, or all of the switch's
+    // when it records none.
     virtual std::vector<std::string> GetUplinks();
+    // Every property at once, the uplinks as GetUplinks reads them.
+    virtual DvPortProperties GetProperties();
+    // Replaces the port's active uplinks; each must be one of its switch's, once. Empty leaves the port
+    // without an uplink (not the switch's all).
+    virtual void SetUplinks(const std::vector<std::string>& uplinks);
 
   private:
     std::string _dvsName, _portKey;

@@ -82,9 +82,16 @@ std::vector<DvSwitch> VirtualSwitchInfoImpl::GetDvSwitches() {
     const json list = _store->Get(Schema::kDvs);
     if (!list.is_array()) return result;
     for (const auto& s : list) {
-        DvSwitch d{Json::Text(s, "name"), Json::TextList(s, "uplinks"), {}};
+        DvSwitch d{Json::Text(s, "name"),
+                   Json::TextList(s, "uplinks"),
+                   {},
+                   Json::Text(s, "vendor", DvSwitch::kOwnVendor),
+                   {}};
         if (s.contains("ports") && s["ports"].is_array()) {
-            for (const auto& p : s["ports"]) d.portKeys.push_back(Json::Text(p, "key"));
+            for (const auto& p : s["ports"]) {
+                d.portKeys.push_back(Json::Text(p, "key"));
+                d.portNames.push_back(Json::Text(p, "name"));
+            }
         }
         result.push_back(std::move(d));
     }
@@ -162,6 +169,43 @@ void VirtualSwitchInfoImpl::RemoveDvsUplink(const std::string& dvsName, const st
         if (it == uplinks.end()) throw HostCtlException(pnic + " is not an uplink of " + dvsName);
         uplinks.erase(it);
     });
+}
+
+std::string VirtualSwitchInfoImpl::AddDvsHostLocalPort(const std::string& dvsName,
+                                                       const DvPortProperties& properties) {
+    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.AddDvsHostLocalPort");
+    if (properties.name.empty()) throw HostCtlException("A host local port needs a name");
+    if (properties.vlanId < 0 || properties.vlanId > 4094)
+        throw HostCtlException("Invalid DVPort vlan specified. Valid range is 0-4094.");
+    std::string key;
+    _store->Update([&](json& d) {
+        json* dvs = Json::FindNamed(Json::ArrayAt(d, Schema::kDvs), dvsName);
+        if (dvs == nullptr) throw HostCtlException("Distributed switch " + dvsName + " does not exist");
+        const std::string vendor = Json::Text(*dvs, "vendor", DvSwitch::kOwnVendor);
+        if (vendor != DvSwitch::kOwnVendor)
+            throw HostCtlException("Host local ports cannot be added to " + dvsName + " of " + vendor);
+        CheckPortUplinks(dvsName, Json::TextList(*dvs, "uplinks"), properties.uplinks);
+        json& ports = List(*dvs, "ports");
+        if (Json::FindNamed(ports, properties.name) != nullptr)
+            throw HostCtlException("Port " + properties.name + " exists already on " + dvsName);
+        // Keys of up to nine digits count; a longer one cannot be the next key anyway.
+        long highest = -1;
+        for (const auto& port : ports) {
+            const std::string k = Json::Text(port, "key");
+            if (!k.empty() && k.size() <= 9 &&
+                std::all_of(k.begin(), k.end(), [](char c) { return c >= '0' && c <= '9'; }))
+                highest = std::max(highest, std::stol(k));
+        }
+        key = std::to_string(highest + 1);
+        ports.push_back({{"key", key},
+                         {"name", properties.name},
+                         {"portGroup", properties.portGroup},
+                         {"vlanId", properties.vlanId},
+                         {"blocked", properties.blocked},
+                         {"hostLocal", true},
+                         {"uplinks", properties.uplinks}});
+    });
+    return key;
 }
 
 std::string VirtualSwitchInfoImpl::FindUplinkOwner(const std::string& pnic) {

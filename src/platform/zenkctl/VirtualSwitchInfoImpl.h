@@ -6,6 +6,7 @@
 
 #include "platform/hostctl/NicTeamingPolicy.h"
 #include "platform/store/HostStore.h"
+#include "platform/zenkctl/DVPortImpl.h"
 
 namespace ZenkCtl::Network {
 
@@ -17,9 +18,18 @@ struct VirtualSwitch {
 };
 
 struct DvSwitch {
+    // The maker of the platform's own distributed switches, which are the only ones whose ports the
+    // host may add to.
+    static constexpr const char* kOwnVendor = "Halvor";
+
     std::string name;
     std::vector<std::string> uplinks;
     std::vector<std::string> portKeys;
+    std::string vendor = kOwnVendor;
+    // The ports' names in the order of portKeys, "" for a port without one.
+    std::vector<std::string> portNames;
+
+    bool IsOwnKind() const { return vendor == kOwnVendor; }
 };
 
 // Standard switches ("/network/switches") with their uplinks, teaming policies and port groups, and the
@@ -42,6 +52,10 @@ class VirtualSwitchInfoImpl {
     virtual void AddUplink(const std::string& switchName, const std::string& pnic);
     virtual void RemoveUplink(const std::string& switchName, const std::string& pnic);
     virtual void RemoveDvsUplink(const std::string& dvsName, const std::string& pnic);
+    // Adds a host-local port to one of the platform's own distributed switches and returns its key (one
+    // more than the highest numeric key there). The name must be new on the switch; the port is
+    // host-local whatever the properties say.
+    virtual std::string AddDvsHostLocalPort(const std::string& dvsName, const DvPortProperties& properties);
     // The standard or distributed switch that holds a physical NIC, or empty.
     virtual std::string FindUplinkOwner(const std::string& pnic);
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <security/_pam_types.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -23,9 +24,20 @@ using nlohmann::json;
 
 namespace {
 
-const std::vector<std::string> kNames = {
-    "default",   "no-nic",     "dhcp-no-lease", "dhcp-server",    "dvs",
-    "smartcard", "audit-mode", "pxe-boot",      "login-disabled", "ipv6-off"};
+const std::vector<std::string> kNames = {"default",
+                                         "no-nic",
+                                         "dhcp-no-lease",
+                                         "dhcp-server",
+                                         "dvs",
+                                         "smartcard",
+                                         "audit-mode",
+                                         "pxe-boot",
+                                         "login-disabled",
+                                         "ipv6-off",
+                                         "crowded-switches",
+                                         "dvs-no-uplinks",
+                                         "dvs-host-local-ports",
+                                         "dvs-third-party"};
 
 json Load(const std::string& name) {
     return json::parse(ReadFile(std::string(KOVO_SIM_SCENARIOS) + "/" + name + ".json"));
@@ -144,6 +156,19 @@ TEST(ScenariosTest, EachHardCaseShowsWhatItsNameSays) {
             for (const auto& port : vds["ports"])
                 portExists = portExists || port["key"] == connection["port"];
     EXPECT_TRUE(portExists);
+
+    // The first names a new standard switch and its management port group would take are taken.
+    const json crowded = Load("crowded-switches");
+    EXPECT_EQ(Management(crowded)["connection"], connection);
+    std::vector<std::string> switchNames, portGroups;
+    for (const auto& vswitch : crowded["network"]["switches"]) {
+        switchNames.push_back(vswitch["name"]);
+        for (const auto& pg : vswitch["portGroups"]) portGroups.push_back(pg["name"]);
+    }
+    EXPECT_EQ(switchNames, (std::vector<std::string>{"xSwitch0", "xSwitch1"}));
+    EXPECT_NE(std::find(portGroups.begin(), portGroups.end(), "Management Network1"), portGroups.end());
+    ASSERT_EQ(crowded["network"]["zenkNics"].size(), 2u);
+    EXPECT_EQ(crowded["network"]["zenkNics"][1]["enabled"], true);
 
     bool token = false;
     const json smartcard = Load("smartcard");
