@@ -19,8 +19,8 @@ using HostCtl::Network::NicTeamingPolicy;
 ManagementSwitch::ManagementSwitch(HostAccess& host, HostCtl::Network::ZenkNic& nic)
     : _host(host), _nic(nic) {}
 
-ConnectionPoint ManagementSwitch::Connection() {
-    ConnectionPoint point = _nic.GetConnectionPoint();
+ConnectionPoint ManagementSwitch::Connection(HostCtl::Network::ZenkNic& nic) {
+    ConnectionPoint point = nic.GetConnectionPoint();
     switch (point.connecteeType) {
         case HostCtl::Network::CONNECTEE_PORTGROUP:
         case HostCtl::Network::CONNECTEE_DVPORT:
@@ -32,9 +32,13 @@ ConnectionPoint ManagementSwitch::Connection() {
     }
 }
 
-std::string ManagementSwitch::SwitchName(const ConnectionPoint& point) {
+std::string ManagementSwitch::SwitchName(HostAccess& host, const ConnectionPoint& point) {
     if (point.connecteeType == HostCtl::Network::CONNECTEE_DVPORT) return point.dvsName;
-    return _host.Switches()->GetPortGroupSwitch(point.portGroup);
+    return host.Switches()->GetPortGroupSwitch(point.portGroup);
+}
+
+std::string ManagementSwitch::SwitchOf(HostAccess& host, HostCtl::Network::ZenkNic& nic) {
+    return SwitchName(host, Connection(nic));
 }
 
 ManagementSwitch::Kind ManagementSwitch::KindOf(Switches& switches, const std::string& switchName) {
@@ -47,7 +51,7 @@ ManagementSwitch::Kind ManagementSwitch::KindOf(Switches& switches, const std::s
 
 bool ManagementSwitch::Name(std::string& name) {
     try {
-        name = SwitchName(Connection());
+        name = SwitchOf(_host, _nic);
         return true;
     } catch (const std::exception& e) {
         LogFailure("Getting switch name failed: ", e);
@@ -96,6 +100,17 @@ void ManagementSwitch::TakeFromOwner(Switches& switches, const std::string& pnic
                               NicTeamingPolicy::WithUplinkRemoved(switches.GetTeamingPolicy(owner), pnic));
 }
 
+void ManagementSwitch::MoveUplink(Switches& switches, const std::string& pnic, const std::string& target) {
+    TakeFromOwner(switches, pnic, target);
+    switches.AddUplink(target, pnic);
+}
+
+void ManagementSwitch::AddToTeaming(Switches& switches, const std::string& switchName,
+                                    const std::string& pnic) {
+    switches.SetTeamingPolicy(switchName,
+                              NicTeamingPolicy::WithUplinkAdded(switches.GetTeamingPolicy(switchName), pnic));
+}
+
 bool ManagementSwitch::ChangeUplink(const std::string& pnic, bool add) {
     std::string name;
     if (!Name(name)) return false;
@@ -103,8 +118,7 @@ bool ManagementSwitch::ChangeUplink(const std::string& pnic, bool add) {
     try {
         if (KindOf(*switches, name) != Kind::Standard) throw HostCtlException("Unsupported xSwitch type");
         if (add) {
-            TakeFromOwner(*switches, pnic, name);
-            switches->AddUplink(name, pnic);
+            MoveUplink(*switches, pnic, name);
         } else {
             switches->RemoveUplink(name, pnic);
         }
@@ -113,9 +127,11 @@ bool ManagementSwitch::ChangeUplink(const std::string& pnic, bool add) {
         return false;
     }
     try {
-        const NicTeamingPolicy current = switches->GetTeamingPolicy(name);
-        switches->SetTeamingPolicy(name, add ? NicTeamingPolicy::WithUplinkAdded(current, pnic)
-                                             : NicTeamingPolicy::WithUplinkRemoved(current, pnic));
+        if (add)
+            AddToTeaming(*switches, name, pnic);
+        else
+            switches->SetTeamingPolicy(
+                name, NicTeamingPolicy::WithUplinkRemoved(switches->GetTeamingPolicy(name), pnic));
         return true;
     } catch (const std::exception& e) {
         LogFailure(add ? "VS: add uplink to teaming policy failed: "
@@ -135,7 +151,7 @@ bool ManagementSwitch::RemoveUplink(const std::string& pnic) {
 
 bool ManagementSwitch::Vlan(int& vlanId) {
     try {
-        const ConnectionPoint point = Connection();
+        const ConnectionPoint point = Connection(_nic);
         vlanId = point.connecteeType == HostCtl::Network::CONNECTEE_DVPORT
                      ? _host.DvPort(point.dvsName, point.portKey)->GetVlanId()
                      : _host.Switches()->GetPortGroupVlan(point.portGroup);
@@ -148,7 +164,7 @@ bool ManagementSwitch::Vlan(int& vlanId) {
 
 bool ManagementSwitch::SetVlan(int vlanId) {
     try {
-        const ConnectionPoint point = Connection();
+        const ConnectionPoint point = Connection(_nic);
         if (point.connecteeType == HostCtl::Network::CONNECTEE_DVPORT)
             _host.DvPort(point.dvsName, point.portKey)->SetVlanId(vlanId);
         else

@@ -36,12 +36,22 @@ class ManagementSwitch {
     bool Vlan(int& vlanId);
     bool SetVlan(int vlanId);
 
+    // The steps above without their logging, for other moves of uplinks between switches. Each throws
+    // HostCtlException with the host's reason.
+    using Switches = ZenkCtl::Network::VirtualSwitchInfoImpl;
+    // The name of the standard or distributed switch whose port the interface is plugged into.
+    static std::string SwitchOf(HostAccess& host, HostCtl::Network::ZenkNic& nic);
+    // Takes a NIC from the switch that holds it, unless that is `target` (a standard holder's teaming
+    // policy lets it go too), and attaches it to the standard switch `target`.
+    static void MoveUplink(Switches& switches, const std::string& pnic, const std::string& target);
+    // The standard switch's teaming policy once `pnic` has joined it (NicTeamingPolicy::WithUplinkAdded).
+    static void AddToTeaming(Switches& switches, const std::string& switchName, const std::string& pnic);
+
   private:
     enum class Kind { Standard, Distributed };
     // Throws HostCtlException with the reason when the switch cannot be told.
-    HostCtl::Network::ConnectionPoint Connection();
-    std::string SwitchName(const HostCtl::Network::ConnectionPoint& point);
-    using Switches = ZenkCtl::Network::VirtualSwitchInfoImpl;
+    static HostCtl::Network::ConnectionPoint Connection(HostCtl::Network::ZenkNic& nic);
+    static std::string SwitchName(HostAccess& host, const HostCtl::Network::ConnectionPoint& point);
     static Kind KindOf(Switches& switches, const std::string& switchName);
     static void TakeFromOwner(Switches& switches, const std::string& pnic, const std::string& keeper);
     // Attaches or detaches a NIC on the standard switch that carries the interface, then its teaming policy.

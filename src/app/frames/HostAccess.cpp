@@ -16,12 +16,15 @@
 #include "platform/zenkctl/MemoryInfoImpl.h"
 #include "platform/zenkctl/NetworkInfoImpl.h"
 #include "platform/zenkctl/PnicImpl.h"
+#include "platform/zenkctl/PortGroupImpl.h"
+#include "platform/zenkctl/PortsetImpl.h"
 #include "platform/zenkctl/ResourceInfoImpl.h"
 #include "platform/zenkctl/RoutingInfoImpl.h"
 #include "platform/zenkctl/SmartCardInfoImpl.h"
 #include "platform/zenkctl/SystemInfoImpl.h"
 #include "platform/zenkctl/UserAdvancedOptionImpl.h"
 #include "platform/zenkctl/VirtualSwitchInfoImpl.h"
+#include "platform/zenkctl/ZenKernelNicInfoImpl.h"
 #include "platform/zenkctl/ZenkCtlExec.h"
 
 namespace Kovo {
@@ -114,6 +117,15 @@ std::unique_ptr<HostCtl::Network::Pnic> HostAccess::Pnic(const std::string& name
 std::unique_ptr<ZenkCtl::Network::DVPortImpl> HostAccess::DvPort(const std::string& dvsName,
                                                                  const std::string& portKey) const {
     return std::make_unique<ZenkCtl::Network::DVPortImpl>(dvsName, portKey, _store);
+}
+std::unique_ptr<ZenkCtl::Network::PortsetImpl> HostAccess::Portsets() const {
+    return std::make_unique<ZenkCtl::Network::PortsetImpl>(_store);
+}
+std::unique_ptr<ZenkCtl::Network::PortGroupImpl> HostAccess::PortGroups() const {
+    return std::make_unique<ZenkCtl::Network::PortGroupImpl>(_store);
+}
+std::unique_ptr<ZenkCtl::Network::ZenKernelNicInfoImpl> HostAccess::ZenKernelNics() const {
+    return std::make_unique<ZenkCtl::Network::ZenKernelNicInfoImpl>(_store);
 }
 std::unique_ptr<ZenkCtl::System::SystemInfoImpl> HostAccess::SystemInfo() const {
     return std::make_unique<ZenkCtl::System::SystemInfoImpl>(_store);

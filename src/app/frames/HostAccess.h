@@ -14,6 +14,9 @@ class DnsConfigImpl;
 class RoutingInfoImpl;
 class VirtualSwitchInfoImpl;
 class DVPortImpl;
+class PortsetImpl;
+class PortGroupImpl;
+class ZenKernelNicInfoImpl;
 }  // namespace Network
 namespace System {
 class SystemInfoImpl;
@@ -90,6 +93,9 @@ class HostAccess {
     virtual std::unique_ptr<HostCtl::Network::Pnic> Pnic(const std::string& name) const;
     virtual std::unique_ptr<ZenkCtl::Network::DVPortImpl> DvPort(const std::string& dvsName,
                                                                  const std::string& portKey) const;
+    virtual std::unique_ptr<ZenkCtl::Network::PortsetImpl> Portsets() const;
+    virtual std::unique_ptr<ZenkCtl::Network::PortGroupImpl> PortGroups() const;
+    virtual std::unique_ptr<ZenkCtl::Network::ZenKernelNicInfoImpl> ZenKernelNics() const;
     std::unique_ptr<ZenkCtl::System::SystemInfoImpl> SystemInfo() const;
     std::unique_ptr<ZenkCtl::Hardware::HardwareInfoImpl> Hardware() const;
     std::unique_ptr<ZenkCtl::Hardware::CpuInfoImpl> Cpu() const;

@@ -80,6 +80,10 @@ class RecordingNic : public ZenkCtl::Network::ZenkNicImpl {
         _calls.push_back("Nic.Enable");
         ZenkNicImpl::Enable();
     }
+    void ConnectToPortGroup(const std::string& portGroup) override {
+        _calls.push_back("Nic.ConnectToPortGroup " + portGroup);
+        ZenkNicImpl::ConnectToPortGroup(portGroup);
+    }
 
   private:
     Calls& _calls;
@@ -165,6 +169,15 @@ class RecordingDns : public ZenkCtl::Network::DnsConfigImpl {
 class RecordingSwitches : public ZenkCtl::Network::VirtualSwitchInfoImpl {
   public:
     RecordingSwitches(Store store, Calls& calls) : VirtualSwitchInfoImpl(std::move(store)), _calls(calls) {}
+
+    void AddVirtualSwitch(const std::string& name, int numPorts) override {
+        _calls.push_back("Switch.AddVirtualSwitch " + name + " " + std::to_string(numPorts));
+        VirtualSwitchInfoImpl::AddVirtualSwitch(name, numPorts);
+    }
+    void AddPortGroup(const std::string& switchName, const std::string& portGroup, int vlanId) override {
+        _calls.push_back("Switch.AddPortGroup " + switchName + " " + portGroup);
+        VirtualSwitchInfoImpl::AddPortGroup(switchName, portGroup, vlanId);
+    }
 
     void AddUplink(const std::string& switchName, const std::string& pnic) override {
         _calls.push_back("Switch.AddUplink " + switchName + " " + pnic);

@@ -1,0 +1,35 @@
+#include "recovery/SafeModeNetworkDialog.h"
+
+#include "app/frames/Footers.h"
+#include "app/terminal/Colors.h"
+#include "app/terminal/Keys.h"
+#include "network/NetworkLog.h"
+#include "recovery/SafeModeNetwork.h"
+#include "text/StringFactory.h"
+#include "text/TextArea.h"
+
+namespace Kovo {
+
+namespace {
+constexpr unsigned kTitle = 130, kExplanation = 131, kQuestion = 132;
+}  // namespace
+
+SafeModeNetworkDialog::SafeModeNetworkDialog(Frame* parent, HostCtl::Network::ZenkNic& nic, HostAccess& host)
+    : Dialog(parent, {60, 12, 7, kTitle, kExplanation, Footer::kF11OkCancel}), _nic(nic), _host(host) {
+    AddTextArea(0, 0, Content()->Width(), Content()->Height(), kBlack)
+        .SetText(Strings()->GetString(kQuestion));
+}
+
+bool SafeModeNetworkDialog::OnKey(int key) {
+    if (key == KEY_F(11)) {
+        SafeModeNetwork(_host, _nic).Run();
+        // Logged and 1 whatever the move came to: the menu offers it once.
+        LogInfo("Enabling safe mode networking by moving all uplinks to a new management xSwitch");
+        Close(1);
+        return true;
+    }
+    // Esc is the only other key that means anything: a hurried Enter cannot move the network.
+    return key != kEsc;
+}
+
+}  // namespace Kovo
