@@ -42,7 +42,6 @@ constexpr unsigned kCaptions[] = {45, 46, 47, 48, 51, 52};
 constexpr unsigned kHelp[] = {53, 54, 55, 56, 59, 60};
 constexpr unsigned kIpv6Switched = 58, kIpv6OffHelp = 57;
 
-constexpr const char* kSelectFooter = "{color:black}<Up/Down>{/color} {color:dark-grey}Select{/color}";
 constexpr const char* kDetailFooter =
     "{color:white}<Enter>{/color}{color:light-grey} Change{/color}{align:right}{color:white}<Esc> {/color}"
     "{color:light-grey}Exit{/color}{/align}";
@@ -100,7 +99,7 @@ NetworkWindow::NetworkWindow(Frame* parent, HostAccess& host) : RootWindow(paren
     for (const auto& item : _items) items.push_back(item.get());
     List()->SetItems(items);
     LeftTitle()->SetText(String(kTitle));
-    LeftFooter()->SetText(kSelectFooter);
+    LeftFooter()->SetText(Footer::kMenuSelect);
     RightFooter()->SetText(kDetailFooter);
 }
 

@@ -19,6 +19,7 @@
 #include "platform/hostctl/ZenkNic.h"
 #include "platform/zenkctl/NetworkInfoImpl.h"
 #include "platform/zenkctl/UserAdvancedOptionImpl.h"
+#include "recovery/NetworkRestoreWindow.h"
 #include "recovery/RestartNetworkDialog.h"
 #include "system/KeyboardDialog.h"
 #include "system/LockdownDialog.h"
@@ -249,6 +250,11 @@ void GeneralWindow::Choose(unsigned code) {
         case kTestNetwork:
             TestDialog(this, _host).RunModal();
             break;
+        case kNetworkRestore:
+            NetworkRestoreWindow(this, _host).RunModal();
+            // A restore may have given the management interface another address.
+            DrawDetails();
+            break;
         case kTroubleshooting:
             TroubleShootingWindow(this, _host).RunModal();
             break;
@@ -264,8 +270,6 @@ void GeneralWindow::Choose(unsigned code) {
                 MessageDialog(this, kConfigureKeyboard, e.what()).RunModal();
             }
             break;
-        // The network entries open their screens here as those screens come; until then Enter on them
-        // leaves the menu as it is.
         default:
             break;
     }

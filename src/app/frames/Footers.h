@@ -6,7 +6,7 @@ namespace Kovo::Footer {
 
 inline constexpr const char* kOk =
     "{align:right}{color:black}<Enter>{/color} {color:dark-grey}OK{/color}{/align}";
-// The same keys as kOk, spelled as the network restart has always shown them.
+// The same keys as kOk, spelled as the network restart and restore have always shown them.
 inline constexpr const char* kOkAfterRestart =
     "{align:right}{color:black}<Enter>{/color}{color:dark-grey} OK{/color}{/align}";
 inline constexpr const char* kOkCancel =
@@ -57,6 +57,7 @@ inline constexpr const char* kSwitchLoginOkCancel =
 inline constexpr const char* kMenuSelectLogOut =
     "{color:black}<Up/Down>{/color} {color:dark-grey}Select{/color}  "
     "{color:black}<Esc>{/color} {color:dark-grey}Log Out{/color}";
+inline constexpr const char* kMenuSelect = "{color:black}<Up/Down>{/color} {color:dark-grey}Select{/color}";
 inline constexpr const char* kDetailChange =
     "{align:right}{color:white}<Enter>{/color} {color:light-grey}Change{/color}{/align}";
 inline constexpr const char* kDetailChangeExit =

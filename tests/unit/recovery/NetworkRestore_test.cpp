@@ -1,0 +1,134 @@
+// The restore menu's entries as the host's management interface decides them, and the factory restore's
+// order of work, its failure lines and its record.
+#include <gtest/gtest.h>
+
+#include "../network/RecordingNetwork.h"
+#include "../network/WatchedDialog.h"
+#include "recovery/DoRestoreNetworkDialog.h"
+#include "recovery/NetworkRestoreWindow.h"
+#include "recovery/RestoreNetworkDialog.h"
+
+namespace Kovo {
+namespace {
+
+using namespace Testing;
+using nlohmann::json;
+
+const std::string kF11 = "\033[23~";
+const std::string kPowerOff = "/sbin/powerOffVms: powerOffVms";
+const std::string kEvent =
+    "event: @&!*@*@(obs.user.kovo.factory.network.restored)Restoring factory network settings";
+
+class NetworkRestore : public NetworkDialogs {
+  protected:
+    void Use(const std::string& scenario) {
+        scratch_ = std::make_unique<ScratchStore>(Booted(Scenario(scenario)));
+        host_ = std::make_unique<RecordingNetworkHost>(scratch_->Get());
+    }
+    void Fault(const std::string& operation, const std::string& text = "broken") {
+        scratch_->Get()->Update([&](json& d) { d["simulation"]["faults"][operation] = text; });
+    }
+    std::vector<unsigned> Entries() {
+        TestRootFrame root;
+        return NetworkRestoreWindow(&root, *host_).Entries();
+    }
+
+    // What the dialog shows when its loop ends.
+    template <typename D>
+    static std::string Shown(const Ran<D>& ran) {
+        return ScreenText(ran.dialog->Handle());
+    }
+
+    std::unique_ptr<ScratchStore> scratch_;
+    std::unique_ptr<RecordingNetworkHost> host_;
+};
+
+TEST_F(NetworkRestore, DistributedSwitchEntriesOnlyWhenTheHostCanTellItIsOne) {
+    using W = NetworkRestoreWindow;
+    Use("default");
+    EXPECT_EQ(Entries(), (std::vector<unsigned>{W::kRestoreNetwork}));
+    Use("dvs");
+    EXPECT_EQ(Entries(),
+              (std::vector<unsigned>{W::kRestoreNetwork, W::kRestoreStandardSwitch, W::kRestoreDvs}));
+
+    // Whatever keeps the answer back, the window still opens, with the factory restore alone.
+    Fault("ZenkNic.GetConnectionPoint");
+    EXPECT_EQ(Entries(), (std::vector<unsigned>{W::kRestoreNetwork}));
+    EXPECT_TRUE(host_->Made("error: Could not determine if a DVS was in use: broken"));
+    Use("dvs");
+    scratch_->Get()->Update([](json& d) { d["network"]["zenkNics"] = json::array(); });
+    EXPECT_EQ(Entries(), (std::vector<unsigned>{W::kRestoreNetwork}));
+    EXPECT_TRUE(host_->Made("error: Could not locate the management interface"));
+}
+
+TEST_F(NetworkRestore, HostThatCannotTellItsMachinesIsReportedAndTheWindowStays) {
+    Use("default");
+    Fault("ResourceInfo.HasRunningVirtualMachines", "inventory unavailable");
+    const json before = scratch_->At("/");
+    // Enter on the factory restore, F11, Enter on the report, Esc out of the window.
+    Type("\n" + kF11 + "\n" + Keys::kEsc);
+    TestRootFrame root;
+    NetworkRestoreWindow window(&root, *host_);
+    EXPECT_EQ(window.RunModal(), 1);
+    EXPECT_TRUE(host_->Made("error: Restore Network Settings failed: inventory unavailable"));
+    EXPECT_TRUE(host_->Made(kEvent));
+    EXPECT_EQ(scratch_->At("/"), before);
+}
+
+TEST_F(NetworkRestore, FailedAutoConfigurationIsShownAndTheRestoreStillEnds) {
+    Use("default");
+    Fault("NetworkInfo.AutoConfigNetwork", "no uplink");
+    auto ran = Run<DoRestoreNetworkDialog>("\n\n", *host_);
+    EXPECT_EQ(ran.result, 1);
+    EXPECT_NE(Shown(ran).find("Powering Off VMs. Done."), std::string::npos) << Shown(ran);
+    EXPECT_NE(Shown(ran).find("Auto-configuring network. Failed."), std::string::npos) << Shown(ran);
+    EXPECT_EQ(host_->From(kPowerOff),
+              (Calls{kPowerOff, "log: Clearing Network Config", "log: Auto-Configuring Network",
+                     "error: Error auto-configuring network",
+                     "error: Clearing and auto-configuring the network failed: no uplink"}));
+    // The clear went through before the failure: nothing is put back.
+    EXPECT_EQ(scratch_->At("/network/switches"), json::array());
+}
+
+TEST_F(NetworkRestore, DumpCollectorThatStaysOnDoesNotStopTheRestore) {
+    Use("default");
+    scratch_->Get()->Update([](json& d) {
+        d["vms"] = json::array();
+        d["network"]["netDumper"]["enabled"] = true;
+    });
+    Fault("NetworkInfo.DisableNetDumper", "collector busy");
+    auto ran = Run<DoRestoreNetworkDialog>("\n", *host_);
+    EXPECT_EQ(ran.result, 1);
+    EXPECT_TRUE(host_->Made("error: Disabling the network dump collector failed: collector busy"));
+    EXPECT_NE(Shown(ran).find("Auto-configuring network. Done."), std::string::npos) << Shown(ran);
+    EXPECT_FALSE(host_->Made(kPowerOff));
+    EXPECT_EQ(scratch_->At("/network/zenkNics/0/name"), "zk0");
+    EXPECT_EQ(scratch_->At("/network/zenkNics/0/ipConfig/ipv4/mode"), "dhcp");
+}
+
+TEST_F(NetworkRestore, RecordFollowsTheRestoreHoweverItEnds) {
+    Use("default");
+    // Declined at the running-VM warning: nothing changes, the record is written once the dialogs close.
+    const json before = scratch_->At("/network");
+    auto declined = Run<RestoreNetworkDialog>(kF11 + Keys::kEsc, *host_);
+    EXPECT_EQ(declined.result, 1);
+    EXPECT_EQ(scratch_->At("/network"), before);
+    EXPECT_EQ(host_->From("log: Restoring"), (Calls{"log: Restoring factory network settings", kEvent}));
+
+    // Esc and Enter on the question itself do nothing; only Esc leaves, without a record.
+    host_->calls.clear();
+    auto left = Run<RestoreNetworkDialog>("\n" + Keys::kEsc, *host_);
+    EXPECT_EQ(left.result, 0);
+    EXPECT_FALSE(host_->Made(kEvent));
+
+    // A power-off that fails keeps the network and is still recorded after the result.
+    host_->status[kPowerOff] = 1;
+    auto failed = Run<RestoreNetworkDialog>(kF11 + "\n\n", *host_);
+    EXPECT_EQ(failed.result, 1);
+    EXPECT_EQ(scratch_->At("/network"), before);
+    EXPECT_EQ(host_->From(kPowerOff), (Calls{kPowerOff, "error: Error powering off VMs",
+                                             "log: Restoring factory network settings", kEvent}));
+}
+
+}  // namespace
+}  // namespace Kovo
