@@ -9,7 +9,6 @@
 #include "app/terminal/KeyReader.h"
 #include "app/terminal/Keys.h"
 #include "network/NetworkLog.h"
-#include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/ZenkNic.h"
 #include "platform/zenkctl/NetworkInfoImpl.h"
 #include "recovery/RestoreDvsDialog.h"
@@ -64,7 +63,7 @@ bool NetworkRestoreWindow::ManagementOnDistributedSwitch() {
             return false;
         }
         return _nic->GetConnectionPoint().connecteeType == HostCtl::Network::CONNECTEE_DVPORT;
-    } catch (const HostCtl::Lib::HostCtlException& e) {
+    } catch (const std::exception& e) {
         LogFailure("Could not determine if a DVS was in use: ", e);
         return false;
     }

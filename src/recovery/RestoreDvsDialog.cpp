@@ -189,7 +189,9 @@ void RestoreDvsDialog::Accept() {
         // Focused anew, the field keeps the value shown and takes the next digits in its place.
         Focus(0);
         ShowCursorOnField();
-        MessageDialog(this, kInvalidVlanTitle, kFailed).RunModal();
+        // The log line's words, which give the range a port takes, and nothing about a failed restore:
+        // nothing was tried.
+        MessageDialog(this, kInvalidVlanTitle, kInvalidVlan).RunModal();
         Items().Draw();
         return;
     }
@@ -211,6 +213,8 @@ void RestoreDvsDialog::Restore(int vlanId) {
     properties.name = HostLocalPortName(_nic.GetName(), _portNames);
     properties.vlanId = vlanId;
     if (_unblock->IsChecked()) properties.blocked = false;
+    // Made whole in one step, so a refusal never leaves a half-made port behind.
+    properties.uplinks = _chosen;
     std::string key;
     try {
         key = _host.Switches()->AddDvsHostLocalPort(_dvsName, properties);
@@ -219,12 +223,6 @@ void RestoreDvsDialog::Restore(int vlanId) {
         return;
     }
     // The interface moves last, onto a port that is complete: until then it stays where it was.
-    try {
-        _host.DvPort(_dvsName, key)->SetUplinks(_chosen);
-    } catch (const std::exception& e) {
-        Fail("Setting the uplinks of host local port " + properties.name + " failed: ", e);
-        return;
-    }
     try {
         _nic.ConnectToDvPort(_dvsName, key);
     } catch (const std::exception& e) {

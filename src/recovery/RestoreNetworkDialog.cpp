@@ -1,5 +1,7 @@
 #include "recovery/RestoreNetworkDialog.h"
 
+#include <exception>
+
 #include "app/terminal/Colors.h"
 #include "app/terminal/HostEvent.h"
 #include "app/terminal/Keys.h"
@@ -27,14 +29,15 @@ RestoreNetworkDialog::RestoreNetworkDialog(Frame* parent, HostAccess& host)
 }
 
 void RestoreNetworkDialog::Restore() {
-    // The record follows the restore whichever way it ended, a failure included.
+    // The record follows the restore whichever way it ended, a failure included (an idle log-out is no
+    // ending of the restore: it passes without one).
     auto announce = [this] {
         LogInfo(kRestored);
         _host.PostEvent(HostEvent::Text("obs.user.kovo.factory.network.restored", kRestored));
     };
     try {
         DoRestoreNetworkDialog(this, _host).RunModal();
-    } catch (...) {
+    } catch (const std::exception&) {
         announce();
         throw;
     }

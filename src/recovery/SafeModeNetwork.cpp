@@ -31,27 +31,31 @@ std::vector<std::string> SafeModeNetwork::UplinksOf(Switches& switches, const st
         if (standard.name == switchName) return standard.uplinks;
     for (const auto& distributed : switches.GetDvSwitches())
         if (distributed.name == switchName) return distributed.uplinks;
-    throw HostCtlException("Unsupported xSwitch type");
+    throw HostCtlException("Switch " + switchName + " does not exist");
 }
 
-void SafeModeNetwork::MoveUplinks(Switches& switches, const std::vector<std::string>& uplinks,
+bool SafeModeNetwork::MoveUplinks(Switches& switches, const std::vector<std::string>& uplinks,
                                   const std::string& target) {
+    bool moved = true;
     for (const auto& uplink : uplinks) {
         try {
             ManagementSwitch::MoveUplink(switches, uplink, target);
         } catch (const HostCtlException& e) {
             LogFailure("Moving uplink " + uplink + " failed: ", e);
+            moved = false;
             continue;
         }
         try {
             ManagementSwitch::AddToTeaming(switches, target, uplink);
         } catch (const HostCtlException& e) {
             LogFailure("VS: add uplink to teaming policy failed: ", e);
+            moved = false;
         }
     }
+    return moved;
 }
 
-void SafeModeNetwork::Run() {
+bool SafeModeNetwork::Run() {
     try {
         // The lookup only confirms that the host still has a management interface; the move works on
         // the one the menu handed over.
@@ -61,7 +65,7 @@ void SafeModeNetwork::Run() {
             const auto management = network->GetManagementInterface();
             if (!management || !management->IsValid()) {
                 LogError("Could not find the management network");
-                return;
+                return false;
             }
         }
         auto switches = _host.Switches();
@@ -84,10 +88,12 @@ void SafeModeNetwork::Run() {
         for (const auto& nic : _host.ZenKernelNics()->GetZenKernelNics()) nic->Disable();
 
         _nic.ConnectToPortGroup(portGroup);
-        MoveUplinks(*switches, uplinks, switchName);
+        const bool moved = MoveUplinks(*switches, uplinks, switchName);
         _nic.Enable();
-    } catch (const HostCtlException& e) {
+        return moved;
+    } catch (const std::exception& e) {
         LogFailure("Changing to legacy virtual switch failed: ", e);
+        return false;
     }
 }
 

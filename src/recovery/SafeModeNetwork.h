@@ -28,8 +28,9 @@ class SafeModeNetwork {
     // `nic` is the management interface as the restore menu found it.
     SafeModeNetwork(HostAccess& host, HostCtl::Network::ZenkNic& nic);
 
-    // Logs every failure; throws none of the host's.
-    void Run();
+    // Logs every failure and throws none; false when any part of the move failed, so the operator can
+    // be told.
+    bool Run();
 
   private:
     using Switches = ZenkCtl::Network::VirtualSwitchInfoImpl;
@@ -38,7 +39,8 @@ class SafeModeNetwork {
     // `prefix` followed by the first number from `first` on that `taken` says is free.
     template <typename Taken>
     static std::string FirstFree(const std::string& prefix, int first, Taken taken);
-    static void MoveUplinks(Switches& switches, const std::vector<std::string>& uplinks,
+    // False when an uplink did not make it onto the new switch or its teaming order.
+    static bool MoveUplinks(Switches& switches, const std::vector<std::string>& uplinks,
                             const std::string& target);
 
     HostAccess& _host;

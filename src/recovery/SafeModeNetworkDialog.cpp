@@ -1,6 +1,7 @@
 #include "recovery/SafeModeNetworkDialog.h"
 
 #include "app/frames/Footers.h"
+#include "app/frames/MessageDialog.h"
 #include "app/terminal/Colors.h"
 #include "app/terminal/Keys.h"
 #include "network/NetworkLog.h"
@@ -11,7 +12,7 @@
 namespace Kovo {
 
 namespace {
-constexpr unsigned kTitle = 130, kExplanation = 131, kQuestion = 132;
+constexpr unsigned kTitle = 130, kExplanation = 131, kQuestion = 132, kFailed = 20;
 }  // namespace
 
 SafeModeNetworkDialog::SafeModeNetworkDialog(Frame* parent, HostCtl::Network::ZenkNic& nic, HostAccess& host)
@@ -22,7 +23,9 @@ SafeModeNetworkDialog::SafeModeNetworkDialog(Frame* parent, HostCtl::Network::Ze
 
 bool SafeModeNetworkDialog::OnKey(int key) {
     if (key == KEY_F(11)) {
-        SafeModeNetwork(_host, _nic).Run();
+        // A move that stopped half-way leaves interfaces down or uplinks on no switch: the operator must
+        // not take the closed dialog for success.
+        if (!SafeModeNetwork(_host, _nic).Run()) MessageDialog(this, kTitle, kFailed).RunModal();
         // Logged and 1 whatever the move came to: the menu offers it once.
         LogInfo("Enabling safe mode networking by moving all uplinks to a new management xSwitch");
         Close(1);

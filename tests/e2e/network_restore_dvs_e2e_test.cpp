@@ -14,6 +14,7 @@ constexpr const char* kDialogMark = "Enter the properties for new xDS host local
 constexpr const char* kChooserMark = "Select the xDS Uplinks (one or more)";
 constexpr const char* kErrorTitle = "Restore xDS: Error";
 constexpr const char* kFailed = "Unable to restore xDS. Check logs for details.";
+constexpr const char* kVlanRange = "Valid range is 0-4094.";
 constexpr const char* kRestored = "Restoring xDS management port on host local port hlp-zk0#5";
 
 // Logs in, opens Network Restore Options and, two entries down, the restore of the distributed port;
@@ -106,18 +107,18 @@ TEST(NetworkRestoreDvs, AVlanOutsideZeroTo4094KeepsTheOperatorInTheDialog) {
     ASSERT_TRUE(OpenRestoreDvs(*host)) << host->Term().Dump();
     TypeShown(*host, "4095");
     host->Term().Press(Key::Enter);
-    ASSERT_TRUE(ShowsMessage(*host, "Invalid VLAN ID", kFailed)) << host->Term().Dump();
+    ASSERT_TRUE(ShowsMessage(*host, "Invalid VLAN ID", kVlanRange)) << host->Term().Dump();
     EXPECT_TRUE(host->WaitForSyslog({"user.err", "]: Invalid DVPort vlan specified. Valid range is 0-4094."}))
         << host->Syslog();
-    ASSERT_TRUE(Acknowledge(*host, kFailed));
+    ASSERT_TRUE(Acknowledge(*host, kVlanRange));
     // Still there with the value; emptied, it is refused the same way.
     EXPECT_TRUE(host->Term().Screen().Contains(kDialogMark)) << host->Term().Dump();
     EXPECT_TRUE(host->Term().Screen().Contains("4095"));
     Press(*host, Key::Backspace);
     host->Term().Press(Key::Enter);
-    ASSERT_TRUE(ShowsMessage(*host, "Invalid VLAN ID", kFailed)) << host->Term().Dump();
+    ASSERT_TRUE(ShowsMessage(*host, "Invalid VLAN ID", kVlanRange)) << host->Term().Dump();
     EXPECT_TRUE(WaitForSyslogCount(*host, {"]: Invalid DVPort vlan specified."}, 2)) << host->Syslog();
-    ASSERT_TRUE(Acknowledge(*host, kFailed));
+    ASSERT_TRUE(Acknowledge(*host, kVlanRange));
     host->Term().Press(Key::Escape);
     ASSERT_TRUE(host->Term().WaitForTextGone(kDialogMark)) << host->Term().Dump();
     EXPECT_EQ(StoreValue(*host, "/network"), before);

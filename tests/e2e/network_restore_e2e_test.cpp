@@ -103,7 +103,7 @@ TEST(NetworkRestore, RunningVmsAreAskedForThenPoweredOffBeforeTheNetworkIsRebuil
     // Declining the warning changes nothing, yet the restore is recorded.
     host->Term().Press(Key::F11);
     ASSERT_TRUE(host->Term().WaitForText(kWarningTitle)) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("Host has VMs running."));
+    EXPECT_TRUE(host->Term().WaitForText("Host has VMs running.")) << host->Term().Dump();
     ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
     host->Term().Press(Key::Escape);
     ASSERT_TRUE(host->Term().WaitForTextGone(kConfirmTitle)) << host->Term().Dump();

@@ -48,8 +48,9 @@ TEST(NetworkSafeMode, F11MovesTheManagementNetworkAndTheEntryGoes) {
     EXPECT_TRUE(host->WaitForSyslog({"user.info", kMoved})) << host->Syslog();
     // The window offers the move once: the entry is gone, the cursor on the one after it.
     ASSERT_TRUE(host->Term().WaitForTextGone(kEntry)) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("Restore xDS"));
     EXPECT_TRUE(host->Term().Screen().Contains("Restore Network Settings"));
+    EXPECT_TRUE(host->Term().WaitForText("misconfigured xDS Management network")) << host->Term().Dump();
+    EXPECT_NE(host->Term().Screen().RowText(1).find("Restore xDS"), std::string::npos) << host->Term().Dump();
 
     const json network = StoreJson(*host, "/network");
     const json created = Named(network["switches"], "xSwitch2");
@@ -88,9 +89,13 @@ TEST(NetworkSafeMode, AFailureHalfWayIsLoggedAndWhatWasDoneStays) {
     const pid_t console = host->WaitForConsole();
     ASSERT_TRUE(OpenDialog(*host)) << host->Term().Dump();
     host->Term().Press(Key::F11);
+    // The operator is told before the dialog goes, not left to find it in the log.
+    ASSERT_TRUE(ShowsMessage(*host, kEntry, "Operation on the management network interface failed."))
+        << host->Term().Dump();
     ASSERT_TRUE(
         WaitForSyslogCount(*host, {"user.err", "]: Changing to legacy virtual switch failed: port busy"}, 1))
         << host->Syslog();
+    ASSERT_TRUE(Acknowledge(*host, "Operation on the management network interface failed."));
     EXPECT_TRUE(host->WaitForSyslog({"user.info", kMoved})) << host->Syslog();
     // Offered once, however it went.
     ASSERT_TRUE(host->Term().WaitForTextGone(kEntry)) << host->Term().Dump();

@@ -87,13 +87,4 @@ DvPortProperties DVPortImpl::GetProperties() {
             ActiveUplinks(*Dvs(document, _dvsName), port)};
 }
 
-void DVPortImpl::SetUplinks(const std::vector<std::string>& uplinks) {
-    Store::ThrowIfInjected(*_store, "DVPort.SetUplinks");
-    _store->Update([&](json& d) {
-        json& port = *Port(d, _dvsName, _portKey);
-        CheckPortUplinks(_dvsName, Json::TextList(*Dvs(d, _dvsName), "uplinks"), uplinks);
-        port["uplinks"] = uplinks;
-    });
-}
-
 }  // namespace ZenkCtl::Network

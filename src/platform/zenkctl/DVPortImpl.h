@@ -42,9 +42,6 @@ class DVPortImpl {
     virtual std::vector<std::string> GetUplinks();
     // Every property at once, the uplinks as GetUplinks reads them.
     virtual DvPortProperties GetProperties();
-    // Replaces the port's active uplinks; each must be one of its switch's, once. Empty leaves the port
-    // without an uplink (not the switch's all).
-    virtual void SetUplinks(const std::vector<std::string>& uplinks);
 
   private:
     std::string _dvsName, _portKey;

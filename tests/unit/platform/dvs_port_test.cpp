@@ -91,27 +91,11 @@ TEST_F(DvsPortTest, AHostLocalPortTakesTheNextKeyAndEveryPropertyGiven) {
     }
 }
 
-TEST_F(DvsPortTest, APortsUplinksAreReplacedByTheSwitchsOwnOnly) {
-    DVPortImpl port("dvSwitch0", "10", store);
-    port.SetUplinks({"zennic2", "zennic1"});
-    EXPECT_EQ(port.GetUplinks(), (Names{"zennic2", "zennic1"}));
-    port.SetUplinks({});
-    EXPECT_EQ(port.GetUplinks(), Names{});
-    EXPECT_EQ(Ports()[0]["uplinks"], json::array());
-
-    const json before = store->Read();
-    EXPECT_THROW(port.SetUplinks({"zennic1", "zennic4"}), HostCtlException);
-    EXPECT_THROW(port.SetUplinks({"zennic2", "zennic2"}), HostCtlException);
-    EXPECT_THROW(DVPortImpl("dvSwitch0", "99", store).SetUplinks({}), HostCtlException);
-    EXPECT_EQ(store->Read(), before);
-}
-
 TEST_F(DvsPortTest, EachOperationFailsWithItsInjectedTextAndChangesNothing) {
     DVPortImpl port("dvSwitch0", "10", store);
     VirtualSwitchInfoImpl switches(store);
     const std::vector<std::pair<std::string, std::function<void()>>> operations{
         {"DVPort.GetProperties", [&] { port.GetProperties(); }},
-        {"DVPort.SetUplinks", [&] { port.SetUplinks({"zennic1"}); }},
         {"VirtualSwitchInfo.AddDvsHostLocalPort",
          [&] {
              switches.AddDvsHostLocalPort("dvSwitch0", {"hlp-zk0#9", "", 0, false, false, {}});

@@ -1,5 +1,6 @@
-// Restore xDS over a scratch store: the host-local port's name, the VLAN check, what the new port
-// copies and what the operator changes, the management interface's move, and each refusal and failure.
+// Restore xDS over a scratch store: the host-local port's name, the VLAN rule, what the new port copies
+// and what the operator changes, the management interface's move, and each failure of the host. The
+// refusals and the operator's VLAN corrections are the end-to-end tests' (NetworkRestoreDvs).
 #include "recovery/RestoreDvsDialog.h"
 
 #include <gtest/gtest.h>
@@ -106,34 +107,6 @@ TEST_F(RestoreDvs, UncheckedTheBlockedSettingIsCopiedAndTheUplinksStartAsThePort
     EXPECT_EQ(Port(7)["uplinks"], json({"zennic0"}));
 }
 
-TEST_F(RestoreDvs, VlanZeroTo4094IsTakenAnythingElseKeepsTheOperatorOnTheField) {
-    for (const std::string vlan : {"0", "4094"}) {
-        Make("dvs-host-local-ports");
-        EXPECT_EQ(Open(vlan + "\n").result, 1) << vlan;
-        EXPECT_EQ(Port(7)["vlanId"], std::stoi(vlan));
-    }
-    const struct {
-        std::string typed, fix;
-        int vlan;
-    } refused[] = {
-        // The value stays: End and Backspace edit it; typed digits would replace it.
-        {"4095", Keys::kEnd + Keys::kBackspace, 409},
-        {Keys::kBackspace, "7", 7},
-    };
-    for (const auto& r : refused) {
-        Make("dvs-host-local-ports");
-        auto d = Open(r.typed + kRefused + r.fix + "\n");
-        EXPECT_EQ(d.result, 1);
-        EXPECT_EQ(host_->calls.front(), "error: Invalid DVPort vlan specified. Valid range is 0-4094.");
-        EXPECT_EQ(Network()["dvs"][0]["ports"].size(), 8u);  // the refused value made no port
-        EXPECT_TRUE(d->Showed("Invalid VLAN ID"));
-        EXPECT_FALSE(d->Showed("1-4094"));
-        EXPECT_EQ(d->moments.back().focused, 0);
-        EXPECT_TRUE(d->moments.back().cursor);
-        EXPECT_EQ(Port(7)["vlanId"], r.vlan);
-    }
-}
-
 TEST_F(RestoreDvs, NoUplinkChosenIsAskedAboutAndEscGoesBack) {
     Make("dvs-host-local-ports");
     // zennic0 unchecked; Enter asks, Esc returns to the dialog, Enter asks again and Enter goes on.
@@ -144,24 +117,6 @@ TEST_F(RestoreDvs, NoUplinkChosenIsAskedAboutAndEscGoesBack) {
     EXPECT_EQ(Network()["dvs"][0]["ports"].size(), 8u);
     EXPECT_EQ(Port(7)["uplinks"], json::array());
     EXPECT_EQ(Connected(), "17");
-}
-
-TEST_F(RestoreDvs, RefusedWithNothingChangedOnAnotherMakersSwitchOrWithoutUplinksOnTheHost) {
-    Make("dvs-third-party");
-    auto third = Open("\n");
-    EXPECT_EQ(third.result, 0);
-    EXPECT_TRUE(third->Showed("on 3rd party xDS."));
-    EXPECT_EQ(host_->calls,
-              Calls{"error: Restore xDS refused: dvSwitch0 is a 3rd party xDS (Fabrikam Switching)"});
-    EXPECT_EQ(Network(), before_);
-
-    // The chooser cannot open, and Enter says why instead of restoring; Esc leaves.
-    Make("dvs-no-uplinks");
-    auto none = Open(kToChooser + "\n" + kUp + "\n\t\n" + Keys::kEsc);
-    EXPECT_EQ(none.result, 0);
-    EXPECT_TRUE(none->Showed("No uplinks are configured on the host for this xDS."));
-    EXPECT_FALSE(none->Showed("No uplinks were selected."));
-    EXPECT_EQ(Network(), before_);
 }
 
 TEST_F(RestoreDvs, FailuresAreLoggedShownAndLeaveWhatWasDone) {
@@ -176,8 +131,6 @@ TEST_F(RestoreDvs, FailuresAreLoggedShownAndLeaveWhatWasDone) {
         {"DVPort.GetProperties", "\n", "error: Reading the xDS management port failed: the host said no", 7},
         {"VirtualSwitchInfo.AddDvsHostLocalPort", "\n\t\n",
          "error: Unable to create Host Local Port: the host said no", 7},
-        {"DVPort.SetUplinks", "\n\t\n",
-         "error: Setting the uplinks of host local port hlp-zk0#5 failed: the host said no", 8},
         {"ZenkNic.ConnectToDvPort", "\n\t\n",
          "error: Moving zk0 to host local port hlp-zk0#5 failed: the host said no", 8},
     };
