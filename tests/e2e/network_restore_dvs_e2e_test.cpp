@@ -33,6 +33,7 @@ TEST(NetworkRestoreDvs, TheNextHostLocalPortTakesTheValuesTypedAndTheManagementI
     EXPECT_TRUE(host->Term().Screen().Contains("VLAN ID:")) << host->Term().Dump();
     EXPECT_FALSE(host->Term().Screen().Contains("4095"));
     EXPECT_TRUE(host->Term().Screen().Contains("[X] Restore to default blocked setting (unblocked)"));
+    EXPECT_TRUE(host->Term().Screen().Contains("Select xDS uplinks"));
     TypeShown(*host, "25");
 
     Press(*host, Key::Down, 2);

@@ -112,6 +112,7 @@ TEST_F(RestoreDvs, NoUplinkChosenIsAskedAboutAndEscGoesBack) {
     // zennic0 unchecked; Enter asks, Esc returns to the dialog, Enter asks again and Enter goes on.
     auto d = Open(kToChooser + " \n" + kUp + "\n\t" + Keys::kEsc + "\n\t\n");
     EXPECT_EQ(d.result, 1);
+    EXPECT_TRUE(d->Showed("xDS Uplinks: Warning"));
     EXPECT_TRUE(d->Showed("No uplinks were selected."));
     EXPECT_TRUE(d->Showed("Do you want to continue?"));
     EXPECT_EQ(Network()["dvs"][0]["ports"].size(), 8u);
