@@ -1,5 +1,6 @@
 // Shutting down, restarting and resetting the simulated host from the real console: what ran, in which
-// order, what the host logged and posted, and what became of the host.
+// order, what the host logged and posted, and what became of the host. Which keys the dialogs take and a
+// power command that cannot run are the unit tests' business.
 #include <gtest/gtest.h>
 
 #include "HostSteps.h"
@@ -48,27 +49,6 @@ TEST(Actions, RestartWithTheBoxCheckedTerminatesVmsAndTheConsoleComesBack) {
     EXPECT_EQ(host->SyslogLines({"user.info", "]: Rebooting host"}).size(), 1u);
 }
 
-TEST(Actions, UnrunnablePowerOffReturnsToTheDialogAndASecondF2PostsAgain) {
-    auto host = MakeHost("default", {}, Restarting());
-    ASSERT_TRUE(host->WaitForConsole());
-    // A power command that takes its shell down with it: the console cannot run it to an end.
-    ASSERT_TRUE(ReplaceHostProgram(*host, "/usr/sbin/poweroff", "kill -9 $PPID"));
-    ASSERT_TRUE(OpenShutdown(*host)) << host->Term().Dump();
-    for (int press = 1; press <= 2; ++press) {
-        host->Term().Press(Key::F2);
-        ASSERT_TRUE(WaitForRecords(*host, "events.log", kShutdownEvent, press)) << press;
-        ASSERT_TRUE(WaitForSyslogCount(*host, {"]: Shutting down host"}, press)) << host->Syslog();
-        // Back in the shut-down dialog, ready for the next key.
-        ASSERT_TRUE(host->Term().WaitForTextGone("Shutdown in progress...")) << host->Term().Dump();
-        ASSERT_TRUE(host->Term().WaitForText("<F2> Shut Down")) << host->Term().Dump();
-        ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-    }
-    EXPECT_EQ(CommandCount(*host, {"powerOffVms"}), 2u);
-    host->Term().Press(Key::Escape);
-    EXPECT_TRUE(host->Term().WaitForText(kWelcomeKeys)) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Running());
-}
-
 TEST(Actions, ResetEscAndAFailingResetLeaveTheHostAsItWas) {
     auto host = MakeHost("default", {}, Restarting());
     ASSERT_TRUE(host->WaitForConsole());
@@ -94,7 +74,7 @@ TEST(Actions, ResetEscAndAFailingResetLeaveTheHostAsItWas) {
     EXPECT_NE(StoreValue(*host, "/boot/pending/resetConfiguration"), "true");
 }
 
-TEST(Actions, ResetThenOnlyEnterRestartsTheHostWithItsDefaults) {
+TEST(Actions, ResetThenEnterRestartsTheHostWithItsDefaults) {
     auto host = MakeHost("default", {{"/network/dns/hostname", "\"changed-name\""}}, Restarting());
     const pid_t first = host->WaitForConsole();
     ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
@@ -102,12 +82,7 @@ TEST(Actions, ResetThenOnlyEnterRestartsTheHostWithItsDefaults) {
     host->Term().Press(Key::F11);
     ASSERT_TRUE(host->Term().WaitForText("Default settings are restored.")) << host->Term().Dump();
     ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-    host->Term().Press(Key::Escape);
-    // Long enough for the key reader to take Esc as a key of its own, not the start of a sequence.
-    EXPECT_TRUE(host->Term().WaitForQuiet(1200ms));
-    EXPECT_TRUE(host->Term().Screen().Contains("Default settings are restored.")) << host->Term().Dump();
     EXPECT_EQ(CommandCount(*host, {"reboot"}), 0u);
-
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->WaitForSyslog({"init: host booted again"}, 60s)) << host->Syslog();
     EXPECT_NE(host->WaitForConsole(first), 0);

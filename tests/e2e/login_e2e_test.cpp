@@ -2,7 +2,6 @@
 // each outcome with its screen, log lines, audit records and host events.
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 
 #include "HostSteps.h"
@@ -162,52 +161,6 @@ TEST(Login, WithoutTheMarkerTheConsoleRefusesEveryLogin) {
         ASSERT_TRUE(term.WaitForQuiet(300ms));
     }
     EXPECT_TRUE(host->SyslogLines({"Authentication of user"}).empty());
-}
-
-TEST(Login, RandomBytesAndLongInputInEveryFieldNeverBreakTheConsole) {
-    auto host = MakeHost("default");
-    auto& term = host->Term();
-    const pid_t console = host->WaitForConsole();
-    ASSERT_GT(console, 0);
-    ASSERT_TRUE(OpenLogin(*host)) << term.Dump();
-    std::mt19937 random(7);
-    std::string noise;
-    for (int i = 0; i < 1500; ++i) {
-        const char byte = static_cast<char>(random() & 0xff);
-        const char low = static_cast<char>(byte & 0x7f);
-        // Enter would submit and Esc leave; everything else, control bytes included, goes in.
-        if (low != '\r' && low != '\n' && low != '\033' && low != 3 && low != 0x1c && low != 0x1a)
-            noise += byte;
-    }
-    term.SendRaw(noise);
-    term.Type(std::string(3000, 'x'));
-    term.Press(Key::Tab);
-    term.SendRaw(noise);
-    term.Type(std::string(3000, 'y'));
-    ASSERT_TRUE(term.WaitForQuiet(300ms, 60000ms)) << term.Dump();
-    EXPECT_TRUE(term.Screen().Contains(kLoginTitle)) << term.Dump();
-    term.Press(Key::Escape);
-    ASSERT_TRUE(term.WaitForTextGone(kLoginTitle)) << term.Dump();
-    EXPECT_TRUE(term.Running());
-    EXPECT_EQ(host->WaitForConsole(), console) << "the console was restarted";
-    // And it still logs in.
-    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << term.Dump();
-}
-
-// Before anyone has logged in, what is typed is data: a host value's tag shows as typed and reads nothing.
-TEST(Login, TagsTypedIntoTheNameFieldAreShownAsTyped) {
-    auto host = MakeHost("default");
-    auto& term = host->Term();
-    ASSERT_TRUE(OpenLogin(*host)) << term.Dump();
-    term.Type("{hostname}{ip}");
-    EXPECT_TRUE(term.WaitForText("[ {hostname}{ip}")) << term.Dump();
-    for (int i = 0; i < 14; ++i) term.Press(Key::Backspace);
-    ASSERT_TRUE(term.WaitForTextGone("{hostname}")) << term.Dump();
-    term.Type("{color:red}{serial-number}");
-    EXPECT_TRUE(term.WaitForText("{color:red}{serial-num")) << term.Dump();
-    term.Press(Key::Escape);
-    ASSERT_TRUE(term.WaitForTextGone(kLoginTitle)) << term.Dump();
-    EXPECT_TRUE(term.Running());
 }
 
 TEST(Login, KeyboardLineOpensTheLayoutDialogAndShowsTheLayoutAfterwards) {

@@ -83,13 +83,8 @@ TEST(NetworkCheck, DefaultHostPingsAndResolvesWhatItShows) {
     ASSERT_NE(hosts.find(kFqdn), std::string::npos) << hosts;
     ASSERT_TRUE(OpenTest(*host)) << host->Term().Dump();
     const VirtualTerminal& screen = host->Term().Screen();
-    // The gateway and both name servers fill the fields; the IPv6 gateway finds none left.
-    EXPECT_EQ(FieldValue(screen, "Ping Address #1"), "10.20.30.1");
-    EXPECT_EQ(FieldValue(screen, "Ping Address #2"), "10.20.30.2");
-    EXPECT_EQ(FieldValue(screen, "Ping Address #3"), "10.20.30.3");
-    EXPECT_EQ(FieldValue(screen, "Resolve Hostname"), kFqdn);
-
-    // The third emptied: only what is left is pinged.
+    // The fields start with the gateway, both name servers and the host's name (which values, in which
+    // order, is the unit tests' business). The third emptied: only what is left is pinged.
     Fill(*host, {nullptr, nullptr, ""});
     ASSERT_TRUE(RunToEnd(*host)) << host->Term().Dump();
     EXPECT_TRUE(screen.Contains("Pinging address (10.20.30.1). OK.")) << host->Term().Dump();

@@ -21,11 +21,9 @@ TEST(NetworkWindow, StaticAddressAppliedWithYesIsWhatTheHostRuns) {
     LeaveAnswering(*host, "y");
     ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
     ASSERT_TRUE(host->WaitForSyslog({"]: Network settings changed."})) << host->Syslog();
+    // Every step's line, in order, is the unit tests' business; here that they reach the host's log.
     EXPECT_TRUE(InOrder(
-        *host, {"user.info KOVO[", "]: Setting adapters to zennic0 zennic1",
-                "]: Setting ipv4 configuration to 10.20.30.50 255.255.255.0 on zk0",
-                "]: Setting default gateway to 10.20.30.1", "]: Setting hostname to kovo-host-01.lab.example",
-                "]: Setting nameservers to 10.20.30.2 10.20.30.3", "]: Setting suffixes to ",
+        *host, {"user.info KOVO[", "]: Setting ipv4 configuration to 10.20.30.50 255.255.255.0 on zk0",
                 "]: Network settings changed."}))
         << host->Syslog();
     EXPECT_EQ(CommandCount(*host, {R"("internalsvc/refresh")"}), 1u) << HostRecords(*host, "commands.log");
@@ -38,75 +36,12 @@ TEST(NetworkWindow, StaticAddressAppliedWithYesIsWhatTheHostRuns) {
     EXPECT_TRUE(host->Term().WaitForText("https://10.20.30.50/ (STATIC)")) << host->Term().Dump();
 }
 
-TEST(NetworkWindow, EscapeKeepsTheEditsAndNoDropsThemLeavingTheStoreAsItWas) {
-    auto host = MakeHost("default");
-    ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
-    const std::string before = StoreFile(*host);
-    EditSuffixes(*host, "a.example");
-
-    // Esc in the confirmation goes back to the window with the edit still pending.
-    LeaveAnswering(*host, "");
-    host->Term().Press(Key::Escape);
-    ASSERT_TRUE(host->Term().WaitForTextGone(kConfirmTitle)) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-    Press(*host, Key::Down, kSuffixDowns);
-    EXPECT_TRUE(host->Term().WaitForText("a.example")) << host->Term().Dump();
-    // Keys other than Y, N and Esc do nothing there.
-    LeaveAnswering(*host, "xq\n");
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-    EXPECT_TRUE(host->Term().Screen().Contains(kConfirmTitle)) << host->Term().Dump();
-    host->Term().Type("n");
-    ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
-
-    EXPECT_EQ(StoreFile(*host), before);
-    EXPECT_TRUE(host->SyslogLines({"]: Network settings changed."}).empty());
-    EXPECT_TRUE(host->SyslogLines({"]: Setting suffixes to"}).empty());
-}
-
 TEST(NetworkWindow, EscapeWithoutChangesLeavesAtOnce) {
     auto host = MakeHost("default");
     ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
     host->Term().Press(Key::Escape);
     ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
     EXPECT_EQ(host->Term().Output().find(kConfirmTitle), std::string::npos);
-}
-
-TEST(NetworkWindow, InvalidIpv4ValuesAreRefusedWithTheFieldInErrorFocused) {
-    auto host = MakeHost("default");
-    ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
-    ASSERT_TRUE(OpenFromMenu(*host, kIpv4Downs, kStaticChoice)) << host->Term().Dump();
-    Press(*host, Key::Down);
-    TypeShown(*host, "1.2.3");
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(ShowsMessage(*host, "Invalid IP address", "Please reenter a valid IPv4 address (x.x.x.x)."))
-        << host->Term().Dump();
-    ASSERT_TRUE(Acknowledge(*host, "Please reenter a valid IPv4 address"));
-    // The address field has the focus again: what is typed replaces it.
-    TypeShown(*host, "10.20.30.60");
-
-    Press(*host, Key::Down);
-    TypeShown(*host, "255.0.255.0");
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(ShowsMessage(*host, "Invalid subnet", "Please reenter a valid subnet (x.x.x.x)."))
-        << host->Term().Dump();
-    ASSERT_TRUE(Acknowledge(*host, "Please reenter a valid subnet"));
-    TypeShown(*host, "255.255.0.0");
-
-    Press(*host, Key::Down);
-    TypeShown(*host, "10.20");
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(
-        ShowsMessage(*host, "Invalid gateway address", "Please reenter a valid gateway address (x.x.x.x)."))
-        << host->Term().Dump();
-    ASSERT_TRUE(Acknowledge(*host, "Please reenter a valid gateway address"));
-    TypeShown(*host, "10.20.0.1");
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForTextGone(kStaticChoice)) << host->Term().Dump();
-
-    EXPECT_TRUE(host->Term().WaitFor([](const VirtualTerminal& screen) {
-        return screen.Contains("IPv4 Address: 10.20.30.60") && screen.Contains("Subnet Mask: 255.255.0.0") &&
-               screen.Contains("Default Gateway: 10.20.0.1");
-    })) << host->Term().Dump();
 }
 
 TEST(NetworkWindow, DhcpChosenTakesTheLeaseTheNetworkOffers) {
@@ -149,18 +84,8 @@ TEST(NetworkWindow, NameServersHostNameAndSuffixesReachTheResolver) {
     LeaveAnswering(*host, "y");
     ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
     ASSERT_TRUE(host->WaitForSyslog({"]: Network settings changed."})) << host->Syslog();
-    EXPECT_TRUE(InOrder(*host, {"]: Setting hostname to nodeb.other.example",
-                                "]: Setting nameservers to 10.20.30.9 2001:db8::53",
-                                "]: Setting suffixes to a.example, b.example  c.example"}))
-        << host->Syslog();
-    EXPECT_EQ(StoreValue(*host, "/network/dns/hostname"), "\"nodeb\"");
-    EXPECT_EQ(StoreValue(*host, "/network/dns/domain"), "\"other.example\"");
-    EXPECT_EQ(StoreJson(*host, "/network/dns/nameServers"), nlohmann::json({"10.20.30.9"}));
-    EXPECT_EQ(StoreJson(*host, "/network/dns/ipv6NameServers"), nlohmann::json({"2001:db8::53"}));
-    EXPECT_EQ(StoreJson(*host, "/network/dns/searchDomains"),
-              nlohmann::json({"other.example", "a.example", "b.example", "c.example"}));
-
-    // The host's resolver follows the saved configuration.
+    // What each setting does to the host's configuration is the unit tests' business; the host's resolver
+    // and name files follow the saved configuration.
     ASSERT_TRUE(host->Term().WaitUntil(
         [&] {
             return HostFile(*host, "/etc/resolv.conf").find("nameserver 10.20.30.9") != std::string::npos;
@@ -175,52 +100,25 @@ TEST(NetworkWindow, NameServersHostNameAndSuffixesReachTheResolver) {
     EXPECT_EQ(HostFile(*host, "/etc/hostname"), "nodeb\n");
 }
 
-TEST(NetworkWindow, EachFailingStepIsShownAndTheAgentStillRefreshes) {
-    struct Failure {
-        const char* fault;
-        const char* line;
-        bool gatewayEdit;  // the step runs only for a new gateway
-    };
-    const std::vector<Failure> failures = {
-        {"ZenkNic.SetMacAddressFromPnic", "Setting mac address of zennic failed: ", false},
-        {"ZenkNic.GetIpConfig", "Setting ip configuration failed: ", false},
-        {"NetworkInfo.SetZenkIpv6Enabled", "Setting ipv6 configuration failed: ", false},
-        {"ZenkNic.SetIpConfig", "Setting ip/ipv6 configuration failed: ", false},
-        {"RoutingInfo.SetZenKernelDefaultGateway", "Setting default gateway failed: ", true},
-        {"DnsConfig.SaveConfig", "Setting DNS failed: ", false},
-    };
+// Which step fails with which line, and that nothing after it but the refresh runs, is the unit tests'
+// business; here one failure on its way to the operator and the host.
+TEST(NetworkWindow, AFailingStepIsShownLoggedAndTheAgentStillRefreshes) {
     auto host = MakeHost("default");
-    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
-    for (size_t i = 0; i < failures.size(); ++i) {
-        const Failure& failure = failures[i];
-        SCOPED_TRACE(failure.fault);
-        ASSERT_TRUE(OpenFromMenu(*host, i == 0 ? kNetworkDowns : 0, kWindowMark)) << host->Term().Dump();
-        if (failure.gatewayEdit) {
-            EditIpv4Field(*host, 3, "10.20.30.254");
-        } else {
-            EditSuffixes(*host, "f" + std::to_string(i) + ".example");
-        }
-        // The host changes under the open window: its uplink order now starts with the other NIC, so the
-        // application has to give the interface the first adapter's MAC address again.
-        if (i == 0) {
-            ASSERT_TRUE(
-                SetStore(*host, "/network/switches/0/teaming/uplinkOrder", R"(["zennic1","zennic0"])"));
-        }
-        ASSERT_TRUE(
-            SetStore(*host, std::string("/simulation/faults/") + failure.fault, R"("the host refused")"));
+    ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
+    EditSuffixes(*host, "f0.example");
+    // The host changes under the open window: its uplink order now starts with the other NIC, so the
+    // application has to give the interface the first adapter's MAC address again, and that fails.
+    ASSERT_TRUE(SetStore(*host, "/network/switches/0/teaming/uplinkOrder", R"(["zennic1","zennic0"])"));
+    ASSERT_TRUE(SetStore(*host, "/simulation/faults/ZenkNic.SetMacAddressFromPnic", R"("the host refused")"));
 
-        LeaveAnswering(*host, "y");
-        const std::string line = std::string(failure.line) + "the host refused";
-        // One message, under the title every step shares.
-        ASSERT_TRUE(ShowsMessage(*host, kErrorTitle, line)) << host->Term().Dump();
-        ASSERT_TRUE(SetStore(*host, "/simulation/faults", "{}"));
-        ASSERT_TRUE(Acknowledge(*host, kErrorTitle)) << host->Term().Dump();
-        ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
-        ASSERT_TRUE(host->WaitForSyslog({"user.err", "]: " + line})) << host->Syslog();
-        EXPECT_EQ(CommandCount(*host, {R"("internalsvc/refresh")"}), i + 1)
-            << HostRecords(*host, "commands.log");
-    }
-    // The first failure stopped before the addresses: the interface kept its MAC address.
+    LeaveAnswering(*host, "y");
+    const std::string line = "Setting mac address of zennic failed: the host refused";
+    ASSERT_TRUE(ShowsMessage(*host, kErrorTitle, line)) << host->Term().Dump();
+    ASSERT_TRUE(Acknowledge(*host, kErrorTitle)) << host->Term().Dump();
+    ASSERT_TRUE(BackInMenu(*host)) << host->Term().Dump();
+    ASSERT_TRUE(host->WaitForSyslog({"user.err", "]: " + line})) << host->Syslog();
+    EXPECT_EQ(CommandCount(*host, {R"("internalsvc/refresh")"}), 1u) << HostRecords(*host, "commands.log");
+    // The failure stopped before the addresses: the interface kept its MAC address.
     EXPECT_EQ(StoreValue(*host, "/network/zenkNics/0/mac"), "\"00:1b:21:4a:10:00\"");
 }
 

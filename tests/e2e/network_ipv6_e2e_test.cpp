@@ -1,5 +1,6 @@
 // IPv6 in the network window on the simulated host: static addresses and a gateway the host then runs,
-// the addresses refused, and switching IPv6 off or on, which restarts the host.
+// and switching IPv6 off or on, which restarts the host. The addresses the dialog refuses are the unit
+// tests' business.
 #include <gtest/gtest.h>
 
 #include "NetworkSteps.h"
@@ -11,15 +12,7 @@ using nlohmann::json;
 
 constexpr const char* kIpv6Mark = "Set static IPv6 address";
 
-// Enter on a static address the dialog refuses; the report is read and closed.
-void Refused(HostConsole& host, const std::string& title, const std::string& text) {
-    host.Term().Press(Key::Enter);
-    ASSERT_TRUE(ShowsMessage(host, title, text)) << host.Term().Dump();
-    ASSERT_TRUE(Acknowledge(host, text));
-    EXPECT_TRUE(host.Term().Screen().Contains(kIpv6Mark));
-}
-
-TEST(NetworkIpv6, StaticAddressesAndGatewayAreCheckedAppliedAndShown) {
+TEST(NetworkIpv6, StaticAddressesAndGatewayAreAppliedAndShown) {
     auto host = MakeHost("default");
     ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
     ASSERT_TRUE(OpenFromMenu(*host, kIpv6Downs, kIpv6Mark)) << host->Term().Dump();
@@ -28,14 +21,6 @@ TEST(NetworkIpv6, StaticAddressesAndGatewayAreCheckedAppliedAndShown) {
     host->Term().Type(" ");
     ASSERT_TRUE(host->Term().WaitForQuiet(80ms));
     Press(*host, Key::Down);
-    TypeShown(*host, "2001:db8:20:30::41");
-    Refused(*host, "Invalid IP address", "Please reenter a valid IPv6 network address (x:x:x/x).");
-    // Link-local, and what the same byte test takes for it.
-    for (const char* linkLocal : {"fe80::1/64", "febf::1/64", "ff80::1/64"}) {
-        SCOPED_TRACE(linkLocal);
-        TypeShown(*host, linkLocal);
-        Refused(*host, "Invalid scope", "Cannot add a link-local address as static address.");
-    }
     TypeShown(*host, "2001:db8:20:30::41/64");
     Press(*host, Key::Down);
     TypeShown(*host, "fec0::41/64");

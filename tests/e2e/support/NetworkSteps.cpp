@@ -76,10 +76,6 @@ std::string FileText(const std::string& path) {
     return text.str();
 }
 
-std::string StoreFile(const HostConsole& host) {
-    return FileText(host.HostDir() + "/upper/etc/halvor/host.json");
-}
-
 std::string HostFile(const HostConsole& host, const std::string& path) {
     return FileText(host.HostDir() + "/upper" + path);
 }

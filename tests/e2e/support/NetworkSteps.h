@@ -47,8 +47,6 @@ bool BackInMenu(HostConsole& host);
 // A value of the running host's store, parsed.
 nlohmann::json StoreJson(const HostConsole& host, const std::string& pointer);
 std::string FileText(const std::string& path);
-// The store file on the host's disk, byte for byte.
-std::string StoreFile(const HostConsole& host);
 // A file of the host's disk by its path inside the host.
 std::string HostFile(const HostConsole& host, const std::string& path);
 // Whether an address answers a ping inside the running host.

@@ -59,13 +59,17 @@ TEST_F(IpDialog, OnlyTheFirstInvalidValueIsReportedWithItsFieldFocused) {
     struct Case {
         const char *address, *mask, *gateway;
         int focused;
-        const char* title;
+        const char *title, *text;
     };
     // An empty gateway is invalid too, but the address comes first.
-    const Case cases[] = {{"300.1.1.1", "255.255.255.0", "", D::kAddress, "Invalid IP address"},
-                          {"10.0.0.5", "255.0.255.0", "10.0.0.1", D::kMask, "Invalid subnet"},
-                          {"10.0.0.5", "255.255", "10.0.0.1", D::kMask, "Invalid subnet"},
-                          {"10.0.0.5", "255.255.255.0", "10.0.0.", D::kGateway, "Invalid gateway"}};
+    const Case cases[] = {
+        {"300.1.1.1", "255.255.255.0", "", D::kAddress, "Invalid IP address",
+         "Please reenter a valid IPv4 address (x.x.x.x)."},
+        {"10.0.0.5", "255.0.255.0", "10.0.0.1", D::kMask, "Invalid subnet",
+         "Please reenter a valid subnet (x.x.x.x)."},
+        {"10.0.0.5", "255.255", "10.0.0.1", D::kMask, "Invalid subnet", "Please reenter a valid subnet"},
+        {"10.0.0.5", "255.255.255.0", "10.0.0.", D::kGateway, "Invalid gateway address",
+         "Please reenter a valid gateway address (x.x.x.x)."}};
     for (const Case& c : cases) {
         // From DHCP to static: neither the refusal nor Esc after it changes the configuration.
         auto d = Run<D>(Keys::kDown + " " + Keys::kDown + c.address + Keys::kDown + c.mask + Keys::kDown +
@@ -74,6 +78,7 @@ TEST_F(IpDialog, OnlyTheFirstInvalidValueIsReportedWithItsFieldFocused) {
         EXPECT_EQ(d.result, 0);
         EXPECT_EQ(d->Items().GetSelected(), c.focused) << c.title;
         EXPECT_TRUE(d->Showed(c.title)) << c.title;
+        EXPECT_TRUE(d->Showed(c.text)) << c.title;
         EXPECT_EQ(d->Showed("Invalid gateway"), c.focused == D::kGateway) << c.title;
         EXPECT_EQ(d->Config(), Config(true)) << c.title;
     }

@@ -23,11 +23,5 @@ TEST(HostValues, MemoryUnitClimbsToTerabytesAndBelowAGigabyteStaysInMegabytes) {
     EXPECT_EQ(FormatMemory(0, kPage), "0 MB");
 }
 
-TEST(HostValues, ValuesWithoutAHostSourceAreNotApplicable) {
-    EXPECT_EQ(TextArea::GetSupportStart(), "N/A");
-    EXPECT_EQ(TextArea::GetSupportPeriod(), "N/A");
-    EXPECT_EQ(TextArea::GetCPLDVersion(), "N/A");
-}
-
 }  // namespace
 }  // namespace Kovo

@@ -5,15 +5,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/store/HostStore.h"
-#include "text/HostVersionSource.h"
 #include "text/StringFactory.h"
 #include "text/VersionLine.h"
 #include "text/en_US_Factory.h"
@@ -132,6 +129,7 @@ TEST(VersionLine, FieldsFillingAllTheirBytesDoNotRunIntoTheirNeighbours) {
                                              std::string(sizeof record.buildNumberString, '7') + ")");
 }
 
+// How the line is read from the host's record is the platform's and the end-to-end tests' business.
 TEST(VersionLine, IsRetriedWhileTheHostFailsAndKeptOnceRead) {
     int calls = 0;
     bool hostReady = false;
@@ -151,29 +149,6 @@ TEST(VersionLine, IsRetriedWhileTheHostFailsAndKeptOnceRead) {
     hostReady = false;  // once read, the line no longer depends on the host
     EXPECT_STREQ(line.Get(), "KOVO Host 1.0.0 (ZenKernel 6.1.0 Build 4711)");
     EXPECT_EQ(calls, 3);
-}
-
-// The same recovery through the real record read: first no host store, then one, then a broken one.
-TEST(VersionLine, ComesFromTheHostRecordOnceTheHostCanBeRead) {
-    char dirTemplate[] = "/tmp/kovo-version-XXXXXX";
-    ASSERT_NE(mkdtemp(dirTemplate), nullptr);
-    const std::filesystem::path dir(dirTemplate);
-    ZenkCtl::Store::HostStore store((dir / "host.json").string());
-    VersionLine line([&] { return ReadHostVersionLine(store); });
-
-    EXPECT_STREQ(line.Get(), "");
-
-    store.Replace(nlohmann::json{{"system",
-                                  {{"version",
-                                    {{"productName", "KOVO Host"},
-                                     {"productVersion", "2.5.1"},
-                                     {"kernelRelease", "6.1.0"},
-                                     {"buildNumber", 123}}}}}});
-    EXPECT_STREQ(line.Get(), "KOVO Host 2.5.1 (ZenKernel 6.1.0 Build 123)");
-
-    std::ofstream(dir / "host.json") << "{ not json";
-    EXPECT_STREQ(line.Get(), "KOVO Host 2.5.1 (ZenKernel 6.1.0 Build 123)");
-    std::filesystem::remove_all(dir);
 }
 
 }  // namespace
