@@ -189,7 +189,7 @@ TEST(ConsolePidFile, SecondInstanceLeavesALiveOnesFileAloneAndStillRuns) {
 
 // The ended console's own id is left behind: a pid file of a dead process. The other kinds of stale
 // contents are the unit tests' business.
-TEST(ConsolePidFile, StaleOneIsTakenOverByTheNextConsole) {
+TEST(StalePidFile, IsTakenOverByTheNextConsole) {
     ConsoleStart start;
     start.once = false;  // the host starts the console again, as a real one does
     HostConsole host(FreshHostDir(), start);
