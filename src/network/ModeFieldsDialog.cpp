@@ -10,16 +10,6 @@
 
 namespace Kovo {
 
-namespace {
-// Hides the text cursor when the key loop ends, also when a failure passes through it.
-struct CursorHider {
-    CursorHider() = default;
-    CursorHider(const CursorHider&) = delete;
-    CursorHider& operator=(const CursorHider&) = delete;
-    ~CursorHider() { Window::SetCursor(false); }
-};
-}  // namespace
-
 ModeFieldsDialog::ModeFieldsDialog(Frame* parent, int width, int height, int headerHeight, unsigned titleId,
                                    unsigned bodyId)
     : Dialog(parent, {width, height, headerHeight, titleId, bodyId, Footer::kSelectMarkOkCancel}) {}
@@ -62,16 +52,9 @@ void ModeFieldsDialog::EnableFields() {
     for (InputItem* field : _fields) field->SetEnabled(enabled);
 }
 
-void ModeFieldsDialog::ShowCursorOnField() {
-    SetCursor(FocusedField() != nullptr);
-}
-
 int ModeFieldsDialog::HandleKey() {
-    const CursorHider hider;
     // The radio items come first, so the marked one's ordinal is its index.
-    Focus(static_cast<int>(_initialMode));
-    ShowCursorOnField();
-    return RunKeys();
+    return RunWithCursorOnFields(static_cast<int>(_initialMode));
 }
 
 void ModeFieldsDialog::Refuse(int ordinal, unsigned titleId, unsigned textId) {

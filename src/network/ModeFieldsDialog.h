@@ -45,7 +45,6 @@ class ModeFieldsDialog : public Dialog {
 
   private:
     void EnableFields();
-    void ShowCursorOnField();
 
     std::vector<InputItem*> _fields;  // owned by the dialog's items
     std::size_t _fieldsMode = 0;

@@ -61,14 +61,6 @@ std::string Next(std::string number) {
     return "1" + number;
 }
 
-// Hides the text cursor when the key loop ends, also when a failure passes through it.
-struct CursorHider {
-    CursorHider() = default;
-    CursorHider(const CursorHider&) = delete;
-    CursorHider& operator=(const CursorHider&) = delete;
-    ~CursorHider() { Window::SetCursor(false); }
-};
-
 }  // namespace
 
 bool RestoreDvsDialog::ReadVlan(const std::string& text, int& vlanId) {
@@ -148,14 +140,7 @@ int RestoreDvsDialog::HandleKey() {
         MessageDialog(this, kErrorTitle, _refusal).RunModal();
         return 0;
     }
-    const CursorHider hider;
-    Focus(0);
-    ShowCursorOnField();
-    return RunKeys();
-}
-
-void RestoreDvsDialog::ShowCursorOnField() {
-    SetCursor(FocusedField() != nullptr);
+    return RunWithCursorOnFields(0);
 }
 
 bool RestoreDvsDialog::OnKey(int key) {

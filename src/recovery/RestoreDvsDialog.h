@@ -37,7 +37,6 @@ class RestoreDvsDialog : public Dialog {
   private:
     // Reads the port and its switch; 0, or the text that refuses the restore.
     unsigned ReadPort();
-    void ShowCursorOnField();
     void ChooseUplinks();
     // Enter: checks the values, asks when no uplink is chosen, then restores.
     void Accept();

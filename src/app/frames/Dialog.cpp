@@ -200,6 +200,19 @@ int Dialog::RunWithCursor(int ordinal) {
     return result;
 }
 
+int Dialog::RunWithCursorOnFields(int ordinal) {
+    struct Hider {
+        ~Hider() { Window::SetCursor(false); }
+    } const hider;
+    Focus(ordinal);
+    ShowCursorOnField();
+    return RunKeys();
+}
+
+void Dialog::ShowCursorOnField() {
+    SetCursor(FocusedField() != nullptr);
+}
+
 void Dialog::Focus(int ordinal) {
     Items().Select(ordinal);
     // Focused anew, a field takes what is typed next in place of its value, also when it had the focus

@@ -83,6 +83,11 @@ class Dialog : public Frame {
     // The key loop of a dialog of text fields: shows the text cursor on the item at `ordinal` while it
     // runs and hides it again however the loop closes.
     int RunWithCursor(int ordinal);
+    // The same for a dialog of fields among other items: the text cursor shows only while a field has
+    // the focus (ShowCursorOnField after each move), and is hidden however the loop ends, a failure
+    // passing through included.
+    int RunWithCursorOnFields(int ordinal);
+    void ShowCursorOnField();
     // Moves the focus to the selectable item at `ordinal` (in the order shown).
     void Focus(int ordinal);
     // The common keys; false for a key none of them is.
