@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Fails when a source file includes a layer above its own, when the platform's interfaces include its
-# implementations, or when a screen reaches the configuration store itself.
+# implementations, or when anything above the platform but start-up reaches the Halvor implementations
+# or their store.
 #   platform <- app/terminal <- text <- app/frames <- access, system, network, recovery <- app/startup
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -34,16 +35,19 @@ while IFS= read -r file; do
         case "$own:$included" in
             platform/hostctl/*:platform/zenkctl/* | platform/hostctl/*:platform/store/*)
                 fault "$file:$line: an interface includes the implementation \"$included\"" ;;
-            access/*:platform/store/* | system/*:platform/store/* | network/*:platform/store/* | recovery/*:platform/store/*)
-                fault "$file:$line: a screen reaches the store; ask HostAccess instead" ;;
+            platform/* | app/startup/*:*) ;;
+            *:platform/zenkctl/* | *:platform/store/*)
+                fault "$file:$line: includes the Halvor platform \"$included\"; only the platform and start-up may" ;;
         esac
     done < <(grep -no '^#include "[^"]*"' "$file" | sed -E 's/^([0-9]+):#include "(.*)"$/\1:\2/')
 done < <(find src -name '*.h' -o -name '*.cpp' -o -name '*.inc' | sort)
 
-# A screen gets its platform objects from HostAccess, never by constructing an implementation.
+# Above the platform only start-up names an implementation or the store: everything else reaches the
+# host through the HostCtl interfaces that HostAccess hands out.
 while IFS= read -r hit; do
-    fault "$hit: a screen constructs a platform implementation; ask HostAccess instead"
-done < <(grep -rnE 'ZenkCtl::[A-Za-z]+::[A-Za-z]+Impl *(\(|\{| +[a-z_]+[;({])' src/access src/system src/network src/recovery 2>/dev/null || true)
+    fault "$hit: names the Halvor platform; ask HostAccess (or the installed platform) instead"
+done < <(grep -rnE 'ZenkCtl::|HostStore' src --include='*.h' --include='*.cpp' --include='*.inc' |
+    grep -vE '^src/(platform|app/startup)/' || true)
 
 if [ "$faults" -ne 0 ]; then
     echo "$faults layer fault(s)" >&2

@@ -24,8 +24,8 @@ NewPasswordCheck CheckNewPassword(const std::string& oldPassword, const std::str
 // password was changed, 0 when left with Esc.
 class ChangePasswordDialog : public Dialog {
   public:
-    explicit ChangePasswordDialog(Frame* parent, HostAccess& host = HostAccess::System());
-    ChangePasswordDialog(Frame* parent, PamOps pam, HostAccess& host = HostAccess::System());
+    explicit ChangePasswordDialog(Frame* parent, HostAccess& host);
+    ChangePasswordDialog(Frame* parent, PamOps pam, HostAccess& host);
     ~ChangePasswordDialog() override;
 
     int HandleKey() override;

@@ -21,8 +21,8 @@ LoginKey RouteLoginKey(int key, int focused, int itemCount, bool hasKeyboardItem
 // left with Esc.
 class LoginDialog : public Dialog {
   public:
-    explicit LoginDialog(Frame* parent, HostAccess& host = HostAccess::System());
-    LoginDialog(Frame* parent, PamOps pam, HostAccess& host = HostAccess::System());
+    explicit LoginDialog(Frame* parent, HostAccess& host);
+    LoginDialog(Frame* parent, PamOps pam, HostAccess& host);
     ~LoginDialog() override;
 
     int HandleKey() override;
@@ -61,6 +61,6 @@ class LoginDialog : public Dialog {
 };
 
 // The host's name and domain as dialogs address it ("host01.lab.example"); empty when unknown.
-std::string HostNameAndDomain(HostAccess& host = HostAccess::System());
+std::string HostNameAndDomain(HostAccess& host);
 
 }  // namespace Kovo

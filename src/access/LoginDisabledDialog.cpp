@@ -11,8 +11,9 @@ namespace {
 constexpr unsigned kTitle = 139, kDisabled = 140;
 }  // namespace
 
-LoginDisabledDialog::LoginDisabledDialog(Frame* parent) : Dialog(parent, {60, 9, 6, kTitle, 0, Footer::kOk}) {
-    SetText(std::string(Strings()->GetString(kDisabled)) + HostNameAndDomain());
+LoginDisabledDialog::LoginDisabledDialog(Frame* parent, HostAccess& host)
+    : Dialog(parent, {60, 9, 6, kTitle, 0, Footer::kOk}) {
+    SetText(std::string(Strings()->GetString(kDisabled)) + HostNameAndDomain(host));
 }
 
 bool LoginDisabledDialog::OnKey(int key) {

@@ -6,8 +6,8 @@
 #include <functional>
 
 #include "app/frames/Frame.h"
+#include "platform/hostctl/HardwareInfo.h"
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/zenkctl/SmartCardInfoImpl.h"
 
 namespace Kovo {
 
@@ -15,7 +15,7 @@ namespace {
 
 // Calls `visit` with each user id of each present card, in slot order, until it returns true.
 // A failing reader counts as no card at all.
-bool VisitUserIds(ZenkCtl::Hardware::SmartCardInfoImpl& cards,
+bool VisitUserIds(HostCtl::Hardware::SmartCardInfo& cards,
                   const std::function<bool(const std::string&)>& visit) {
     try {
         for (const auto& slot : cards.GetAllSlots()) {
@@ -32,7 +32,7 @@ bool VisitUserIds(ZenkCtl::Hardware::SmartCardInfoImpl& cards,
 
 }  // namespace
 
-std::string FindSmartCardUser(ZenkCtl::Hardware::SmartCardInfoImpl& cards) {
+std::string FindSmartCardUser(HostCtl::Hardware::SmartCardInfo& cards) {
     std::string found;
     VisitUserIds(cards, [&](const std::string& id) {
         found = id;
@@ -41,11 +41,11 @@ std::string FindSmartCardUser(ZenkCtl::Hardware::SmartCardInfoImpl& cards) {
     return found;
 }
 
-bool HasSmartCardForUser(ZenkCtl::Hardware::SmartCardInfoImpl& cards, const std::string& user) {
+bool HasSmartCardForUser(HostCtl::Hardware::SmartCardInfo& cards, const std::string& user) {
     return VisitUserIds(cards, [&](const std::string& id) { return id == user; });
 }
 
-bool CheckSmartCard(ZenkCtl::Hardware::SmartCardInfoImpl& cards) {
+bool CheckSmartCard(HostCtl::Hardware::SmartCardInfo& cards) {
     if (!Frame::_loggedIn) {
         Frame::_smartCardLoginId = FindSmartCardUser(cards);
         if (!Frame::_smartCardLoginId.empty())

@@ -17,14 +17,12 @@
 #include "app/terminal/Colors.h"
 #include "app/terminal/KeyReader.h"
 #include "app/terminal/KovoTimeout.h"
+#include "platform/hostctl/DnsConfig.h"
+#include "platform/hostctl/HardwareInfo.h"
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/zenkctl/CpuInfoImpl.h"
-#include "platform/zenkctl/DnsConfigImpl.h"
-#include "platform/zenkctl/HardwareInfoImpl.h"
-#include "platform/zenkctl/MemoryInfoImpl.h"
-#include "platform/zenkctl/NetworkInfoImpl.h"
-#include "platform/zenkctl/SysinfoUtil.h"
-#include "platform/zenkctl/SystemInfoImpl.h"
+#include "platform/hostctl/NetworkInfo.h"
+#include "platform/hostctl/SystemIdentity.h"
+#include "platform/hostctl/SystemInfo.h"
 #include "system/GeneralWindow.h"
 #include "system/ShutdownDialog.h"
 #include "text/StringFactory.h"
@@ -162,8 +160,13 @@ std::string WelcomeWindow::AddressText() {
 std::string WelcomeWindow::WarningText() {
     std::string text;
     if (_dhcpWaiting) text = Strings()->GetString(kDhcpWarning);
-    ZenkCtl::Util::SysinfoBootOptions boot{};
-    if (SysNode_Get(SYSNODE_BOOT_OPTIONS, &boot, sizeof boot) == 0 && boot.auditMode == 1) {
+    bool auditMode = false;
+    try {
+        auditMode = _host.Identity()->GetBootOptions().auditMode == 1;
+    } catch (const HostCtl::Lib::HostCtlException&) {
+        // A host that cannot tell its boot options is taken to run normally, as it always has been.
+    }
+    if (auditMode) {
         if (!text.empty()) text += "\n";
         text += Strings()->GetString(kAuditWarning);
     }
@@ -243,13 +246,15 @@ bool WelcomeWindow::LoginAllowed() {
 void WelcomeWindow::RunSession(bool customize) {
     try {
         if (!LoginAllowed()) {
-            LoginDisabledDialog(this).RunModal();
+            LoginDisabledDialog(this, _host).RunModal();
             return;
         }
         auto login = std::make_unique<LoginDialog>(this, _host);
         if (!login->RunModal()) return;
         if (customize) {
             SetLoggedIn(true);
+            // Read anew at each login, so a time-out changed in the last session counts.
+            LoadIdleTimeout([this] { return _host.Options(); });
             auto menu = std::make_unique<GeneralWindow>(this, _host);
             menu->RunModal();
             SetLoggedIn(false);

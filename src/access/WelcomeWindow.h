@@ -14,7 +14,7 @@ class TextArea;
 // that lead to a login. It owns the session round trip and ends idle sessions.
 class WelcomeWindow : public Frame {
   public:
-    explicit WelcomeWindow(HostAccess& host = HostAccess::System());
+    explicit WelcomeWindow(HostAccess& host);
     int HandleKey() override;
     void Notification() override;
 

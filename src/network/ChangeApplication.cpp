@@ -11,7 +11,6 @@
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/Ipv4Address.h"
 #include "platform/hostctl/ZenkNic.h"
-#include "platform/zenkctl/ZenkNicImpl.h"
 #include "system/RebootConfirmDialog.h"
 
 namespace Kovo {
@@ -122,10 +121,7 @@ void ChangeApplication::ApplyMacAddress() {
     if (!_uplinksRead || _pending.adapters.empty()) return;
     if (!_currentUplinks.empty() && _pending.adapters.front() == _currentUplinks.front()) return;
     const auto pnic = _host.Pnic(_pending.adapters.front());
-    if (auto* nic = dynamic_cast<ZenkCtl::Network::ZenkNicImpl*>(_pending.managementInterface.get()))
-        nic->SetMacAddressFromPnic(pnic.get());
-    else
-        _pending.managementInterface->SetMacAddress(pnic->GetMacAddress());
+    _pending.managementInterface->SetMacAddressFromPnic(*pnic);
 }
 
 void ChangeApplication::ApplyVlan() {
@@ -230,12 +226,12 @@ void ChangeApplication::RestartInterface() {
 }
 
 void ChangeApplication::ApplyDns() {
-    ZenkCtl::Network::DnsConfigImpl& dns = *_pending.dns;
+    HostCtl::Network::DnsConfig& dns = *_pending.dns;
     // The suffix field takes characters that do not always make a name ("a..b"): refuse before the
     // search list is replaced, so a bad suffix never leaves the host with its domain alone.
-    const std::vector<std::string> suffixes = ZenkCtl::Network::DnsConfigImpl::SplitNames(_pending.suffixes);
+    const std::vector<std::string> suffixes = HostCtl::Network::SplitNames(_pending.suffixes);
     for (const std::string& suffix : suffixes)
-        if (!ZenkCtl::Network::DnsConfigImpl::IsValidDomain(suffix))
+        if (!HostCtl::Network::IsValidDomain(suffix))
             throw HostCtl::Lib::HostCtlException("Invalid search domain: " + suffix);
     if (!_pending.applied.GetDnsFromDhcp()) {
         const std::string& name = _pending.hostname;

@@ -6,9 +6,8 @@
 #include "network/NetworkLog.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/NicTeamingPolicy.h"
+#include "platform/hostctl/VirtualSwitchInfo.h"
 #include "platform/hostctl/ZenkNic.h"
-#include "platform/zenkctl/DVPortImpl.h"
-#include "platform/zenkctl/VirtualSwitchInfoImpl.h"
 
 namespace Kovo {
 

@@ -6,11 +6,9 @@
 #include "platform/hostctl/ConnectionPoint.h"
 
 namespace HostCtl::Network {
+class VirtualSwitchInfo;
 class ZenkNic;
-}
-namespace ZenkCtl::Network {
-class VirtualSwitchInfoImpl;
-}
+}  // namespace HostCtl::Network
 
 namespace Kovo {
 
@@ -38,7 +36,7 @@ class ManagementSwitch {
 
     // The steps above without their logging, for other moves of uplinks between switches. Each throws
     // HostCtlException with the host's reason.
-    using Switches = ZenkCtl::Network::VirtualSwitchInfoImpl;
+    using Switches = HostCtl::Network::VirtualSwitchInfo;
     // The name of the standard or distributed switch whose port the interface is plugged into.
     static std::string SwitchOf(HostAccess& host, HostCtl::Network::ZenkNic& nic);
     // Takes a NIC from the switch that holds it, unless that is `target` (a standard holder's teaming

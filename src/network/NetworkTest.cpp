@@ -18,8 +18,8 @@
 
 #include "network/LinkLocal.h"
 #include "network/NetworkLog.h"
+#include "platform/hostctl/HostsFile.h"
 #include "platform/hostctl/Ipv6Address.h"
-#include "platform/zenkctl/HostsFile.h"
 
 namespace Kovo {
 
@@ -74,7 +74,7 @@ bool PutBackHosts(HostsGuard& guard) {
 }
 
 // Backs the hosts file up and takes `name` out of it; false (logged) when the test cannot run.
-bool TakeNameOut(HostsGuard& guard, const std::string& name) {
+bool TakeNameOut(HostsGuard& guard, HostAccess& host, const std::string& name) {
     if (guard.stuck) {
         LogError("/etc/hosts was not put back after an earlier resolve test; it is left alone");
         return false;
@@ -98,7 +98,7 @@ bool TakeNameOut(HostsGuard& guard, const std::string& name) {
         return false;
     }
     try {
-        guard.inFlight = ZenkCtl::Network::HostsFile(kHosts).RemoveEntryByHostName(name);
+        guard.inFlight = host.HostsFile()->RemoveEntryByHostName(name);
     } catch (const std::exception& e) {
         // An entry left in place would answer for the name servers and pass a test that should fail.
         LogFailure("Unable to take " + name + " out of /etc/hosts: ", e);
@@ -146,12 +146,12 @@ TestResult NetworkTest::StartPing(HostAccess& host, const std::string& command) 
     return StartThread([&host, command] { return host.Exec(command) == 0 ? 0 : 1; });
 }
 
-int NetworkTest::Resolve(const std::string& name) {
+int NetworkTest::Resolve(HostAccess& host, const std::string& name) {
     HostsGuard& guard = Guard();
     {
         std::unique_lock lock(guard.mutex);
         guard.idle.wait(lock, [&] { return !guard.inFlight || guard.ending || guard.stuck; });
-        if (guard.ending || !TakeNameOut(guard, name)) return 1;
+        if (guard.ending || !TakeNameOut(guard, host, name)) return 1;
     }
     addrinfo* found = nullptr;
     const bool resolved = ::getaddrinfo(name.c_str(), nullptr, nullptr, &found) == 0;
@@ -165,10 +165,10 @@ int NetworkTest::Resolve(const std::string& name) {
     return resolved ? 0 : 1;
 }
 
-TestResult NetworkTest::StartResolve(const std::string& name) {
+TestResult NetworkTest::StartResolve(HostAccess& host, const std::string& name) {
     static std::once_flag registered;
     std::call_once(registered, [] { std::atexit(RestoreHostsForExit); });
-    return StartThread([name] { return Resolve(name); });
+    return StartThread([&host, name] { return Resolve(host, name); });
 }
 
 void NetworkTest::RestoreHostsForExit() {

@@ -30,9 +30,9 @@ class NetworkTest {
 
     // Resolves `name` with the host's own hosts-file entry for it taken out, so the answer must come
     // from the host's name servers; the hosts file is put back byte for byte afterwards.
-    static TestResult StartResolve(const std::string& name);
+    static TestResult StartResolve(HostAccess& host, const std::string& name);
     // The resolve test's work, on the calling thread: 0 when the name resolved.
-    static int Resolve(const std::string& name);
+    static int Resolve(HostAccess& host, const std::string& name);
     // Puts back a hosts file a running resolve test has taken the name out of, and lets no further
     // test start. Runs when the console ends, however it ends (registered with atexit).
     static void RestoreHostsForExit();

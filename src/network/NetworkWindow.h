@@ -21,7 +21,7 @@ class NetworkWindow : public RootWindow {
   public:
     enum Entry : int { kAdapters, kVlan, kIpv4, kIpv6, kDns, kSuffixes };
 
-    explicit NetworkWindow(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit NetworkWindow(Frame* parent, HostAccess& host);
     ~NetworkWindow() override;
 
     int HandleKey() override;

@@ -10,7 +10,7 @@ namespace Kovo {
 
 using HostCtl::Network::IpAddress;
 
-std::vector<std::string> DistinctNameServers(ZenkCtl::Network::DnsConfigImpl& dns) {
+std::vector<std::string> DistinctNameServers(HostCtl::Network::DnsConfig& dns) {
     std::vector<std::string> servers;
     auto add = [&servers](const std::vector<std::string>& list) {
         for (const std::string& server : list)
@@ -52,7 +52,7 @@ PendingNetwork PendingNetwork::Read(HostAccess& host) {
 
     pending.applied = pending.modes = pending.managementInterface->GetConfiguredIpConfig();
 
-    ZenkCtl::Network::DnsConfigImpl& dns = *pending.dns;
+    HostCtl::Network::DnsConfig& dns = *pending.dns;
     const std::string domain = dns.GetDomain();
     pending.hostname = PendingHostname(dns.GetHostname(), domain);
     const std::vector<std::string> servers = DistinctNameServers(dns);

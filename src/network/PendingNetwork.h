@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "platform/hostctl/DnsConfig.h"
 #include "platform/hostctl/IpAddress.h"
 #include "platform/hostctl/IpConfig.h"
+#include "platform/hostctl/NetworkInfo.h"
+#include "platform/hostctl/RoutingInfo.h"
 #include "platform/hostctl/ZenkNic.h"
-#include "platform/zenkctl/DnsConfigImpl.h"
-#include "platform/zenkctl/NetworkInfoImpl.h"
-#include "platform/zenkctl/RoutingInfoImpl.h"
 
 namespace Kovo {
 
@@ -19,9 +19,9 @@ class HostAccess;
 // The management network as the network window edits it: the host objects it was read from and every
 // value the operator may change. Nothing here reaches the host until the change application writes it.
 struct PendingNetwork {
-    std::unique_ptr<ZenkCtl::Network::NetworkInfoImpl> networkInfo;
-    std::unique_ptr<ZenkCtl::Network::RoutingInfoImpl> routing;
-    std::unique_ptr<ZenkCtl::Network::DnsConfigImpl> dns;
+    std::unique_ptr<HostCtl::Network::NetworkInfo> networkInfo;
+    std::unique_ptr<HostCtl::Network::RoutingInfo> routing;
+    std::unique_ptr<HostCtl::Network::DnsConfig> dns;
     // Null when the host has no management interface.
     std::unique_ptr<HostCtl::Network::ZenkNic> managementInterface;
 
@@ -57,7 +57,7 @@ struct PendingNetwork {
 };
 
 // The host's name servers as the window offers them: IPv4 first, then IPv6, each once.
-std::vector<std::string> DistinctNameServers(ZenkCtl::Network::DnsConfigImpl& dns);
+std::vector<std::string> DistinctNameServers(HostCtl::Network::DnsConfig& dns);
 // The host's search list as suffix text: the names after the host's own domain, which the change
 // application always puts first, so writing the text back gives the same list.
 std::string SuffixText(const std::vector<std::string>& searchDomains, const std::string& domain);

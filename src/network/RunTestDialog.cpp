@@ -46,7 +46,7 @@ int RunTestDialog::HandleKey() {
     }
     if (!_targets.name.empty()) {
         if (!Await(Strings()->GetString(kResolving) + std::string(" (") + _targets.name + ").",
-                   NetworkTest::StartResolve(_targets.name)))
+                   NetworkTest::StartResolve(_host, _targets.name)))
             return 0;
     }
     SetFooter(Footer::kOk);

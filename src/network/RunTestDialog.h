@@ -16,8 +16,7 @@ class TextArea;
 // running finishes on its own thread and nobody waits for it.
 class RunTestDialog : public Dialog {
   public:
-    RunTestDialog(Frame* parent, TestTargets targets, std::string interface,
-                  HostAccess& host = HostAccess::System());
+    RunTestDialog(Frame* parent, TestTargets targets, std::string interface, HostAccess& host);
 
     int HandleKey() override;
 

@@ -20,7 +20,7 @@ struct TestTargets {
 // Enter checks the addresses and runs the tests (RunTestDialog), then closes (1); Esc closes (0).
 class TestDialog : public Dialog {
   public:
-    explicit TestDialog(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit TestDialog(Frame* parent, HostAccess& host);
 
     // The host's own: the IPv4 default gateway, the IPv4 name servers and, with IPv6 on, the IPv6 default
     // gateway and name servers, in that order, without unset ones ("", 0.0.0.0, ::), as many as there

@@ -20,8 +20,7 @@ class TextArea;
 // reports it.
 class DoRestartNetworkDialog : public Dialog {
   public:
-    DoRestartNetworkDialog(Frame* parent, HostCtl::Network::ZenkNic& nic,
-                           HostAccess& host = HostAccess::System());
+    DoRestartNetworkDialog(Frame* parent, HostCtl::Network::ZenkNic& nic, HostAccess& host);
 
     int HandleKey() override;
 

@@ -15,7 +15,7 @@ class TextArea;
 // machines could not be powered off. Waits for Enter at the end and returns 1.
 class DoRestoreNetworkDialog : public Dialog {
   public:
-    explicit DoRestoreNetworkDialog(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit DoRestoreNetworkDialog(Frame* parent, HostAccess& host);
 
     int HandleKey() override;
 

@@ -22,7 +22,7 @@ class NetworkRestoreWindow : public RootWindow {
   public:
     enum Entry : unsigned { kRestoreNetwork = 63, kRestoreStandardSwitch = 64, kRestoreDvs = 65 };
 
-    explicit NetworkRestoreWindow(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit NetworkRestoreWindow(Frame* parent, HostAccess& host);
     ~NetworkRestoreWindow() override;
 
     int HandleKey() override;

@@ -14,8 +14,7 @@ namespace Kovo {
 // hurried Enter cannot take the host's network down. The host's failures pass through to the opener.
 class RestartNetworkDialog : public Dialog {
   public:
-    RestartNetworkDialog(Frame* parent, HostCtl::Network::ZenkNic& nic,
-                         HostAccess& host = HostAccess::System());
+    RestartNetworkDialog(Frame* parent, HostCtl::Network::ZenkNic& nic, HostAccess& host);
 
   protected:
     bool OnKey(int key) override;

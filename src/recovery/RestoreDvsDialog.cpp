@@ -9,10 +9,10 @@
 #include "app/terminal/Keys.h"
 #include "network/NetworkLog.h"
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/NetworkInfo.h"
 #include "platform/hostctl/Pnic.h"
+#include "platform/hostctl/VirtualSwitchInfo.h"
 #include "platform/hostctl/ZenkNic.h"
-#include "platform/zenkctl/NetworkInfoImpl.h"
-#include "platform/zenkctl/VirtualSwitchInfoImpl.h"
 #include "recovery/DvsUplinksDialog.h"
 #include "recovery/DvsUplinksWarningDialog.h"
 #include "text/CheckItem.h"
@@ -194,7 +194,7 @@ void RestoreDvsDialog::Accept() {
 }
 
 void RestoreDvsDialog::Restore(int vlanId) {
-    ZenkCtl::Network::DvPortProperties properties = _port;
+    HostCtl::Network::DvPortProperties properties = _port;
     properties.name = HostLocalPortName(_nic.GetName(), _portNames);
     properties.vlanId = vlanId;
     if (_unblock->IsChecked()) properties.blocked = false;

@@ -6,7 +6,7 @@
 
 #include "app/frames/Dialog.h"
 #include "app/frames/HostAccess.h"
-#include "platform/zenkctl/DVPortImpl.h"
+#include "platform/hostctl/VirtualSwitchInfo.h"
 
 namespace HostCtl::Network {
 class ZenkNic;
@@ -20,7 +20,7 @@ namespace Kovo {
 // once restored, Esc (0) with nothing changed; 0 also after a failure, which is logged and shown.
 class RestoreDvsDialog : public Dialog {
   public:
-    RestoreDvsDialog(Frame* parent, HostCtl::Network::ZenkNic& nic, HostAccess& host = HostAccess::System());
+    RestoreDvsDialog(Frame* parent, HostCtl::Network::ZenkNic& nic, HostAccess& host);
 
     int HandleKey() override;
 
@@ -46,7 +46,7 @@ class RestoreDvsDialog : public Dialog {
     HostCtl::Network::ZenkNic& _nic;
     HostAccess& _host;
     std::string _dvsName;
-    ZenkCtl::Network::DvPortProperties _port;
+    HostCtl::Network::DvPortProperties _port;
     std::vector<std::string> _portNames;
     // The switch's uplinks this host has, and those of them the new port is to use.
     std::vector<std::string> _available;

@@ -10,7 +10,7 @@ namespace Kovo {
 // included, the log line and the host event follow it; a failure then passes on to the opener.
 class RestoreNetworkDialog : public Dialog {
   public:
-    explicit RestoreNetworkDialog(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit RestoreNetworkDialog(Frame* parent, HostAccess& host);
 
   protected:
     bool OnKey(int key) override;

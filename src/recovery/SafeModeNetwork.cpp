@@ -4,13 +4,11 @@
 #include "network/ManagementSwitch.h"
 #include "network/NetworkLog.h"
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/NetworkInfo.h"
 #include "platform/hostctl/Portset.h"
+#include "platform/hostctl/VirtualSwitchInfo.h"
+#include "platform/hostctl/ZenKernelNicInfo.h"
 #include "platform/hostctl/ZenkNic.h"
-#include "platform/zenkctl/NetworkInfoImpl.h"
-#include "platform/zenkctl/PortGroupImpl.h"
-#include "platform/zenkctl/PortsetImpl.h"
-#include "platform/zenkctl/VirtualSwitchInfoImpl.h"
-#include "platform/zenkctl/ZenKernelNicInfoImpl.h"
 
 namespace Kovo {
 

@@ -4,11 +4,9 @@
 #include <vector>
 
 namespace HostCtl::Network {
+class VirtualSwitchInfo;
 class ZenkNic;
-}
-namespace ZenkCtl::Network {
-class VirtualSwitchInfoImpl;
-}
+}  // namespace HostCtl::Network
 
 namespace Kovo {
 
@@ -33,7 +31,7 @@ class SafeModeNetwork {
     bool Run();
 
   private:
-    using Switches = ZenkCtl::Network::VirtualSwitchInfoImpl;
+    using Switches = HostCtl::Network::VirtualSwitchInfo;
     // The uplinks attached to the standard or distributed switch of that name.
     static std::vector<std::string> UplinksOf(Switches& switches, const std::string& switchName);
     // `prefix` followed by the first number from `first` on that `taken` says is free.

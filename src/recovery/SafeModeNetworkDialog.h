@@ -14,8 +14,7 @@ namespace Kovo {
 // failures being logged; Enter does nothing.
 class SafeModeNetworkDialog : public Dialog {
   public:
-    SafeModeNetworkDialog(Frame* parent, HostCtl::Network::ZenkNic& nic,
-                          HostAccess& host = HostAccess::System());
+    SafeModeNetworkDialog(Frame* parent, HostCtl::Network::ZenkNic& nic, HostAccess& host);
 
   protected:
     bool OnKey(int key) override;

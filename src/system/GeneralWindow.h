@@ -24,9 +24,9 @@ class LabelItem;
 class GeneralWindow : public RootWindow {
   public:
     // Builds the menu for the host as it is now.
-    explicit GeneralWindow(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit GeneralWindow(Frame* parent, HostAccess& host);
     // Builds the menu for a host described by `facts`.
-    GeneralWindow(Frame* parent, const MenuFacts& facts, HostAccess& host = HostAccess::System());
+    GeneralWindow(Frame* parent, const MenuFacts& facts, HostAccess& host);
     ~GeneralWindow() override;
 
     // The menu loop; returns 1 when the operator leaves with Esc.

@@ -3,7 +3,7 @@
 #include <syslog.h>
 
 #include "app/frames/Footers.h"
-#include "platform/zenkctl/SystemInfoImpl.h"
+#include "platform/hostctl/SystemInfo.h"
 #include "text/ItemList.h"
 #include "text/RadioItem.h"
 #include "text/StringFactory.h"

@@ -14,7 +14,7 @@ namespace Kovo {
 // HostCtl::Lib::HostCtlException.
 class KeyboardDialog : public Dialog {
   public:
-    explicit KeyboardDialog(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit KeyboardDialog(Frame* parent, HostAccess& host);
 
     // The chosen layout's index; -1 when the host's current layout is not among its layouts.
     int ChosenIndex() const;

@@ -7,8 +7,8 @@
 #include "app/frames/Footers.h"
 #include "app/frames/MessageDialog.h"
 #include "app/terminal/Session.h"
+#include "platform/hostctl/AdvancedOption.h"
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/zenkctl/AdvancedOptionImpl.h"
 
 namespace Kovo {
 

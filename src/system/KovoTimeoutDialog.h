@@ -11,7 +11,7 @@ namespace Kovo {
 // to this session.
 class KovoTimeoutDialog : public TimeoutDialog {
   public:
-    explicit KovoTimeoutDialog(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit KovoTimeoutDialog(Frame* parent, HostAccess& host);
 
     uint32_t CurrentSeconds() const { return _seconds; }
 

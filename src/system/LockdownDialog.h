@@ -12,7 +12,7 @@ class CheckItem;
 // a failure is logged and the state stays as it was. Returns 1 on Enter, 0 on Esc.
 class LockdownDialog : public Dialog {
   public:
-    explicit LockdownDialog(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit LockdownDialog(Frame* parent, HostAccess& host);
 
     bool LockdownEnabled() const { return _enabled; }
 

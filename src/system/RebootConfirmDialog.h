@@ -8,7 +8,7 @@ namespace Kovo {
 // Restarts the host once the operator has chosen to (see PowerConfirmDialog).
 class RebootConfirmDialog : public PowerConfirmDialog {
   public:
-    RebootConfirmDialog(Frame* parent, bool keepVms, HostAccess& host = HostAccess::System());
+    RebootConfirmDialog(Frame* parent, bool keepVms, HostAccess& host);
 };
 
 }  // namespace Kovo

@@ -8,7 +8,7 @@
 #include "app/terminal/Colors.h"
 #include "app/terminal/HostEvent.h"
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/zenkctl/SystemInfoImpl.h"
+#include "platform/hostctl/SystemInfo.h"
 #include "text/CheckItem.h"
 #include "text/ItemList.h"
 #include "text/StringFactory.h"
@@ -37,19 +37,17 @@ bool RestartAgentsDialog::CollectLiveCore() const {
     return _liveCore.IsChecked();
 }
 
-void* RestartAgentsDialog::GenerateAgentLiveCore(void*) {
+void RestartAgentsDialog::GenerateAgentLiveCore(HostAccess& host) {
     syslog(LOG_INFO, "%s", "Executing zenkbacktrace -c against hagentd");
-    HostAccess& host = HostAccess::System();
     if (host.Exec("/sbin/zenkbacktrace -w -n hagentd -o hagentd-restart% -d /var/log/") != 0) {
         syslog(LOG_WARNING, "%s", "zenkbacktrace failed, probably hagentd was down");
-        return nullptr;
+        return;
     }
     try {
         host.SystemInfo()->SetSystemAlert("Hagentd core dump completed");
     } catch (const HostCtl::Lib::HostCtlException& e) {
         syslog(LOG_ERR, "Unable to raise the core dump alert: %s", e.what());
     }
-    return nullptr;
 }
 
 void RestartAgentsDialog::Step(unsigned lineId, const char* command) {
@@ -65,7 +63,8 @@ bool RestartAgentsDialog::Run() {
     syslog(LOG_INFO, "%s", "Restarting host agents");
     _host.PostEvent(HostEvent::Text("obs.user.kovo.restarting.hostagents", "Restarting host agents"));
     if (CollectLiveCore()) {
-        if (const int error = _host.StartThread(GenerateAgentLiveCore); error != 0) {
+        if (const int error = _host.StartThread([&host = _host] { GenerateAgentLiveCore(host); });
+            error != 0) {
             syslog(LOG_ERR, "failed to create live core generation thread: %s", strerror(error));
         } else {
             AddFinished(std::string(Strings()->GetString(kCollecting)) + " " + Strings()->GetString(kDone));

@@ -12,13 +12,13 @@ class CheckItem;
 // ends, whatever its outcome; once done only Enter closes the dialog (1). Esc before F11 leaves with 0.
 class RestartAgentsDialog : public ConfirmProgressDialog {
   public:
-    explicit RestartAgentsDialog(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit RestartAgentsDialog(Frame* parent, HostAccess& host);
 
     bool CollectLiveCore() const;
 
     // The live-core capture, run on a thread of its own that nobody waits for: it touches no dialog
     // state, only the host.
-    static void* GenerateAgentLiveCore(void*);
+    static void GenerateAgentLiveCore(HostAccess& host);
 
   protected:
     bool Run() override;

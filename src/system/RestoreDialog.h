@@ -10,7 +10,7 @@ namespace Kovo {
 // does not return.
 class RestoreDialog : public ConfirmProgressDialog {
   public:
-    explicit RestoreDialog(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit RestoreDialog(Frame* parent, HostAccess& host);
 
   protected:
     bool Run() override;

@@ -13,7 +13,7 @@ namespace Kovo {
 // the shell and SSH services that are running so that it takes effect.
 class ShellTimeoutDialog : public TimeoutDialog {
   public:
-    explicit ShellTimeoutDialog(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit ShellTimeoutDialog(Frame* parent, HostAccess& host);
 
   protected:
     void Apply() override;

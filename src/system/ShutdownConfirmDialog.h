@@ -8,7 +8,7 @@ namespace Kovo {
 // Shuts the host down once the operator has chosen to (see PowerConfirmDialog).
 class ShutdownConfirmDialog : public PowerConfirmDialog {
   public:
-    ShutdownConfirmDialog(Frame* parent, bool keepVms, HostAccess& host = HostAccess::System());
+    ShutdownConfirmDialog(Frame* parent, bool keepVms, HostAccess& host);
 };
 
 }  // namespace Kovo

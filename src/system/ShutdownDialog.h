@@ -12,7 +12,7 @@ class CheckItem;
 // the host is going down. Each F2/F11 logs and posts its event again, before anything is powered off.
 class ShutdownDialog : public Dialog {
   public:
-    explicit ShutdownDialog(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit ShutdownDialog(Frame* parent, HostAccess& host);
 
     bool ForceTerminate() const;
 

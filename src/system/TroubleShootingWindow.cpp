@@ -9,7 +9,7 @@
 #include "app/terminal/KeyReader.h"
 #include "app/terminal/Keys.h"
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/zenkctl/SystemInfoImpl.h"
+#include "platform/hostctl/SystemInfo.h"
 #include "system/KovoTimeoutDialog.h"
 #include "system/RestartAgentsDialog.h"
 #include "system/ShellTimeoutDialog.h"

@@ -17,7 +17,7 @@ class TroubleShootingWindow : public RootWindow {
   public:
     enum Entry : int { kShellEntry, kSshEntry, kShellTimeoutsEntry, kKovoTimeoutEntry, kRestartAgentsEntry };
 
-    explicit TroubleShootingWindow(Frame* parent, HostAccess& host = HostAccess::System());
+    explicit TroubleShootingWindow(Frame* parent, HostAccess& host);
     ~TroubleShootingWindow() override;
 
     int HandleKey() override;

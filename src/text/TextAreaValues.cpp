@@ -7,13 +7,7 @@
 
 #include "app/terminal/CommandRunner.h"
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/zenkctl/DnsConfigImpl.h"
-#include "platform/zenkctl/HardwareInfoImpl.h"
-#include "platform/zenkctl/HostFactory.h"
-#include "platform/zenkctl/MemoryInfoImpl.h"
-#include "platform/zenkctl/NetworkInfoImpl.h"
-#include "platform/zenkctl/StorageInfoImpl.h"
-#include "platform/zenkctl/SysinfoUtil.h"
+#include "text/HostPlatform.h"
 #include "text/TextArea.h"
 
 // The host values that markup names as variables. Each reads its source anew on every call; those marked
@@ -52,11 +46,8 @@ std::string SshFingerprint(const char* keyFile) {
     return fingerprint;
 }
 
-ZenkCtl::Util::SysinfoVersionRecord ReadVersionRecord() {
-    ZenkCtl::Util::SysinfoVersionRecord record{};
-    ZenkCtl::Util::SysinfoUtil::SysinfoGet(ZenkCtl::Util::SYSNODE_system_version, &record, sizeof record,
-                                           nullptr);
-    return record;
+HostCtl::Util::SysinfoVersionRecord ReadVersionRecord() {
+    return TextPlatform().GetSystemIdentity()->GetVersionRecord();
 }
 
 std::string Field(const char* text, size_t size) {
@@ -82,11 +73,11 @@ const char* ComponentName(int component) {
 
 std::string FirmwareString(int component) {
     try {
-        auto host = HostCtl::HostFactory::GetHost();
-        auto hardware = host->GetHardwareInfo();
+        const HostCtl::HostFactory& host = TextPlatform();
+        auto hardware = host.GetHardwareInfo();
         switch (component) {
             case kPlsa:
-                return host->GetStorageInfo()->GetAdapterVersion("zenhba0");
+                return host.GetStorageInfo()->GetAdapterVersion("zenhba0");
             case kBmc:
                 return hardware->GetBmcVersion();
             case kBios: {
@@ -112,8 +103,7 @@ std::string FirmwareString(int component) {
 
 std::string TextArea::GetIpValue() {
     try {
-        ZenkCtl::Network::NetworkInfoImpl network;
-        auto nic = network.GetManagementInterface();
+        auto nic = TextPlatform().GetNetworkInfo()->GetManagementInterface();
         if (!nic) return "0.0.0.0";
         return nic->GetIpConfig().GetIpv4Address().GetStringAddress();
     } catch (const HostCtl::Lib::HostCtlException&) {
@@ -141,13 +131,13 @@ std::string TextArea::GetSSHRsaKeyFingerprintValue() {
 }
 
 std::string TextArea::GetSerialNumberValue() {
-    return ZenkCtl::Hardware::HardwareInfoImpl().GetSerialNumber();
+    return TextPlatform().GetHardwareInfo()->GetSerialNumber();
 }
 
 std::string TextArea::GetHostnameValue() {
-    ZenkCtl::Network::DnsConfigImpl dns("defaultNetStack");
+    auto dns = TextPlatform().GetDnsConfig();
     // The dot is written even without a domain: operators know the trailing-dot form.
-    return dns.GetHostname() + "." + dns.GetDomain();
+    return dns->GetHostname() + "." + dns->GetDomain();
 }
 
 std::string TextArea::GetQORProduct() {
@@ -195,13 +185,13 @@ std::string FormatMemory(uint64_t totalPages, uint64_t pageSize) {
 }
 
 std::string TextArea::GetSystemMemory() {
-    ZenkCtl::Hardware::MemoryInfoImpl memory;
-    return FormatMemory(memory.GetTotalPages(), memory.GetPageSize());
+    auto memory = TextPlatform().GetMemoryInfo();
+    return FormatMemory(memory->GetTotalPages(), memory->GetPageSize());
 }
 
 std::string TextArea::GetServiceTag() {
     try {
-        std::string tag = ZenkCtl::Hardware::HardwareInfoImpl().GetServiceTag();
+        std::string tag = TextPlatform().GetHardwareInfo()->GetServiceTag();
         return tag.empty() ? "N/A" : tag;
     } catch (const HostCtl::Lib::HostCtlException&) {
         return "N/A";

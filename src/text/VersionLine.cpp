@@ -16,7 +16,7 @@ std::string Field(const char (&field)[N]) {
 
 }  // namespace
 
-std::string FormatVersionLine(const ZenkCtl::Util::SysinfoVersionRecord& record) {
+std::string FormatVersionLine(const HostCtl::Util::SysinfoVersionRecord& record) {
     return Field(record.productName) + " " + Field(record.productVersion) + " (ZenKernel " +
            Field(record.kernelRelease) + " Build " + Field(record.buildNumberString) + ")";
 }

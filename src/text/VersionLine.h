@@ -3,14 +3,14 @@
 #include <functional>
 #include <string>
 
-#include "platform/zenkctl/SysinfoUtil.h"
+#include "platform/hostctl/SystemIdentity.h"
 
 namespace Kovo {
 
 // "<product> <version> (ZenKernel <kernel release> Build <build>)" from the host's version record.
 // Each field is read up to its first NUL but never past its own bytes, so an unterminated field cannot
 // run into its neighbour.
-std::string FormatVersionLine(const ZenkCtl::Util::SysinfoVersionRecord& record);
+std::string FormatVersionLine(const HostCtl::Util::SysinfoVersionRecord& record);
 
 // The host's version line, read on first need and then kept. While the host cannot report its version
 // (the source throws HostCtl::Lib::HostCtlException) the line is empty and the next Get() tries again.

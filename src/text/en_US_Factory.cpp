@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-#include "text/HostVersionSource.h"
+#include "text/HostPlatform.h"
 #include "text/VersionLine.h"
 
 namespace Kovo {

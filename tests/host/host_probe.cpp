@@ -17,12 +17,19 @@
 #include <sstream>
 #include <string>
 
+#include "app/frames/HostAccess.h"
+#include "app/startup/HostPlatformChoice.h"
 #include "app/terminal/CommandRunner.h"
 #include "network/NetworkTest.h"
+#include "text/HostPlatform.h"
 #include "text/TextArea.h"
 
 int main(int argc, char** argv) {
     openlog("KOVO", LOG_PID, LOG_USER);
+    // The host's platform, wired up as start-up does.
+    Kovo::HostAccess host(Kovo::ChooseHostPlatform());
+    Kovo::InstallHostPrograms(&host.Platform().Programs());
+    Kovo::InstallTextPlatform(&host.Platform());
     if (argc == 4 && strcmp(argv[1], "hcl") == 0) {
         char out[256];
         int outLength = sizeof out;
@@ -55,7 +62,7 @@ int main(int argc, char** argv) {
             const int other = open("/etc/hosts.backup", O_RDWR | O_CREAT | O_CLOEXEC, 0644);
             if (other < 0 || flock(other, LOCK_EX) != 0) return 2;
         }
-        const int result = Kovo::NetworkTest::Resolve(argv[2]);
+        const int result = Kovo::NetworkTest::Resolve(host, argv[2]);
         printf("result=%d same=%s\n", result, hosts() == before ? "true" : "false");
         return 0;
     }

@@ -1,44 +1,11 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-namespace ZenkCtl {
-namespace Store {
-class HostStore;
-}
-namespace Network {
-class NetworkInfoImpl;
-class DnsConfigImpl;
-class RoutingInfoImpl;
-class VirtualSwitchInfoImpl;
-class DVPortImpl;
-class PortsetImpl;
-class PortGroupImpl;
-class ZenKernelNicInfoImpl;
-}  // namespace Network
-namespace System {
-class SystemInfoImpl;
-}
-namespace Hardware {
-class HardwareInfoImpl;
-class CpuInfoImpl;
-class MemoryInfoImpl;
-class SmartCardInfoImpl;
-}  // namespace Hardware
-namespace Adv {
-class AdvancedOptionImpl;
-class UserAdvancedOptionImpl;
-}  // namespace Adv
-namespace Resource {
-class ResourceInfoImpl;
-}
-}  // namespace ZenkCtl
-
-namespace HostCtl::Network {
-class Pnic;
-}
+#include "platform/hostctl/HostFactory.h"
 
 namespace Kovo {
 
@@ -46,17 +13,15 @@ class Window;
 
 // The one way a screen reaches the host: programs, shell command lines, questions to the host tool,
 // events, threads, the wait for the host to go down, and the platform objects it reads and changes.
-// Screens take one by reference (the console always passes System()), so a port of the platform
-// changes this class and never a screen, and unit tests can record the calls in order.
+// Start-up makes one over the platform it chose for the host and hands it down to every screen, so a
+// port of the platform changes no screen, and unit tests can record the calls in order.
 class HostAccess {
   public:
-    explicit HostAccess(std::shared_ptr<ZenkCtl::Store::HostStore> store);
+    // A null platform serves no platform object: each getter then throws HostCtlException.
+    explicit HostAccess(std::unique_ptr<HostCtl::HostFactory> platform);
     virtual ~HostAccess();
     HostAccess(const HostAccess&) = delete;
     HostAccess& operator=(const HostAccess&) = delete;
-
-    // The host the console runs on.
-    static HostAccess& System();
 
     // A program with its argument vector (argv[0] included); the exit status, or -1 when it could not run.
     virtual int Run(const std::string& program, const std::vector<std::string>& argv);
@@ -75,7 +40,7 @@ class HostAccess {
     virtual void RefreshAgent();
     virtual void PostEvent(const std::string& text);
     // Starts `body` on a thread that is never joined; 0, or the error number of the failure.
-    virtual int StartThread(void* (*body)(void*));
+    virtual int StartThread(std::function<void()> body);
 
     // For screens whose work is done once the host goes down, which ends this process: reads and
     // discards keys meanwhile. Callers loop on it.
@@ -83,30 +48,35 @@ class HostAccess {
     // The same without reading anything, so nothing typed can reach the console any more.
     virtual void SpinForHostDown();
 
-    // The platform objects, each over this host's configuration. Their failures arrive as
-    // HostCtl::Lib::HostCtlException.
-    virtual std::unique_ptr<ZenkCtl::Network::NetworkInfoImpl> Network() const;
-    virtual std::unique_ptr<ZenkCtl::Network::DnsConfigImpl> Dns() const;
-    virtual std::unique_ptr<ZenkCtl::Network::RoutingInfoImpl> Routing() const;
-    virtual std::unique_ptr<ZenkCtl::Network::VirtualSwitchInfoImpl> Switches() const;
+    // The platform objects, each over this host. Their failures arrive as HostCtl::Lib::HostCtlException.
+    virtual std::unique_ptr<HostCtl::Network::NetworkInfo> Network() const;
+    virtual std::unique_ptr<HostCtl::Network::DnsConfig> Dns() const;
+    virtual std::unique_ptr<HostCtl::Network::RoutingInfo> Routing() const;
+    virtual std::unique_ptr<HostCtl::Network::VirtualSwitchInfo> Switches() const;
     // A physical NIC by name; HostCtlException when the host has none of that name.
     virtual std::unique_ptr<HostCtl::Network::Pnic> Pnic(const std::string& name) const;
-    virtual std::unique_ptr<ZenkCtl::Network::DVPortImpl> DvPort(const std::string& dvsName,
-                                                                 const std::string& portKey) const;
-    virtual std::unique_ptr<ZenkCtl::Network::PortsetImpl> Portsets() const;
-    virtual std::unique_ptr<ZenkCtl::Network::PortGroupImpl> PortGroups() const;
-    virtual std::unique_ptr<ZenkCtl::Network::ZenKernelNicInfoImpl> ZenKernelNics() const;
-    std::unique_ptr<ZenkCtl::System::SystemInfoImpl> SystemInfo() const;
-    std::unique_ptr<ZenkCtl::Hardware::HardwareInfoImpl> Hardware() const;
-    std::unique_ptr<ZenkCtl::Hardware::CpuInfoImpl> Cpu() const;
-    std::unique_ptr<ZenkCtl::Hardware::MemoryInfoImpl> Memory() const;
-    std::unique_ptr<ZenkCtl::Hardware::SmartCardInfoImpl> SmartCards() const;
-    std::unique_ptr<ZenkCtl::Adv::AdvancedOptionImpl> Options() const;
-    std::unique_ptr<ZenkCtl::Adv::UserAdvancedOptionImpl> UserOptions() const;
-    std::unique_ptr<ZenkCtl::Resource::ResourceInfoImpl> Resources() const;
+    virtual std::unique_ptr<HostCtl::Network::DVPort> DvPort(const std::string& dvsName,
+                                                             const std::string& portKey) const;
+    virtual std::unique_ptr<HostCtl::Network::Portset> Portsets() const;
+    virtual std::unique_ptr<HostCtl::Network::PortGroup> PortGroups() const;
+    virtual std::unique_ptr<HostCtl::Network::ZenKernelNicInfo> ZenKernelNics() const;
+    virtual std::unique_ptr<HostCtl::Network::HostsFile> HostsFile() const;
+    std::unique_ptr<HostCtl::System::SystemInfo> SystemInfo() const;
+    std::unique_ptr<HostCtl::Util::SystemIdentity> Identity() const;
+    std::unique_ptr<HostCtl::Hardware::HardwareInfo> Hardware() const;
+    std::unique_ptr<HostCtl::Hardware::StorageInfo> Storage() const;
+    std::unique_ptr<HostCtl::Hardware::CpuInfo> Cpu() const;
+    std::unique_ptr<HostCtl::Hardware::MemoryInfo> Memory() const;
+    std::unique_ptr<HostCtl::Hardware::SmartCardInfo> SmartCards() const;
+    std::unique_ptr<HostCtl::Adv::AdvancedOption> Options() const;
+    std::unique_ptr<HostCtl::Adv::AdvancedOption> UserOptions() const;
+    std::unique_ptr<HostCtl::Resource::ResourceInfo> Resources() const;
+
+    // The platform itself, for the layers below the screens that start-up wires to it.
+    const HostCtl::HostFactory& Platform() const;
 
   private:
-    std::shared_ptr<ZenkCtl::Store::HostStore> _store;
+    std::unique_ptr<HostCtl::HostFactory> _platform;
 };
 
 }  // namespace Kovo

@@ -18,11 +18,12 @@
 #include "access/SmartCardLogin.h"
 #include "access/WelcomeWindow.h"
 #include "app/frames/Frame.h"
+#include "app/frames/HostAccess.h"
+#include "app/startup/HostPlatformChoice.h"
 #include "app/terminal/Colors.h"
+#include "app/terminal/CommandRunner.h"
 #include "app/terminal/KeyReader.h"
-#include "platform/zenkctl/Log.h"
-#include "platform/zenkctl/Preference.h"
-#include "platform/zenkctl/ProductState.h"
+#include "text/HostPlatform.h"
 
 namespace Kovo {
 
@@ -194,26 +195,28 @@ void ResetPalette() {
     fflush(stdout);
 }
 
-namespace {
-
-// A host notification: the screen on top redraws what it shows of the host, and a smart-card
-// session ends when its card is gone.
-void OnHostNotification() {
-    if (Frame::fgFrame) Frame::fgFrame->Notification();
-    CheckSmartCard();
-}
-
-}  // namespace
-
 int KovoMain(int argc, char** argv) {
-    Preference_Init();
+    // Never destroyed: threads nobody joins may still reach the host while the process ends.
+    static HostAccess* const host = [] {
+        std::unique_ptr<HostCtl::HostFactory> chosen = ChooseHostPlatform();
+        chosen->Initialize("KOVO");
+        return new HostAccess(std::move(chosen));
+    }();
+    const HostCtl::HostFactory& platform = host->Platform();
+    InstallHostPrograms(&platform.Programs());
+    InstallTextPlatform(&platform);
 
     int vt = -1;
     if (argc > 1) vt = ParseVtArgument(argv[1]);
 
     StartSignalThread();
-    SetNotificationHook(OnHostNotification);
-    LoadIdleTimeout();
+    // A host notification: the screen on top redraws what it shows of the host, and a smart-card
+    // session ends when its card is gone.
+    SetNotificationHook([] {
+        if (Frame::fgFrame) Frame::fgFrame->Notification();
+        CheckSmartCard(*host);
+    });
+    LoadIdleTimeout([] { return host->Options(); });
 
     int devnull = open("/dev/null", O_WRONLY | O_CLOEXEC);
     if (devnull >= 0) {
@@ -224,9 +227,6 @@ int KovoMain(int argc, char** argv) {
     tcgetattr(1, &orig_termios);
     usingKeyboard = DecideTerminal(IsLinuxConsole(1));
 
-    Log_SetProductInfo(ProductState_GetName(), ProductState_GetVersion(), ProductState_GetBuildNumberString(),
-                       ProductState_GetCompilationOption());
-    Log_InitWithSyslogSimpleInt("KOVO", Log_CfgInterface(), "KOVO");
     openlog("KOVO", LOG_PID, LOG_USER);
     setlogmask(LOG_UPTO(LOG_INFO));
     syslog(LOG_INFO, "Starting KOVO");
@@ -256,7 +256,7 @@ int KovoMain(int argc, char** argv) {
 
     refresh();
     {
-        auto welcome = std::make_unique<WelcomeWindow>();
+        auto welcome = std::make_unique<WelcomeWindow>(*host);
         welcome->RunModal();
     }
     erase();

@@ -18,6 +18,7 @@
 #include "app/terminal/Log.h"
 #include "app/terminal/Session.h"
 #include "platform/events/ObsUserLib.h"
+#include "platform/hostctl/HostPrograms.h"
 
 extern char** environ;
 
@@ -140,17 +141,51 @@ class SigpipeGuard {
     bool _wasPending;
 };
 
+const HostCtl::HostPrograms* g_programs = nullptr;
+
+// A program as this host has it, resolved before any fork: nothing may allocate in the child.
+class HostProgram {
+  public:
+    HostProgram(const char* program, const char* const argv[]) {
+        if (g_programs == nullptr || program == nullptr || argv == nullptr) {
+            _path = program;
+            _argv = argv;
+            return;
+        }
+        HostCtl::Program documented{program, {}};
+        for (const char* const* arg = argv; *arg != nullptr; ++arg) documented.argv.emplace_back(*arg);
+        _resolved = g_programs->Resolve(documented);
+        for (const std::string& arg : _resolved.argv) _pointers.push_back(arg.c_str());
+        _pointers.push_back(nullptr);
+        _path = _resolved.path.c_str();
+        _argv = _pointers.data();
+    }
+    const char* Path() const { return _path; }
+    const char* const* Argv() const { return _argv; }
+
+  private:
+    HostCtl::Program _resolved;
+    std::vector<const char*> _pointers;
+    const char* _path = nullptr;
+    const char* const* _argv = nullptr;
+};
+
 }  // namespace
+
+void InstallHostPrograms(const HostCtl::HostPrograms* programs) {
+    g_programs = programs;
+}
 
 int RunCommand(const char* program, const char* const argv[], char* output, int* outputLength, char* error,
                int* errorLength, const char* input, int inputLength, int timeout) {
+    const HostProgram host(program, argv);
     SigpipeGuard sigpipe;
     Pipe in, out, err;
     if (!in.Open() || !out.Open() || !err.Open()) return -1;
 
     pid_t pid = fork();
     if (pid < 0) return -1;
-    if (pid == 0) ExecChild(program, argv, in.read.Get(), out.write.Get(), err.write.Get());
+    if (pid == 0) ExecChild(host.Path(), host.Argv(), in.read.Get(), out.write.Get(), err.write.Get());
 
     in.read.Close();
     out.write.Close();
@@ -243,6 +278,7 @@ int RunCaptured(const std::string& program, const std::vector<std::string>& argv
 }
 
 int RunOnTerminal(const char* program, const char* const argv[]) {
+    const HostProgram host(program, argv);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     // The console blocks its signals for the signal thread; the program must get them the ordinary way.
@@ -256,7 +292,7 @@ int RunOnTerminal(const char* program, const char* const argv[]) {
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     pid_t pid = -1;
     const int error =
-        posix_spawn(&pid, program, nullptr, &attributes, const_cast<char* const*>(argv), environ);
+        posix_spawn(&pid, host.Path(), nullptr, &attributes, const_cast<char* const*>(host.Argv()), environ);
     posix_spawnattr_destroy(&attributes);
     if (error != 0) {
         errno = error;

@@ -3,7 +3,16 @@
 #include <string>
 #include <vector>
 
+namespace HostCtl {
+class HostPrograms;
+}
+
 namespace Kovo {
+
+// Every program below is named by its documented path and argument vector; the host's platform says
+// what each one is on this host. Start-up installs the chosen platform's programs once (they must live
+// as long as the process); until then, and for null, a program runs as named.
+void InstallHostPrograms(const HostCtl::HostPrograms* programs);
 
 // Runs a host program as a child: pipes for its three standard streams, the environment
 // "PYTHONHOME=/" alone, no other descriptor of ours, optional input, captured output cut to the given

@@ -19,7 +19,6 @@
 #include "app/terminal/Session.h"
 #include "app/terminal/Window.h"
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/zenkctl/AdvancedOptionImpl.h"
 
 namespace Kovo {
 
@@ -101,10 +100,10 @@ void StartSignalThread() {
     pthread_detach(thread);
 }
 
-static void (*g_notificationHook)() = nullptr;
+static std::function<void()> g_notificationHook;
 
-void SetNotificationHook(void (*hook)()) {
-    g_notificationHook = hook;
+void SetNotificationHook(std::function<void()> hook) {
+    g_notificationHook = std::move(hook);
 }
 
 // After an Esc, curses may hold input it read while telling a lone Esc from a key sequence (a key typed
@@ -311,10 +310,9 @@ void ResizeTerminal() {
     refresh();
 }
 
-uint32_t GetIdleTimeoutOption() {
+uint32_t GetIdleTimeoutOption(const OptionsSource& options) {
     try {
-        ZenkCtl::Adv::AdvancedOptionImpl options;
-        auto option = options.FindOption(KOVO_TIMEOUT_VAR);
+        auto option = options()->FindOption(KOVO_TIMEOUT_VAR);
         if (!option || !option->IsInteger()) return kDefaultIdleTimeout;
         int64_t value = option->GetIntValue();
         if (value < 0) return kDefaultIdleTimeout;
@@ -324,13 +322,12 @@ uint32_t GetIdleTimeoutOption() {
     }
 }
 
-void LoadIdleTimeout() {
-    Session::_idleTimeout = GetIdleTimeoutOption();
+void LoadIdleTimeout(const OptionsSource& options) {
+    Session::_idleTimeout = GetIdleTimeoutOption(options);
 }
 
 void SetLoggedIn(bool loggedIn) {
     Session::_loggedIn = loggedIn;
-    if (loggedIn) LoadIdleTimeout();
 }
 
 }  // namespace Kovo

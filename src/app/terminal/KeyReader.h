@@ -3,7 +3,11 @@
 #include <sys/time.h>
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
+
+#include "platform/hostctl/AdvancedOption.h"
 
 namespace Kovo {
 
@@ -48,11 +52,14 @@ int GetKey(Window* frame, bool useIdleTimeout);
 int PollKey(int milliseconds);
 
 // What a host notification (SIGUSR1) does; set once at start-up by the layer that knows the screens.
-void SetNotificationHook(void (*hook)());
+void SetNotificationHook(std::function<void()> hook);
 
 void ResizeTerminal();
-void LoadIdleTimeout();
-uint32_t GetIdleTimeoutOption();
+// The idle time-out the host's option "/UserVars/KovoTimeOut" sets, in seconds; the default when the
+// host has no such integer option or cannot be asked. `options` makes the host's advanced options.
+using OptionsSource = std::function<std::unique_ptr<HostCtl::Adv::AdvancedOption>()>;
+uint32_t GetIdleTimeoutOption(const OptionsSource& options);
+void LoadIdleTimeout(const OptionsSource& options);
 void SetLoggedIn(bool loggedIn);
 
 // The deadlines of one GetKey call, counted from its start.

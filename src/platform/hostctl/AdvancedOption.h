@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace HostCtl::Adv {
@@ -17,6 +18,14 @@ class Option {
     virtual int64_t GetIntValue() const = 0;
     virtual void SetIntValue(int64_t value) = 0;
     virtual std::string GetStringValue() const = 0;
+};
+
+// The host's advanced options by path ("/UserVars/KovoTimeOut").
+class AdvancedOption {
+  public:
+    virtual ~AdvancedOption() = default;
+    // nullptr when the host has no such option.
+    virtual std::unique_ptr<Option> FindOption(const std::string& path) = 0;
 };
 
 }  // namespace HostCtl::Adv

@@ -4,6 +4,7 @@
 
 #include "platform/hostctl/ConnectionPoint.h"
 #include "platform/hostctl/IpConfig.h"
+#include "platform/hostctl/Pnic.h"
 
 namespace HostCtl::Network {
 
@@ -26,6 +27,8 @@ class ZenkNic {
 
     virtual std::string GetMacAddress() = 0;
     virtual void SetMacAddress(const std::string& mac) = 0;
+    // Takes the MAC address of a physical NIC, as the host does when that NIC becomes the first uplink.
+    virtual void SetMacAddressFromPnic(const Pnic& pnic) = 0;
 
     virtual bool GetDhcpBound() = 0;
     virtual void SetDhcpBound(bool bound) = 0;

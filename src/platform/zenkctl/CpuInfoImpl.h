@@ -4,18 +4,19 @@
 #include <memory>
 #include <string>
 
+#include "platform/hostctl/HardwareInfo.h"
 #include "platform/store/HostStore.h"
 
 namespace ZenkCtl::Hardware {
 
 // The processors ("/hardware/cpu").
-class CpuInfoImpl {
+class CpuInfoImpl : public HostCtl::Hardware::CpuInfo {
   public:
-    explicit CpuInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
-    uint32_t GetNumCpuPackages();
-    uint32_t GetNumCpuCores();
-    uint32_t GetNumCpuThreads();
-    std::string GetModelName();
+    explicit CpuInfoImpl(std::shared_ptr<Store::HostStore> store);
+    uint32_t GetNumCpuPackages() override;
+    uint32_t GetNumCpuCores() override;
+    uint32_t GetNumCpuThreads() override;
+    std::string GetModelName() override;
 
   private:
     std::shared_ptr<Store::HostStore> _store;

@@ -4,20 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "platform/hostctl/VirtualSwitchInfo.h"
 #include "platform/store/HostStore.h"
 
 namespace ZenkCtl::Network {
 
-// The properties of a distributed port that a host-local copy of it carries.
-struct DvPortProperties {
-    std::string name;  // "" for a port without a name
-    std::string portGroup;
-    int vlanId = 0;  // 0 (none) to 4094
-    bool blocked = false;
-    bool hostLocal = false;
-    // The port's active uplinks, each one of its switch's.
-    std::vector<std::string> uplinks;
-};
+using HostCtl::Network::DvPortProperties;
 
 // Throws HostCtl::Lib::HostCtlException unless every one of `uplinks` is one of `switchUplinks`, once.
 void CheckPortUplinks(const std::string& dvsName, const std::vector<std::string>& switchUplinks,
@@ -25,23 +17,21 @@ void CheckPortUplinks(const std::string& dvsName, const std::vector<std::string>
 
 // One port of a distributed switch ("/network/dvs/<i>/ports/<j>", by switch name and port key).
 //
-// Its operations are virtual so that a caller's tests can record the calls made on it in order.
-class DVPortImpl {
+class DVPortImpl : public HostCtl::Network::DVPort {
   public:
-    DVPortImpl(std::string dvsName, std::string portKey,
-               std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
-    virtual ~DVPortImpl() = default;
+    DVPortImpl(std::string dvsName, std::string portKey, std::shared_ptr<Store::HostStore> store);
+    ~DVPortImpl() override = default;
 
-    const std::string& GetDvsName() const { return _dvsName; }
-    const std::string& GetPortKey() const { return _portKey; }
-    virtual std::string GetPortGroup();
-    virtual int GetVlanId();
-    virtual void SetVlanId(int vlanId);  // 0 to 4094
+    std::string GetDvsName() const override { return _dvsName; }
+    std::string GetPortKey() const override { return _portKey; }
+    std::string GetPortGroup() override;
+    int GetVlanId() override;
+    void SetVlanId(int vlanId) override;  // 0 to 4094
     // The port's active uplinks: those it records that its switch still has, or all of the switch's
     // when it records none.
-    virtual std::vector<std::string> GetUplinks();
+    std::vector<std::string> GetUplinks() override;
     // Every property at once, the uplinks as GetUplinks reads them.
-    virtual DvPortProperties GetProperties();
+    DvPortProperties GetProperties() override;
 
   private:
     std::string _dvsName, _portKey;

@@ -10,6 +10,9 @@
 #include "platform/zenkctl/NetworkJson.h"
 
 using HostCtl::Lib::HostCtlException;
+using HostCtl::Network::IsValidDomain;
+using HostCtl::Network::IsValidHostname;
+using HostCtl::Network::SplitNames;
 using nlohmann::json;
 
 namespace ZenkCtl::Network {
@@ -17,42 +20,6 @@ namespace ZenkCtl::Network {
 DnsConfigImpl::DnsConfigImpl(const std::string& netstack, std::shared_ptr<Store::HostStore> store)
     : _store(std::move(store)) {
     RequireDefaultNetStack(netstack);
-}
-
-bool DnsConfigImpl::IsValidHostname(const std::string& name) {
-    if (name.empty() || name.size() > 63 || name.front() == '-' || name.back() == '-') return false;
-    return std::all_of(name.begin(), name.end(),
-                       [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '-'; });
-}
-
-bool DnsConfigImpl::IsValidDomain(const std::string& domain) {
-    if (domain.empty()) return true;
-    if (domain.size() > 253) return false;
-    size_t start = 0;
-    for (;;) {
-        const size_t dot = domain.find('.', start);
-        if (!IsValidHostname(
-                domain.substr(start, dot == std::string::npos ? std::string::npos : dot - start))) {
-            return false;
-        }
-        if (dot == std::string::npos) return true;
-        start = dot + 1;
-    }
-}
-
-std::vector<std::string> DnsConfigImpl::SplitNames(const std::string& text) {
-    std::vector<std::string> parts;
-    std::string current;
-    for (char c : text) {
-        if (c == ',' || std::isspace(static_cast<unsigned char>(c))) {
-            if (!current.empty()) parts.push_back(current);
-            current.clear();
-        } else {
-            current += c;
-        }
-    }
-    if (!current.empty()) parts.push_back(current);
-    return parts;
 }
 
 std::string DnsConfigImpl::GetHostname() {

@@ -5,30 +5,26 @@
 #include <string>
 #include <vector>
 
+#include "platform/hostctl/HardwareInfo.h"
 #include "platform/store/HostStore.h"
 
 namespace ZenkCtl::Hardware {
 
-struct BiosInfo {
-    std::string version;
-    int majorRelease = 0;
-    int minorRelease = 0;
-    std::string releaseDate;
-};
+using HostCtl::Hardware::BiosInfo;
 
 // The machine's identity and firmware ("/hardware"). Missing fields read as empty text.
-class HardwareInfoImpl {
+class HardwareInfoImpl : public HostCtl::Hardware::HardwareInfo {
   public:
-    explicit HardwareInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
+    explicit HardwareInfoImpl(std::shared_ptr<Store::HostStore> store);
 
-    std::string GetVendorName();
-    std::string GetProductName();
-    std::string GetSerialNumber();
-    std::string GetServiceTag();
-    std::string GetAssetTag();
-    std::string GetBmcVersion();
-    BiosInfo GetBiosInfo();
-    std::vector<std::string> GetIdentificationStrings();
+    std::string GetVendorName() override;
+    std::string GetProductName() override;
+    std::string GetSerialNumber() override;
+    std::string GetServiceTag() override;
+    std::string GetAssetTag() override;
+    std::string GetBmcVersion() override;
+    BiosInfo GetBiosInfo() override;
+    std::vector<std::string> GetIdentificationStrings() override;
 
   private:
     std::string Field(const char* key);

@@ -3,16 +3,17 @@
 #include <cstdint>
 #include <memory>
 
+#include "platform/hostctl/HardwareInfo.h"
 #include "platform/store/HostStore.h"
 
 namespace ZenkCtl::Hardware {
 
 // Physical memory ("/hardware/memory": totalPages, pageSize).
-class MemoryInfoImpl {
+class MemoryInfoImpl : public HostCtl::Hardware::MemoryInfo {
   public:
-    explicit MemoryInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
-    uint64_t GetTotalPages();
-    uint64_t GetPageSize();
+    explicit MemoryInfoImpl(std::shared_ptr<Store::HostStore> store);
+    uint64_t GetTotalPages() override;
+    uint64_t GetPageSize() override;
 
   private:
     std::shared_ptr<Store::HostStore> _store;

@@ -14,8 +14,7 @@ namespace ZenkCtl::Network {
 // once; HostCtlException when the host has no such NIC.
 class PnicImpl : public HostCtl::Network::Pnic {
   public:
-    explicit PnicImpl(const std::string& name,
-                      std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
+    explicit PnicImpl(const std::string& name, std::shared_ptr<Store::HostStore> store);
     // From a node already read (used while listing).
     explicit PnicImpl(const nlohmann::json& node);
 

@@ -16,9 +16,9 @@ nlohmann::json& Loaded() {
 
 }  // namespace
 
-bool Preference_Init() {
+bool Preference_Init(const ZenkCtl::Store::HostStore& store) {
     try {
-        nlohmann::json node = ZenkCtl::Store::HostStore::System()->Get(ZenkCtl::Store::Schema::kPreferences);
+        nlohmann::json node = store.Get(ZenkCtl::Store::Schema::kPreferences);
         Loaded() = node.is_object() ? std::move(node) : nlohmann::json::object();
         return true;
     } catch (const HostCtl::Lib::HostCtlException& e) {

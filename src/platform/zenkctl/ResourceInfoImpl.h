@@ -2,16 +2,17 @@
 
 #include <memory>
 
+#include "platform/hostctl/ResourceInfo.h"
 #include "platform/store/HostStore.h"
 
 namespace ZenkCtl::Resource {
 
 // The host's virtual machines ("/vms": [{name, powerState}]).
-class ResourceInfoImpl {
+class ResourceInfoImpl : public HostCtl::Resource::ResourceInfo {
   public:
-    explicit ResourceInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
+    explicit ResourceInfoImpl(std::shared_ptr<Store::HostStore> store);
     // True when any machine's powerState is "poweredOn".
-    bool HasRunningVirtualMachines();
+    bool HasRunningVirtualMachines() override;
 
   private:
     std::shared_ptr<Store::HostStore> _store;

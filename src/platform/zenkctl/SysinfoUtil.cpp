@@ -22,10 +22,6 @@ void Put(char (&field)[N], const std::string& text) {
 
 }  // namespace
 
-void SysinfoUtil::SysinfoGet(int node, void* buffer, size_t size, const void*) {
-    SysinfoGet(*Store::HostStore::System(), node, buffer, size);
-}
-
 void SysinfoUtil::SysinfoGet(const Store::HostStore& store, int node, void* buffer, size_t size) {
     if (buffer == nullptr) throw HostCtlException("No buffer for system information");
     if (node == SYSNODE_system_version) {
@@ -59,14 +55,3 @@ void SysinfoUtil::SysinfoGet(const Store::HostStore& store, int node, void* buff
 }
 
 }  // namespace ZenkCtl::Util
-
-int SysNode_Get(const char* nodePath, void* buffer, size_t size) {
-    if (nodePath == nullptr || std::strcmp(nodePath, SYSNODE_BOOT_OPTIONS) != 0) return ENOENT;
-    if (buffer == nullptr || size < sizeof(ZenkCtl::Util::SysinfoBootOptions)) return EINVAL;
-    try {
-        ZenkCtl::Util::SysinfoUtil::SysinfoGet(ZenkCtl::Util::SYSNODE_boot_options, buffer, size, nullptr);
-        return 0;
-    } catch (const HostCtlException&) {
-        return ENOENT;
-    }
-}

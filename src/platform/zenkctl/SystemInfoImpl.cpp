@@ -59,7 +59,8 @@ std::vector<std::string> SystemInfoImpl::GetSystemAlerts() {
     return alerts;
 }
 
-std::unique_ptr<FirewallRulesetImpl> SystemInfoImpl::GetFirewallRulesetById(const std::string& id) {
+std::unique_ptr<HostCtl::System::FirewallRuleset> SystemInfoImpl::GetFirewallRulesetById(
+    const std::string& id) {
     if (Json::FindNamed(_store->Get(Store::Schema::kFirewallRulesets), id, "id") == nullptr) {
         throw HostCtlException("Firewall ruleset " + id + " does not exist");
     }

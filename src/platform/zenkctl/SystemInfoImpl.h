@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/hostctl/SystemInfo.h"
 #include "platform/store/HostStore.h"
 #include "platform/zenkctl/FirewallRulesetImpl.h"
 
@@ -11,21 +12,21 @@ namespace ZenkCtl::System {
 
 // System settings: keyboard layouts ("/system/keyboard"), host alerts ("/system/alerts") and firewall
 // rulesets.
-class SystemInfoImpl {
+class SystemInfoImpl : public HostCtl::System::SystemInfo {
   public:
-    explicit SystemInfoImpl(std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
+    explicit SystemInfoImpl(std::shared_ptr<Store::HostStore> store);
 
-    std::string GetKeyboardLayout();
+    std::string GetKeyboardLayout() override;
     std::vector<std::string> GetKeyboardLayouts();  // in the host's order
     // Both refuse a layout the host does not have.
-    void LoadKeyboardMappings(const std::string& layout);
-    void SetKeyboardLayout(const std::string& layout);
+    void LoadKeyboardMappings(const std::string& layout) override;
+    void SetKeyboardLayout(const std::string& layout) override;
 
-    void SetSystemAlert(const std::string& message);
-    std::vector<std::string> GetSystemAlerts();
+    void SetSystemAlert(const std::string& message) override;
+    std::vector<std::string> GetSystemAlerts() override;
 
     // HostCtlException when the host has no such ruleset.
-    std::unique_ptr<FirewallRulesetImpl> GetFirewallRulesetById(const std::string& id);
+    std::unique_ptr<HostCtl::System::FirewallRuleset> GetFirewallRulesetById(const std::string& id) override;
 
   private:
     void RequireLayout(const std::string& layout);

@@ -80,10 +80,9 @@ void ZenkNicImpl::SetMacAddress(const std::string& mac) {
     Change([&](json& nic, json&) { nic["mac"] = mac; }, true);
 }
 
-void ZenkNicImpl::SetMacAddressFromPnic(Pnic* pnic) {
+void ZenkNicImpl::SetMacAddressFromPnic(const Pnic& pnic) {
     Store::ThrowIfInjected(*_store, "ZenkNic.SetMacAddressFromPnic");
-    if (pnic == nullptr) throw HostCtlException("No physical NIC given for the MAC address of " + _name);
-    SetMacAddress(pnic->GetMacAddress());
+    SetMacAddress(pnic.GetMacAddress());
 }
 
 bool ZenkNicImpl::GetDhcpBound() {

@@ -17,8 +17,7 @@ namespace ZenkCtl::Network {
 // store was written since it was taken; every accessor refreshes a stale view first.
 class ZenkNicImpl : public HostCtl::Network::ZenkNic {
   public:
-    explicit ZenkNicImpl(std::string name,
-                         std::shared_ptr<Store::HostStore> store = Store::HostStore::System());
+    explicit ZenkNicImpl(std::string name, std::shared_ptr<Store::HostStore> store);
 
     std::string GetName() const override { return _name; }
     bool IsValid() override;
@@ -34,7 +33,7 @@ class ZenkNicImpl : public HostCtl::Network::ZenkNic {
 
     std::string GetMacAddress() override;
     void SetMacAddress(const std::string& mac) override;
-    virtual void SetMacAddressFromPnic(HostCtl::Network::Pnic* pnic);
+    void SetMacAddressFromPnic(const HostCtl::Network::Pnic& pnic) override;
 
     bool GetDhcpBound() override;
     void SetDhcpBound(bool bound) override;

@@ -6,6 +6,8 @@
 
 #include "LoginTestScreen.h"
 #include "access/ChangePasswordDialog.h"
+#include "app/frames/HostAccess.h"
+#include "platform/zenkctl/HalvorHostFactory.h"
 #include "text/InputItem.h"
 #include "text/ItemList.h"
 
@@ -48,7 +50,10 @@ class ChangePasswordTest : public ScriptedScreen {
     int Run(const std::string& keys) {
         Type(keys);
         TestRootFrame root;
-        ChangePasswordDialog dialog(&root, PamOps{FakePam::Authenticate, FakePam::Change});
+        // A host whose store cannot be read: the dialog works from PAM alone.
+        HostAccess noHost(std::make_unique<ZenkCtl::HalvorHostFactory>(
+            std::make_shared<ZenkCtl::Store::HostStore>("/nonexistent/kovo/host.json")));
+        ChangePasswordDialog dialog(&root, PamOps{FakePam::Authenticate, FakePam::Change}, noHost);
         const int result = dialog.RunModal();
         for (int i = 0; i < 3; ++i) fields_[i] = dialog.Field(i).GetValue();
         focused_ = dialog.List().GetSelected();

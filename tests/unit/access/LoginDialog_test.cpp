@@ -1,4 +1,6 @@
 #include "access/LoginDialog.h"
+#include "app/frames/HostAccess.h"
+#include "platform/zenkctl/HalvorHostFactory.h"
 
 #include <curses.h>
 #include <security/pam_appl.h>
@@ -48,6 +50,10 @@ struct FakeHost {
 
 class LoginDialogTest : public ScriptedScreen {
   protected:
+    // A host whose store cannot be read: the dialog works from PAM alone.
+    HostAccess noHost_{std::make_unique<ZenkCtl::HalvorHostFactory>(
+        std::make_shared<ZenkCtl::Store::HostStore>("/nonexistent/kovo/host.json"))};
+
     void SetUp() override {
         ScriptedScreen::SetUp();
         FakeHost::Reset();
@@ -56,7 +62,7 @@ class LoginDialogTest : public ScriptedScreen {
     int Run(const std::string& keys) {
         Type(keys);
         TestRootFrame root;
-        dialog_ = std::make_unique<LoginDialog>(&root, FakeHost::Ops());
+        dialog_ = std::make_unique<LoginDialog>(&root, FakeHost::Ops(), noHost_);
         const int result = dialog_->RunModal();
         name_ = dialog_->NameField().GetValue();
         focused_ = dialog_->List().GetSelected();
@@ -130,7 +136,7 @@ TEST_F(LoginDialogTest, F3ChangesLabelsAndValuesAndPinLoginUsesTheCardId) {
     // Without a card there is no PIN mode to switch to.
     Frame::_smartCardLoginId.clear();
     TestRootFrame root;
-    LoginDialog plain(&root, FakeHost::Ops());
+    LoginDialog plain(&root, FakeHost::Ops(), noHost_);
     EXPECT_FALSE(plain.PinMode());
     EXPECT_EQ(plain.Footer()->Text().find("<F3>"), std::string::npos);
 }

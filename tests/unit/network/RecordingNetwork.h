@@ -1,8 +1,8 @@
 #pragma once
 
 // A host whose network platform records every call the console makes on it, in order, into the same
-// list as the host's commands and the console's log lines ("log: ..."), then does what the platform
-// does over a scratch store. Failures come from the store's injected faults, as on a simulated host.
+// list as the host's commands and the console's log lines ("log: ..."), then does what the Halvor
+// platform does over a scratch store. Failures come from the store's injected faults, as on a simulated host.
 
 #include <fstream>
 #include <memory>
@@ -10,13 +10,10 @@
 #include <vector>
 
 #include "../system/RecordingHost.h"
-#include "platform/zenkctl/DVPortImpl.h"
-#include "platform/zenkctl/DnsConfigImpl.h"
-#include "platform/zenkctl/NetworkInfoImpl.h"
-#include "platform/zenkctl/PnicImpl.h"
-#include "platform/zenkctl/RoutingInfoImpl.h"
-#include "platform/zenkctl/VirtualSwitchInfoImpl.h"
-#include "platform/zenkctl/ZenkNicImpl.h"
+#include "platform/hostctl/DnsConfig.h"
+#include "platform/hostctl/NetworkInfo.h"
+#include "platform/hostctl/RoutingInfo.h"
+#include "platform/hostctl/VirtualSwitchInfo.h"
 #include "platform/zenkctl/ZenkNicRuntime.h"
 
 namespace Kovo::Testing {
@@ -35,161 +32,208 @@ inline std::string Joined(std::initializer_list<std::string> parts) {
     return text;
 }
 
-class RecordingNic : public ZenkCtl::Network::ZenkNicImpl {
+// Each recorder is a decorator over the platform interface: it writes the call into the list, then
+// hands it to the platform underneath, so any implementation of the interface can be recorded.
+class RecordingNic : public HostCtl::Network::ZenkNic {
   public:
-    RecordingNic(const std::string& name, Store store, Calls& calls)
-        : ZenkNicImpl(name, std::move(store)), _calls(calls) {}
+    RecordingNic(std::unique_ptr<HostCtl::Network::ZenkNic> inner, Calls& calls)
+        : _inner(std::move(inner)), _calls(calls) {}
 
+    std::string GetName() const override { return _inner->GetName(); }
+    bool IsValid() override { return _inner->IsValid(); }
+    HostCtl::Network::IpConfig GetIpConfig() override { return _inner->GetIpConfig(); }
+    HostCtl::Network::IpConfig GetConfiguredIpConfig() override { return _inner->GetConfiguredIpConfig(); }
     void SetIpConfig(const HostCtl::Network::IpConfig& config) override {
         _calls.push_back("Nic.SetIpConfig");
-        ZenkNicImpl::SetIpConfig(config);
+        _inner->SetIpConfig(config);
     }
+    std::string GetMacAddress() override { return _inner->GetMacAddress(); }
     void SetMacAddress(const std::string& mac) override {
         _calls.push_back("Nic.SetMacAddress " + mac);
-        ZenkNicImpl::SetMacAddress(mac);
+        _inner->SetMacAddress(mac);
     }
-    void SetMacAddressFromPnic(HostCtl::Network::Pnic* pnic) override {
-        _calls.push_back("Nic.SetMacAddressFromPnic " + pnic->GetName());
-        ZenkNicImpl::SetMacAddressFromPnic(pnic);
+    void SetMacAddressFromPnic(const HostCtl::Network::Pnic& pnic) override {
+        _calls.push_back("Nic.SetMacAddressFromPnic " + pnic.GetName());
+        _inner->SetMacAddressFromPnic(pnic);
     }
     bool GetDhcpBound() override {
         _calls.push_back("Nic.GetDhcpBound");
-        return ZenkNicImpl::GetDhcpBound();
+        return _inner->GetDhcpBound();
     }
     void SetDhcpBound(bool bound) override {
         _calls.push_back(bound ? "Nic.SetDhcpBound true" : "Nic.SetDhcpBound false");
-        ZenkNicImpl::SetDhcpBound(bound);
+        _inner->SetDhcpBound(bound);
     }
     void RenewIpv4Lease() override {
         _calls.push_back("Nic.RenewIpv4Lease");
-        ZenkNicImpl::RenewIpv4Lease();
+        _inner->RenewIpv4Lease();
     }
     void RenewIpv6Lease() override {
         _calls.push_back("Nic.RenewIpv6Lease");
-        ZenkNicImpl::RenewIpv6Lease();
+        _inner->RenewIpv6Lease();
     }
     void Disable() override {
         _calls.push_back("Nic.Disable");
-        ZenkNicImpl::Disable();
+        _inner->Disable();
     }
     void Commit() override {
         _calls.push_back("Nic.Commit");
-        ZenkNicImpl::Commit();
+        _inner->Commit();
     }
     void Enable() override {
         _calls.push_back("Nic.Enable");
-        ZenkNicImpl::Enable();
+        _inner->Enable();
     }
+    bool IsEnabled() override { return _inner->IsEnabled(); }
+    HostCtl::Network::ConnectionPoint GetConnectionPoint() override { return _inner->GetConnectionPoint(); }
     void ConnectToPortGroup(const std::string& portGroup) override {
         _calls.push_back("Nic.ConnectToPortGroup " + portGroup);
-        ZenkNicImpl::ConnectToPortGroup(portGroup);
+        _inner->ConnectToPortGroup(portGroup);
+    }
+    void ConnectToDvPort(const std::string& dvsName, const std::string& portKey) override {
+        _inner->ConnectToDvPort(dvsName, portKey);
     }
 
   private:
+    std::unique_ptr<HostCtl::Network::ZenkNic> _inner;
     Calls& _calls;
 };
 
-class RecordingNetworkInfo : public ZenkCtl::Network::NetworkInfoImpl {
+class RecordingNetworkInfo : public HostCtl::Network::NetworkInfo {
   public:
-    RecordingNetworkInfo(Store store, Calls& calls)
-        : NetworkInfoImpl(store), _store(std::move(store)), _calls(calls) {}
+    RecordingNetworkInfo(std::unique_ptr<HostCtl::Network::NetworkInfo> inner, Calls& calls)
+        : _inner(std::move(inner)), _calls(calls) {}
 
+    std::vector<std::unique_ptr<HostCtl::Network::Pnic>> GetPnics() override { return _inner->GetPnics(); }
+    void UpdateManagementInterface() override { _inner->UpdateManagementInterface(); }
     std::unique_ptr<HostCtl::Network::ZenkNic> GetManagementInterface() override {
-        const std::string name = GetManagementInterfaceName();
-        if (name.empty()) return nullptr;
-        return std::make_unique<RecordingNic>(name, _store, _calls);
+        auto nic = _inner->GetManagementInterface();
+        if (!nic) return nullptr;
+        return std::make_unique<RecordingNic>(std::move(nic), _calls);
     }
+    std::string GetManagementInterfaceName() override { return _inner->GetManagementInterfaceName(); }
+    bool IsZenkIpv6Enabled() override { return _inner->IsZenkIpv6Enabled(); }
     void SetZenkIpv6Enabled(bool enabled) override {
         _calls.push_back(enabled ? "Network.SetZenkIpv6Enabled true" : "Network.SetZenkIpv6Enabled false");
-        NetworkInfoImpl::SetZenkIpv6Enabled(enabled);
+        _inner->SetZenkIpv6Enabled(enabled);
     }
+    bool GetPendingZenkIpv6Enabled() override { return _inner->GetPendingZenkIpv6Enabled(); }
+    void DisableNetDumper() override { _inner->DisableNetDumper(); }
+    bool IsNetDumperEnabled() override { return _inner->IsNetDumperEnabled(); }
+    void ClearNetworkConfig() override { _inner->ClearNetworkConfig(); }
+    void AutoConfigNetwork() override { _inner->AutoConfigNetwork(); }
 
   private:
-    Store _store;
+    std::unique_ptr<HostCtl::Network::NetworkInfo> _inner;
     Calls& _calls;
 };
 
-class RecordingRouting : public ZenkCtl::Network::RoutingInfoImpl {
+class RecordingRouting : public HostCtl::Network::RoutingInfo {
   public:
-    RecordingRouting(Store store, Calls& calls)
-        : RoutingInfoImpl("defaultNetStack", std::move(store)), _calls(calls) {}
+    RecordingRouting(std::unique_ptr<HostCtl::Network::RoutingInfo> inner, Calls& calls)
+        : _inner(std::move(inner)), _calls(calls) {}
 
+    HostCtl::Network::Ipv4Address GetZenKernelDefaultGateway() override {
+        return _inner->GetZenKernelDefaultGateway();
+    }
     void SetZenKernelDefaultGateway(const HostCtl::Network::Ipv4Address& gateway,
                                     bool persistentOnly) override {
         _calls.push_back("Routing.SetZenKernelDefaultGateway " + gateway.GetStringAddress());
-        RoutingInfoImpl::SetZenKernelDefaultGateway(gateway, persistentOnly);
+        _inner->SetZenKernelDefaultGateway(gateway, persistentOnly);
+    }
+    HostCtl::Network::Ipv6Address GetIpv6ZenKernelDefaultGateway() override {
+        return _inner->GetIpv6ZenKernelDefaultGateway();
     }
     void SetIpv6ZenKernelDefaultGateway(const HostCtl::Network::Ipv6Address& gateway) override {
         _calls.push_back("Routing.SetIpv6ZenKernelDefaultGateway " + gateway.GetScopedStringAddress());
-        RoutingInfoImpl::SetIpv6ZenKernelDefaultGateway(gateway);
+        _inner->SetIpv6ZenKernelDefaultGateway(gateway);
     }
 
   private:
+    std::unique_ptr<HostCtl::Network::RoutingInfo> _inner;
     Calls& _calls;
 };
 
-class RecordingDns : public ZenkCtl::Network::DnsConfigImpl {
+class RecordingDns : public HostCtl::Network::DnsConfig {
   public:
-    RecordingDns(Store store, Calls& calls)
-        : DnsConfigImpl("defaultNetStack", std::move(store)), _calls(calls) {}
+    RecordingDns(std::unique_ptr<HostCtl::Network::DnsConfig> inner, Calls& calls)
+        : _inner(std::move(inner)), _calls(calls) {}
 
+    std::string GetHostname() override { return _inner->GetHostname(); }
+    std::string GetDomain() override { return _inner->GetDomain(); }
     void SetHostname(const std::string& name, bool persistentOnly) override {
         _calls.push_back("Dns.SetHostname " + name);
-        DnsConfigImpl::SetHostname(name, persistentOnly);
+        _inner->SetHostname(name, persistentOnly);
     }
     void SetFqdn(const std::string& fqdn, bool persistentOnly, const std::string& domain) override {
         _calls.push_back("Dns.SetFqdn " + fqdn);
-        DnsConfigImpl::SetFqdn(fqdn, persistentOnly, domain);
+        _inner->SetFqdn(fqdn, persistentOnly, domain);
+    }
+    void SetDomain(const std::string& domain) override { _inner->SetDomain(domain); }
+    std::vector<std::string> GetNameServers() override { return _inner->GetNameServers(); }
+    std::vector<std::string> GetIpv6NameServers(bool includeIpv4) override {
+        return _inner->GetIpv6NameServers(includeIpv4);
     }
     void RemoveNameServers() override {
         _calls.push_back("Dns.RemoveNameServers");
-        DnsConfigImpl::RemoveNameServers();
+        _inner->RemoveNameServers();
     }
     void AddNameServer(const HostCtl::Network::IpAddress& server) override {
         _calls.push_back("Dns.AddNameServer " + server.GetStringAddress());
-        DnsConfigImpl::AddNameServer(server);
+        _inner->AddNameServer(server);
     }
+    std::vector<std::string> GetSearchDomains() override { return _inner->GetSearchDomains(); }
     void SetSearchDomainsString(const std::string& text) override {
         _calls.push_back("Dns.SetSearchDomainsString " + text);
-        DnsConfigImpl::SetSearchDomainsString(text);
+        _inner->SetSearchDomainsString(text);
     }
     void AddSearchDomain(const std::string& domain) override {
         _calls.push_back("Dns.AddSearchDomain " + domain);
-        DnsConfigImpl::AddSearchDomain(domain);
+        _inner->AddSearchDomain(domain);
     }
     void SaveConfig() override {
         _calls.push_back("Dns.SaveConfig");
-        DnsConfigImpl::SaveConfig();
+        _inner->SaveConfig();
     }
 
   private:
+    std::unique_ptr<HostCtl::Network::DnsConfig> _inner;
     Calls& _calls;
 };
 
-class RecordingSwitches : public ZenkCtl::Network::VirtualSwitchInfoImpl {
+class RecordingSwitches : public HostCtl::Network::VirtualSwitchInfo {
   public:
-    RecordingSwitches(Store store, Calls& calls) : VirtualSwitchInfoImpl(std::move(store)), _calls(calls) {}
+    RecordingSwitches(std::unique_ptr<HostCtl::Network::VirtualSwitchInfo> inner, Calls& calls)
+        : _inner(std::move(inner)), _calls(calls) {}
 
+    std::vector<HostCtl::Network::VirtualSwitch> GetVirtualSwitches() override {
+        return _inner->GetVirtualSwitches();
+    }
+    std::vector<HostCtl::Network::DvSwitch> GetDvSwitches() override { return _inner->GetDvSwitches(); }
     void AddVirtualSwitch(const std::string& name, int numPorts) override {
         _calls.push_back("Switch.AddVirtualSwitch " + name + " " + std::to_string(numPorts));
-        VirtualSwitchInfoImpl::AddVirtualSwitch(name, numPorts);
+        _inner->AddVirtualSwitch(name, numPorts);
     }
-    void AddPortGroup(const std::string& switchName, const std::string& portGroup, int vlanId) override {
-        _calls.push_back("Switch.AddPortGroup " + switchName + " " + portGroup);
-        VirtualSwitchInfoImpl::AddPortGroup(switchName, portGroup, vlanId);
-    }
-
+    void RemoveVirtualSwitch(const std::string& name) override { _inner->RemoveVirtualSwitch(name); }
     void AddUplink(const std::string& switchName, const std::string& pnic) override {
         _calls.push_back("Switch.AddUplink " + switchName + " " + pnic);
-        VirtualSwitchInfoImpl::AddUplink(switchName, pnic);
+        _inner->AddUplink(switchName, pnic);
     }
     void RemoveUplink(const std::string& switchName, const std::string& pnic) override {
         _calls.push_back("Switch.RemoveUplink " + switchName + " " + pnic);
-        VirtualSwitchInfoImpl::RemoveUplink(switchName, pnic);
+        _inner->RemoveUplink(switchName, pnic);
     }
     void RemoveDvsUplink(const std::string& dvsName, const std::string& pnic) override {
         _calls.push_back("Switch.RemoveDvsUplink " + dvsName + " " + pnic);
-        VirtualSwitchInfoImpl::RemoveDvsUplink(dvsName, pnic);
+        _inner->RemoveDvsUplink(dvsName, pnic);
+    }
+    std::string AddDvsHostLocalPort(const std::string& dvsName,
+                                    const HostCtl::Network::DvPortProperties& properties) override {
+        return _inner->AddDvsHostLocalPort(dvsName, properties);
+    }
+    std::string FindUplinkOwner(const std::string& pnic) override { return _inner->FindUplinkOwner(pnic); }
+    HostCtl::Network::NicTeamingPolicy GetTeamingPolicy(const std::string& switchName) override {
+        return _inner->GetTeamingPolicy(switchName);
     }
     void SetTeamingPolicy(const std::string& switchName,
                           const HostCtl::Network::NicTeamingPolicy& policy) override {
@@ -197,57 +241,70 @@ class RecordingSwitches : public ZenkCtl::Network::VirtualSwitchInfoImpl {
         for (const auto& uplink : policy.GetUplinkOrder()) order += " " + uplink;
         _calls.push_back("Switch.SetTeamingPolicy " + switchName + " max " +
                          std::to_string(policy.GetMaxActiveUplinks()) + " order" + order);
-        VirtualSwitchInfoImpl::SetTeamingPolicy(switchName, policy);
+        _inner->SetTeamingPolicy(switchName, policy);
+    }
+    void AddPortGroup(const std::string& switchName, const std::string& portGroup, int vlanId) override {
+        _calls.push_back("Switch.AddPortGroup " + switchName + " " + portGroup);
+        _inner->AddPortGroup(switchName, portGroup, vlanId);
+    }
+    std::string GetPortGroupSwitch(const std::string& portGroup) override {
+        return _inner->GetPortGroupSwitch(portGroup);
+    }
+    int GetPortGroupVlan(const std::string& portGroup) override {
+        return _inner->GetPortGroupVlan(portGroup);
     }
     void SetPortGroupVlan(const std::string& portGroup, int vlanId) override {
         _calls.push_back("Switch.SetPortGroupVlan " + portGroup + " " + std::to_string(vlanId));
-        VirtualSwitchInfoImpl::SetPortGroupVlan(portGroup, vlanId);
+        _inner->SetPortGroupVlan(portGroup, vlanId);
     }
 
   private:
+    std::unique_ptr<HostCtl::Network::VirtualSwitchInfo> _inner;
     Calls& _calls;
 };
 
-class RecordingDvPort : public ZenkCtl::Network::DVPortImpl {
+class RecordingDvPort : public HostCtl::Network::DVPort {
   public:
-    RecordingDvPort(const std::string& dvs, const std::string& key, Store store, Calls& calls)
-        : DVPortImpl(dvs, key, std::move(store)), _calls(calls) {}
+    RecordingDvPort(std::unique_ptr<HostCtl::Network::DVPort> inner, Calls& calls)
+        : _inner(std::move(inner)), _calls(calls) {}
 
+    std::string GetDvsName() const override { return _inner->GetDvsName(); }
+    std::string GetPortKey() const override { return _inner->GetPortKey(); }
+    std::string GetPortGroup() override { return _inner->GetPortGroup(); }
+    int GetVlanId() override { return _inner->GetVlanId(); }
     void SetVlanId(int vlanId) override {
         _calls.push_back("DvPort.SetVlanId " + std::to_string(vlanId));
-        DVPortImpl::SetVlanId(vlanId);
+        _inner->SetVlanId(vlanId);
     }
+    std::vector<std::string> GetUplinks() override { return _inner->GetUplinks(); }
+    HostCtl::Network::DvPortProperties GetProperties() override { return _inner->GetProperties(); }
 
   private:
+    std::unique_ptr<HostCtl::Network::DVPort> _inner;
     Calls& _calls;
 };
 
 // RecordingHost (commands, events) with the recording network objects, all writing one call list.
 class RecordingNetworkHost : public RecordingHost {
   public:
-    explicit RecordingNetworkHost(Store store) : RecordingHost(store), _store(std::move(store)) {
-        CaptureLog(&calls);
-    }
+    explicit RecordingNetworkHost(Store store) : RecordingHost(std::move(store)) { CaptureLog(&calls); }
     ~RecordingNetworkHost() override { ReleaseLog(&calls); }
 
-    std::unique_ptr<ZenkCtl::Network::NetworkInfoImpl> Network() const override {
-        return std::make_unique<RecordingNetworkInfo>(_store, Mutable());
+    std::unique_ptr<HostCtl::Network::NetworkInfo> Network() const override {
+        return std::make_unique<RecordingNetworkInfo>(RecordingHost::Network(), Mutable());
     }
-    std::unique_ptr<ZenkCtl::Network::DnsConfigImpl> Dns() const override {
-        return std::make_unique<RecordingDns>(_store, Mutable());
+    std::unique_ptr<HostCtl::Network::DnsConfig> Dns() const override {
+        return std::make_unique<RecordingDns>(RecordingHost::Dns(), Mutable());
     }
-    std::unique_ptr<ZenkCtl::Network::RoutingInfoImpl> Routing() const override {
-        return std::make_unique<RecordingRouting>(_store, Mutable());
+    std::unique_ptr<HostCtl::Network::RoutingInfo> Routing() const override {
+        return std::make_unique<RecordingRouting>(RecordingHost::Routing(), Mutable());
     }
-    std::unique_ptr<ZenkCtl::Network::VirtualSwitchInfoImpl> Switches() const override {
-        return std::make_unique<RecordingSwitches>(_store, Mutable());
+    std::unique_ptr<HostCtl::Network::VirtualSwitchInfo> Switches() const override {
+        return std::make_unique<RecordingSwitches>(RecordingHost::Switches(), Mutable());
     }
-    std::unique_ptr<ZenkCtl::Network::DVPortImpl> DvPort(const std::string& dvs,
-                                                         const std::string& key) const override {
-        return std::make_unique<RecordingDvPort>(dvs, key, _store, Mutable());
-    }
-    std::unique_ptr<HostCtl::Network::Pnic> Pnic(const std::string& name) const override {
-        return std::make_unique<ZenkCtl::Network::PnicImpl>(name, _store);
+    std::unique_ptr<HostCtl::Network::DVPort> DvPort(const std::string& dvs,
+                                                     const std::string& key) const override {
+        return std::make_unique<RecordingDvPort>(RecordingHost::DvPort(dvs, key), Mutable());
     }
     void RefreshAgent() override { calls.push_back("refresh"); }
 
@@ -263,7 +320,6 @@ class RecordingNetworkHost : public RecordingHost {
 
   private:
     Calls& Mutable() const { return const_cast<Calls&>(calls); }
-    Store _store;
 };
 
 // A host's document after its boot: every kernel interface runs its configuration.

@@ -140,7 +140,7 @@ TEST_F(NetworkTest, ObjectsNoticeChangesMadeByOtherProcesses) {
     other.Update([](json& d) { d["network"]["zenkNics"][0]["mac"] = "00:50:56:a1:00:02"; });
     EXPECT_TRUE(nic.IsStale());
     EXPECT_EQ(nic.GetMacAddress(), "00:50:56:a1:00:02");
-    nic.SetMacAddressFromPnic(std::make_unique<PnicImpl>("zennic2", store).get());
+    nic.SetMacAddressFromPnic(PnicImpl("zennic2", store));
     EXPECT_EQ(HostStore(store->Path()).Get("/network/zenkNics/0/mac"), "00:50:56:a1:00:03");
     EXPECT_THROW(nic.SetMacAddress("00:50:56:a1:00"), HostCtlException);
     EXPECT_THROW(PnicImpl("zennic9", store), HostCtlException);
@@ -295,24 +295,26 @@ TEST(HostsFileTest, RemovesTheNameEverywhereAndKeepsTheRest) {
     const std::string text =
         "# static table\n127.0.0.1\tlocalhost\n192.168.10.20\th1.example.com h1\n10.0.0.9 H1.EXAMPLE.COM "
         "other # x\n";
-    EXPECT_EQ(HostsFile::RemoveName(text, "h1.example.com", found),
+    EXPECT_EQ(ZenkCtl::Network::HostsFile::RemoveName(text, "h1.example.com", found),
               "# static table\n127.0.0.1\tlocalhost\n192.168.10.20\th1\n10.0.0.9\tother # x\n");
     EXPECT_TRUE(found);
-    EXPECT_EQ(HostsFile::RemoveName(text, "nothere", found), text);
+    EXPECT_EQ(ZenkCtl::Network::HostsFile::RemoveName(text, "nothere", found), text);
     EXPECT_FALSE(found);
     // The address column is not a name.
-    EXPECT_EQ(HostsFile::RemoveName("127.0.0.1 localhost\n", "127.0.0.1", found), "127.0.0.1 localhost\n");
+    EXPECT_EQ(ZenkCtl::Network::HostsFile::RemoveName("127.0.0.1 localhost\n", "127.0.0.1", found),
+              "127.0.0.1 localhost\n");
 
     TempDir dir;
     const std::string path = dir.File("hosts");
     std::ofstream(path) << "127.0.0.1 localhost\n192.168.10.20 h1.example.com\n";
-    HostsFile hosts(path);
+    ZenkCtl::Network::HostsFile hosts(path);
     EXPECT_TRUE(hosts.RemoveEntryByHostName("h1.example.com"));
     std::ifstream in(path);
     std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     EXPECT_EQ(content, "127.0.0.1 localhost\n");
     EXPECT_FALSE(hosts.RemoveEntryByHostName("h1.example.com"));
-    EXPECT_THROW(HostsFile(dir.File("missing")).RemoveEntryByHostName("x"), HostCtlException);
+    EXPECT_THROW(ZenkCtl::Network::HostsFile(dir.File("missing")).RemoveEntryByHostName("x"),
+                 HostCtlException);
 }
 
 // The simulated host makes a named operation fail so that every guarded step of a screen can be reached;
@@ -331,7 +333,7 @@ TEST_F(NetworkTest, EveryNetworkOperationFailsWithItsInjectedTextAndChangesNothi
         {"ZenkNic.GetIpConfig", [&] { nic.GetIpConfig(); }},
         {"ZenkNic.SetIpConfig", [&] { nic.SetIpConfig(nic.GetConfiguredIpConfig()); }},
         {"ZenkNic.SetMacAddress", [&] { nic.SetMacAddress("00:50:56:a1:00:07"); }},
-        {"ZenkNic.SetMacAddressFromPnic", [&] { nic.SetMacAddressFromPnic(&pnic); }},
+        {"ZenkNic.SetMacAddressFromPnic", [&] { nic.SetMacAddressFromPnic(pnic); }},
         {"ZenkNic.SetDhcpBound", [&] { nic.SetDhcpBound(true); }},
         {"ZenkNic.RenewIpv4Lease", [&] { nic.RenewIpv4Lease(); }},
         {"ZenkNic.RenewIpv6Lease", [&] { nic.RenewIpv6Lease(); }},

@@ -7,6 +7,7 @@
 
 #include "../network/RecordingNetwork.h"
 #include "../network/WatchedDialog.h"
+#include "platform/zenkctl/ZenkNicImpl.h"
 
 namespace Kovo {
 namespace {
@@ -66,7 +67,8 @@ class RestoreDvs : public NetworkDialogs {
     void Make(const std::string& scenario) {
         store_ = std::make_unique<ScratchStore>(Booted(Scenario(scenario)));
         host_ = std::make_unique<RecordingNetworkHost>(store_->Get());
-        nic_ = std::make_unique<RecordingNic>("zk0", store_->Get(), host_->calls);
+        nic_ = std::make_unique<RecordingNic>(
+            std::make_unique<ZenkCtl::Network::ZenkNicImpl>("zk0", store_->Get()), host_->calls);
         before_ = Network();
     }
     Ran<RestoreDvsDialog> Open(const std::string& keys) { return Run<RestoreDvsDialog>(keys, *nic_, *host_); }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "../network/RecordingNetwork.h"
+#include "platform/zenkctl/ZenkNicImpl.h"
 
 namespace Kovo {
 namespace {
@@ -16,7 +17,7 @@ using nlohmann::json;
 struct Move {
     explicit Move(const json& document) : store(Booted(document)), host(store.Get()), before(Network()) {}
     bool Run() {
-        RecordingNic nic("zk0", store.Get(), host.calls);
+        RecordingNic nic(std::make_unique<ZenkCtl::Network::ZenkNicImpl>("zk0", store.Get()), host.calls);
         return SafeModeNetwork(host, nic).Run();
     }
     json Network() const { return store.At("/network"); }

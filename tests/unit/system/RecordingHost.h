@@ -13,6 +13,7 @@
 #include "../platform/TempDir.h"
 #include "app/frames/HostAccess.h"
 #include "platform/store/HostStore.h"
+#include "platform/zenkctl/HalvorHostFactory.h"
 
 namespace Kovo::Testing {
 
@@ -24,8 +25,9 @@ inline const std::string kF11 = "\033[23~";
 
 class RecordingHost : public HostAccess {
   public:
+    // Over the Halvor platform on `store`; without one, no platform object can be had.
     explicit RecordingHost(std::shared_ptr<ZenkCtl::Store::HostStore> store = nullptr)
-        : HostAccess(std::move(store)) {}
+        : HostAccess(store ? std::make_unique<ZenkCtl::HalvorHostFactory>(std::move(store)) : nullptr) {}
 
     // Every call as one line: "<program>: argv..." for programs, "shell: <line>", "exec: <line>",
     // "query: <path>", "event: <text>", "powerOffVms[ --terminate]", "thread", "wait", "spin".
@@ -60,7 +62,7 @@ class RecordingHost : public HostAccess {
     }
     int Exec(const std::string& commandLine) override { return Record("exec: " + commandLine); }
     void PostEvent(const std::string& text) override { Record("event: " + text); }
-    int StartThread(void* (*)(void*)) override {
+    int StartThread(std::function<void()>) override {
         Record("thread");
         return threadError;
     }

@@ -106,7 +106,7 @@ void Fill(char (&field)[N], const std::string& text) {
 }
 
 TEST(VersionLine, IsBuiltFromProductVersionKernelAndBuildFields) {
-    ZenkCtl::Util::SysinfoVersionRecord record{};
+    HostCtl::Util::SysinfoVersionRecord record{};
     Fill(record.productName, "KOVO Host");
     Fill(record.productVersion, "1.0.0");
     Fill(record.productLine, "embedded");  // not part of the line
@@ -117,7 +117,7 @@ TEST(VersionLine, IsBuiltFromProductVersionKernelAndBuildFields) {
 }
 
 TEST(VersionLine, FieldsFillingAllTheirBytesDoNotRunIntoTheirNeighbours) {
-    ZenkCtl::Util::SysinfoVersionRecord record{};
+    HostCtl::Util::SysinfoVersionRecord record{};
     const std::string product(sizeof record.productName, 'P');
     const std::string kernel(sizeof record.kernelRelease, 'K');
     Fill(record.productName, product);

@@ -17,6 +17,7 @@
 
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/zenkctl/DnsConfigImpl.h"
+#include "platform/zenkctl/NetStack.h"
 #include "platform/zenkctl/NetworkInfoImpl.h"
 #include "platform/zenkctl/RoutingInfoImpl.h"
 #include "platform/zenkctl/VirtualSwitchInfoImpl.h"
@@ -36,7 +37,8 @@ using HostCtl::Network::Ipv4Address;
 
 int main(int argc, char** argv) {
     try {
-        ZenkCtl::Network::DnsConfigImpl dns;
+        const auto store = ZenkCtl::Store::HostStore::System();
+        ZenkCtl::Network::DnsConfigImpl dns(ZenkCtl::Network::kDefaultNetStack, store);
         for (int i = 1; i < argc; ++i) {
             const std::string action = argv[i];
             auto next = [&]() -> std::string {
@@ -44,8 +46,9 @@ int main(int argc, char** argv) {
                 return argv[++i];
             };
             if (action == "ipv4") {
-                const std::string name = ZenkCtl::Network::NetworkInfoImpl().GetManagementInterfaceName();
-                ZenkCtl::Network::ZenkNicImpl nic(name);
+                const std::string name =
+                    ZenkCtl::Network::NetworkInfoImpl(store).GetManagementInterfaceName();
+                ZenkCtl::Network::ZenkNicImpl nic(name, store);
                 auto config = nic.GetConfiguredIpConfig();
                 const std::string mode = next();
                 if (mode == "static") {
@@ -64,7 +67,8 @@ int main(int argc, char** argv) {
                 }
                 nic.SetIpConfig(config);
             } else if (action == "gateway") {
-                ZenkCtl::Network::RoutingInfoImpl().SetZenKernelDefaultGateway(Ipv4Address(next()), false);
+                ZenkCtl::Network::RoutingInfoImpl(ZenkCtl::Network::kDefaultNetStack, store)
+                    .SetZenKernelDefaultGateway(Ipv4Address(next()), false);
             } else if (action == "fqdn") {
                 dns.SetFqdn(next(), false, "");
             } else if (action == "nameservers") {
@@ -80,7 +84,8 @@ int main(int argc, char** argv) {
             } else if (action == "save") {
                 dns.SaveConfig();
             } else if (action == "switch-of") {
-                std::cout << ZenkCtl::Network::VirtualSwitchInfoImpl().GetPortGroupSwitch(next()) << "\n";
+                std::cout << ZenkCtl::Network::VirtualSwitchInfoImpl(store).GetPortGroupSwitch(next())
+                          << "\n";
             } else {
                 Usage("unknown action " + action);
             }

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/hostctl/Pnic.h"
+#include "platform/hostctl/ZenkNic.h"
+
+namespace HostCtl::Network {
+
+// The host's network as a whole: its physical NICs, the management interface and the settings that
+// belong to no single interface.
+class NetworkInfo {
+  public:
+    virtual ~NetworkInfo() = default;
+
+    virtual std::vector<std::unique_ptr<Pnic>> GetPnics() = 0;
+    // Makes the host look up which interface is the management interface again.
+    virtual void UpdateManagementInterface() = 0;
+    // nullptr when the host has no management interface.
+    virtual std::unique_ptr<ZenkNic> GetManagementInterface() = 0;
+    // "" when the host has no management interface.
+    virtual std::string GetManagementInterfaceName() = 0;
+
+    virtual bool IsZenkIpv6Enabled() = 0;
+    // Takes effect at the next boot; GetPendingZenkIpv6Enabled tells what that boot will have.
+    virtual void SetZenkIpv6Enabled(bool enabled) = 0;
+    virtual bool GetPendingZenkIpv6Enabled() = 0;
+
+    virtual void DisableNetDumper() = 0;
+    virtual bool IsNetDumperEnabled() = 0;
+    // The factory network restore: everything configured goes, then the host configures itself afresh.
+    virtual void ClearNetworkConfig() = 0;
+    virtual void AutoConfigNetwork() = 0;
+};
+
+}  // namespace HostCtl::Network

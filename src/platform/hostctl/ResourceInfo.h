@@ -1,0 +1,11 @@
+#pragma once
+
+namespace HostCtl::Resource {
+
+class ResourceInfo {
+  public:
+    virtual ~ResourceInfo() = default;
+    virtual bool HasRunningVirtualMachines() = 0;
+};
+
+}  // namespace HostCtl::Resource
