@@ -273,15 +273,6 @@ TEST_F(NetworkTest, Ipv6SwitchWaitsForBootAndFactoryRestoreRebuildsManagement) {
               (std::vector<std::string>{"zennic0"}));
 }
 
-TEST_F(NetworkTest, RoutingGateways) {
-    RoutingInfoImpl routing("defaultNetStack", store);
-    routing.SetZenKernelDefaultGateway(Ipv4Address("10.1.1.1"), false);
-    EXPECT_EQ(routing.GetZenKernelDefaultGateway().GetStringAddress(), "10.1.1.1");
-    EXPECT_TRUE(routing.GetIpv6ZenKernelDefaultGateway().IsUnspecified());
-    routing.SetIpv6ZenKernelDefaultGateway(Ipv6Address("fe80::1%zk0"));
-    EXPECT_EQ(routing.GetIpv6ZenKernelDefaultGateway().GetScopedStringAddress(), "fe80::1%zk0");
-}
-
 TEST(ZenkNicRuntimeTest, LinkLocalFromMac) {
     EXPECT_EQ(ZenkNicRuntime::LinkLocalFor("00:50:56:a1:00:01"), "fe80::250:56ff:fea1:1");
     EXPECT_EQ(ZenkNicRuntime::LinkLocalFor("02:00:00:00:00:00"), "fe80::ff:fe00:0");

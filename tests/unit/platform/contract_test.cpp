@@ -1,0 +1,180 @@
+// The rules every platform keeps, whatever kind of host it serves: written once against the HostCtl
+// interfaces and run against each platform over a host of the shape ContractHost describes. A new platform
+// joins by adding a ContractHost to the instantiation at the end.
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "TempDir.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/HostFactory.h"
+#include "platform/store/HostStore.h"
+#include "platform/zenkctl/HalvorHostFactory.h"
+
+using HostCtl::Lib::HostCtlException;
+using HostCtl::Network::IpConfig;
+using HostCtl::Network::Ipv4Address;
+using HostCtl::Network::Ipv6Address;
+
+namespace {
+
+// A host with a management interface on a static IPv4 address, on a standard switch that has one uplink
+// and carries `portGroup`; one physical NIC no switch holds; a host name, a domain, two name servers and a
+// search domain; the integer option "/UserVars/KovoTimeOut" between 0 and 86400.
+struct ContractHost {
+    std::string name;
+    std::function<std::unique_ptr<HostCtl::HostFactory>(TempDir&)> make;
+    std::string managementSwitch;
+    std::string portGroup;
+    std::string freePnic;
+};
+
+std::unique_ptr<HostCtl::HostFactory> HalvorHost(TempDir& dir) {
+    std::ifstream in(std::string(KOVO_FIXTURES) + "/host.json");
+    auto store = std::make_shared<ZenkCtl::Store::HostStore>(dir.File("host.json"));
+    store->Replace(nlohmann::json::parse(in));
+    return std::make_unique<ZenkCtl::HalvorHostFactory>(store);
+}
+
+class PlatformContract : public ::testing::TestWithParam<ContractHost> {
+  protected:
+    void SetUp() override { host = GetParam().make(dir); }
+    TempDir dir;
+    std::unique_ptr<HostCtl::HostFactory> host;
+};
+
+TEST_P(PlatformContract, TheManagementInterfaceIsOneOfTheKernelInterfacesAndKeepsItsName) {
+    auto network = host->GetNetworkInfo();
+    const std::string name = network->GetManagementInterfaceName();
+    ASSERT_FALSE(name.empty());
+    auto nic = network->GetManagementInterface();
+    ASSERT_NE(nic, nullptr);
+    EXPECT_EQ(nic->GetName(), name);
+    EXPECT_TRUE(nic->IsValid());
+    bool listed = false;
+    for (const auto& kernel : host->GetZenKernelNicInfo()->GetZenKernelNics()) listed |= kernel->GetName() == name;
+    EXPECT_TRUE(listed);
+}
+
+TEST_P(PlatformContract, AnAddressSetIsReadBackAndABadOneIsRefusedWithoutAChange) {
+    auto nic = host->GetNetworkInfo()->GetManagementInterface();
+    ASSERT_NE(nic, nullptr);
+    IpConfig config = nic->GetConfiguredIpConfig();
+    config.SetUseDhcp(false);
+    config.SetIpv4Address(Ipv4Address("10.20.30.40"));
+    config.SetIpv4Netmask(Ipv4Address("255.255.0.0"));
+    nic->SetIpConfig(config);
+    // A second object sees the change at once: nothing is cached across objects.
+    auto again = host->GetNetworkInfo()->GetManagementInterface();
+    EXPECT_EQ(again->GetConfiguredIpConfig().GetIpv4Address().GetStringAddress(), "10.20.30.40");
+    EXPECT_EQ(again->GetConfiguredIpConfig().GetIpv4Netmask().GetStringAddress(), "255.255.0.0");
+
+    IpConfig bad = config;
+    bad.SetIpv4Netmask(Ipv4Address("255.0.255.0"));
+    EXPECT_THROW(nic->SetIpConfig(bad), HostCtlException);
+    EXPECT_EQ(again->GetConfiguredIpConfig().GetIpv4Netmask().GetStringAddress(), "255.255.0.0");
+}
+
+TEST_P(PlatformContract, TheMacAddressFollowsTheNicItIsTakenFrom) {
+    auto nic = host->GetNetworkInfo()->GetManagementInterface();
+    const auto pnic = host->GetPnic(GetParam().freePnic);
+    nic->SetMacAddressFromPnic(*pnic);
+    EXPECT_EQ(nic->GetMacAddress(), pnic->GetMacAddress());
+    EXPECT_THROW(host->GetPnic("no-such-nic"), HostCtlException);
+}
+
+TEST_P(PlatformContract, NamesServersAndSearchDomainsReadBackInOrder) {
+    auto dns = host->GetDnsConfig();
+    dns->SetHostname("contract-1", false);
+    dns->SetDomain("lab.example");
+    EXPECT_EQ(dns->GetHostname(), "contract-1");
+    EXPECT_EQ(dns->GetDomain(), "lab.example");
+    EXPECT_THROW(dns->SetHostname("-bad-", false), HostCtlException);
+    EXPECT_EQ(host->GetDnsConfig()->GetHostname(), "contract-1");
+
+    dns->RemoveNameServers();
+    EXPECT_TRUE(dns->GetNameServers().empty());
+    dns->AddNameServer(Ipv4Address("10.0.0.9"));
+    dns->AddNameServer(Ipv4Address("10.0.0.8"));
+    dns->SetSearchDomainsString("b.example, a.example");
+    dns->SaveConfig();
+    auto fresh = host->GetDnsConfig();
+    EXPECT_EQ(fresh->GetNameServers(), (std::vector<std::string>{"10.0.0.9", "10.0.0.8"}));
+    EXPECT_EQ(fresh->GetSearchDomains(), (std::vector<std::string>{"b.example", "a.example"}));
+    EXPECT_THROW(dns->SetSearchDomainsString("ok.example bad..example"), HostCtlException);
+    EXPECT_EQ(fresh->GetSearchDomains(), (std::vector<std::string>{"b.example", "a.example"}));
+}
+
+TEST_P(PlatformContract, GatewaysReadBackAndNoneIsTheUnspecifiedAddress) {
+    auto routing = host->GetRoutingInfo();
+    routing->SetZenKernelDefaultGateway(Ipv4Address("10.1.1.1"), false);
+    EXPECT_EQ(host->GetRoutingInfo()->GetZenKernelDefaultGateway().GetStringAddress(), "10.1.1.1");
+    EXPECT_TRUE(routing->GetIpv6ZenKernelDefaultGateway().IsUnspecified());
+    routing->SetIpv6ZenKernelDefaultGateway(Ipv6Address("fe80::1%zk0"));
+    EXPECT_EQ(routing->GetIpv6ZenKernelDefaultGateway().GetScopedStringAddress(), "fe80::1%zk0");
+}
+
+TEST_P(PlatformContract, AnUplinkJoinsAndLeavesItsSwitchAndAFreeNicHasNoOwner) {
+    const ContractHost& shape = GetParam();
+    auto switches = host->GetVirtualSwitchInfo();
+    EXPECT_EQ(switches->FindUplinkOwner(shape.freePnic), "");
+    switches->AddUplink(shape.managementSwitch, shape.freePnic);
+    EXPECT_EQ(host->GetVirtualSwitchInfo()->FindUplinkOwner(shape.freePnic), shape.managementSwitch);
+    switches->RemoveUplink(shape.managementSwitch, shape.freePnic);
+    EXPECT_EQ(switches->FindUplinkOwner(shape.freePnic), "");
+    EXPECT_THROW(switches->AddUplink(shape.managementSwitch, "no-such-nic"), HostCtlException);
+    EXPECT_THROW(switches->AddUplink("no-such-switch", shape.freePnic), HostCtlException);
+
+    EXPECT_EQ(switches->GetPortGroupSwitch(shape.portGroup), shape.managementSwitch);
+    switches->SetPortGroupVlan(shape.portGroup, 42);
+    EXPECT_EQ(host->GetVirtualSwitchInfo()->GetPortGroupVlan(shape.portGroup), 42);
+    // 4095 is a port group's "every VLAN"; nothing lies beyond it.
+    EXPECT_THROW(switches->SetPortGroupVlan(shape.portGroup, 4096), HostCtlException);
+    EXPECT_EQ(switches->GetPortGroupVlan(shape.portGroup), 42);
+
+    EXPECT_TRUE(host->GetPortset()->IsValidVirtualSwitch(shape.managementSwitch));
+    EXPECT_FALSE(host->GetPortset()->IsValidVirtualSwitch("no-such-switch"));
+    EXPECT_TRUE(host->GetPortGroup()->IsValidPortGroup(shape.portGroup));
+    EXPECT_FALSE(host->GetPortGroup()->IsValidPortGroup("no-such-group"));
+}
+
+TEST_P(PlatformContract, AnIntegerOptionKeepsItsRangeAndAnUnknownOneIsNull) {
+    auto option = host->GetAdvancedOptions()->FindOption("/UserVars/KovoTimeOut");
+    ASSERT_NE(option, nullptr);
+    ASSERT_TRUE(option->IsInteger());
+    option->SetIntValue(120);
+    EXPECT_EQ(host->GetUserAdvancedOptions()->FindOption("KovoTimeOut")->GetIntValue(), 120);
+    EXPECT_THROW(option->SetIntValue(86401), HostCtlException);
+    EXPECT_THROW(option->SetIntValue(-1), HostCtlException);
+    EXPECT_EQ(option->GetIntValue(), 120);
+    EXPECT_EQ(host->GetAdvancedOptions()->FindOption("/UserVars/NoSuchOption"), nullptr);
+}
+
+TEST_P(PlatformContract, TheIdentityNamesTheProductInTerminatedFields) {
+    const auto record = host->GetSystemIdentity()->GetVersionRecord();
+    EXPECT_NE(record.productName[0], '\0');
+    EXPECT_EQ(record.productName[sizeof record.productName - 1], '\0');
+    EXPECT_EQ(record.productVersion[sizeof record.productVersion - 1], '\0');
+    const auto names = host->GetSystemIdentity()->GetProductNames();
+    EXPECT_EQ(names.name, std::string(record.productName));
+    EXPECT_FALSE(names.version.empty());
+}
+
+TEST_P(PlatformContract, EveryDocumentedProgramResolvesToAProgramWithItsArguments) {
+    const HostCtl::Program documented{"/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "system/lockdown/get"}};
+    const HostCtl::Program resolved = host->Programs().Resolve(documented);
+    EXPECT_FALSE(resolved.path.empty());
+    ASSERT_FALSE(resolved.argv.empty());
+    // Whatever runs it, the question itself reaches the program.
+    EXPECT_EQ(resolved.argv.back(), "system/lockdown/get");
+}
+
+INSTANTIATE_TEST_SUITE_P(Halvor, PlatformContract,
+                         ::testing::Values(ContractHost{"Halvor", HalvorHost, "xSwitch0", "VM Network", "zennic2"}),
+                         [](const auto& info) { return info.param.name; });
+
+}  // namespace
