@@ -18,9 +18,9 @@
 #include "MaintenanceTool.h"
 #include "PowerCommand.h"
 #include "ZenkPing.h"
+#include "host/SimulationSchema.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/store/HostStore.h"
-#include "platform/store/StoreSchema.h"
 
 namespace KovoSim::Host {
 namespace {
@@ -53,8 +53,7 @@ const std::map<std::string, Program>& Programs() {
 // would. A store that cannot be read injects nothing: the programs that need it report that themselves.
 std::optional<std::string> InjectedFailure(const HostContext& context, const std::string& name) {
     try {
-        const nlohmann::json fault =
-            context.store->Get(std::string(ZenkCtl::Store::Schema::kInjectedFaults) + "/" + name);
+        const nlohmann::json fault = context.store->Get(std::string(Simulation::kFaults) + "/" + name);
         if (fault.is_string()) return fault.get<std::string>();
     } catch (const std::exception&) {
     }

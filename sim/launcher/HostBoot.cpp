@@ -14,6 +14,7 @@
 #include "NetworkFollower.h"
 #include "RecordReceiver.h"
 #include "host/HostPrograms.h"
+#include "host/SimulationSchema.h"
 #include "platform/events/EventPaths.h"
 #include "platform/store/HostStore.h"
 #include "platform/store/StoreSchema.h"
@@ -61,11 +62,13 @@ json HostBoot::StoreOf(const json& scenario) {
     store.erase("simulation");
     // A scenario may carry failing platform operations and silent name servers; they live in the store,
     // where the platform and the network follower look for them, so a running host can switch them. What
-    // else the simulation holds is for the simulated host alone.
-    const json::json_pointer faults(Schema::kInjectedFaults);
+    // else the simulation holds is for the simulated host alone. The faults member is always there: it
+    // is how the console's platform knows, once at its start, that this host can be made to fail.
+    const json::json_pointer faults(Simulation::kFaults);
+    store[faults] = json::object();
     if (scenario.is_object() && scenario.contains(faults) && scenario.at(faults).is_object())
         store[faults] = scenario.at(faults);
-    const json::json_pointer silent(Schema::kSimulationSilentNameServers);
+    const json::json_pointer silent(Simulation::kSilentNameServers);
     if (scenario.is_object() && scenario.contains(silent) && scenario.at(silent).is_array())
         store[silent] = scenario.at(silent);
     return store;

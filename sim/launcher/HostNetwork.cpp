@@ -4,6 +4,7 @@
 
 #include <set>
 
+#include "host/SimulationSchema.h"
 #include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/NetworkJson.h"
 
@@ -81,7 +82,7 @@ std::string HostNetwork::Fqdn(const json& store) {
 std::vector<std::string> HostNetwork::SilentNameServers(const json& store) {
     std::vector<std::string> silent;
     std::set<std::string> seen;
-    for (const auto& text : Texts(store, Schema::kSimulationSilentNameServers))
+    for (const auto& text : Texts(store, Simulation::kSilentNameServers))
         if (!text.empty() && seen.insert(text).second) silent.push_back(text);
     return silent;
 }
@@ -90,7 +91,7 @@ std::vector<std::string> HostNetwork::AnsweringAddresses(const json& store, cons
     std::vector<std::string> candidates = {Text(store, Schema::kIpv4DefaultGateway),
                                            Text(store, Schema::kIpv6DefaultGateway), ManagementIpv4(store)};
     for (const auto& list : {Texts(store, Schema::kNameServers), Texts(store, Schema::kIpv6NameServers),
-                             Texts(scenario, Schema::kSimulationAnswering), SilentNameServers(store)})
+                             Texts(scenario, Simulation::kAnswering), SilentNameServers(store)})
         candidates.insert(candidates.end(), list.begin(), list.end());
     std::vector<std::string> addresses;
     std::set<std::string> seen;
@@ -117,7 +118,7 @@ std::vector<std::pair<std::string, std::string>> HostNetwork::DnsNames(const jso
     const std::string fqdn = Fqdn(store);
     const std::string address = ManagementIpv4(store);
     if (!fqdn.empty() && !address.empty()) names.emplace_back(fqdn, address);
-    const json::json_pointer where(Schema::kSimulationNames);
+    const json::json_pointer where(Simulation::kNames);
     if (scenario.is_object() && scenario.contains(where) && scenario.at(where).is_object()) {
         for (const auto& [name, value] : scenario.at(where).items()) {
             if (value.is_string() && IsAddress(value.get<std::string>()))

@@ -21,9 +21,9 @@
 #include "HostNamespace.h"
 #include "RestartPolicy.h"
 #include "SyslogReceiver.h"
+#include "host/SimulationSchema.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/store/HostStore.h"
-#include "platform/store/StoreSchema.h"
 
 namespace KovoSim {
 namespace fs = std::filesystem;
@@ -158,7 +158,7 @@ nlohmann::json Launcher::LoadScenario(const std::string& nameOrFile) {
     }
     if (!scenario.is_object()) throw std::invalid_argument("the scenario " + path + " is not a JSON object");
     // A misspelt member would otherwise change nothing and say nothing.
-    const auto faults = ZenkCtl::Store::Schema::Check(scenario);
+    const auto faults = Simulation::Check(scenario);
     if (!faults.empty()) {
         std::string message = "the scenario " + path + " does not fit the host's store:";
         for (const auto& fault : faults) message += "\n  " + fault;
@@ -392,7 +392,7 @@ int Launcher::InHostSet(const std::string& pointer, const std::string& value) {
         std::cerr << "kovo-sim: not a JSON value: " << value << "\n";
         return kUsageStatus;
     }
-    const auto faults = ZenkCtl::Store::Schema::Check(parsed, pointer);
+    const auto faults = Simulation::Check(parsed, pointer);
     for (const auto& fault : faults) std::cerr << "kovo-sim: " << fault << "\n";
     if (!faults.empty()) return kUsageStatus;
     try {

@@ -28,6 +28,7 @@
 #include "ChildProcess.h"
 #include "HostFiles.h"
 #include "HostNetwork.h"
+#include "host/SimulationSchema.h"
 #include "platform/store/HostStore.h"
 #include "platform/store/StoreSchema.h"
 
@@ -142,8 +143,7 @@ int Milliseconds(Clock::duration duration) {
 class Follower {
   public:
     explicit Follower(json scenario)
-        : _scenario(std::move(scenario)),
-          _kept(HostNetwork::Texts(_scenario, Schema::kSimulationAnswering)) {}
+        : _scenario(std::move(scenario)), _kept(HostNetwork::Texts(_scenario, Simulation::kAnswering)) {}
 
     // Watch first, then read: a change made meanwhile is seen by Follow().
     void Watch() {

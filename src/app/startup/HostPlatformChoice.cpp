@@ -1,7 +1,7 @@
 #include "app/startup/HostPlatformChoice.h"
 
 #include "platform/store/HostStore.h"
-#include "platform/zenkctl/HalvorHostFactory.h"
+#include "platform/zenkctl/StoreFaults.h"
 
 namespace Kovo {
 
@@ -9,7 +9,7 @@ std::unique_ptr<HostCtl::HostFactory> ChooseHostPlatform() {
     // A host with the configuration store is a Halvor host. It is also the only kind this console
     // serves so far, so a host without one gets it too: every read of its missing store then fails
     // the way an unreadable store does, and the screens say so.
-    return std::make_unique<ZenkCtl::HalvorHostFactory>(ZenkCtl::Store::HostStore::System());
+    return ZenkCtl::MakeHalvorPlatform(ZenkCtl::Store::HostStore::System());
 }
 
 }  // namespace Kovo

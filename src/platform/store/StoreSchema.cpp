@@ -237,16 +237,6 @@ std::vector<Node> MakeTable() {
         {kPendingBoot, kObject},
         {"/boot/pending/ipv6Enabled", kFlag},
         {"/boot/pending/resetConfiguration", kFlag},
-        // The simulated host's own.
-        {"/simulation", kObject},
-        {kSimulationNames, kObject},
-        {"/simulation/names/*", kText},
-        {kSimulationAnswering, kList},
-        {"/simulation/answering/*", kText},
-        {kSimulationSilentNameServers, kList},
-        {"/simulation/silentNameServers/*", kText},
-        {kInjectedFaults, kObject},
-        {"/simulation/faults/*", kText},
     };
     AddIpConfig(table, "/network/zenkNics/*/ipConfig");
     AddIpConfig(table, "/network/zenkNics/*/running");
@@ -274,8 +264,8 @@ std::string Escaped(const std::string& token) {
     return out;
 }
 
-const Node* Find(const std::vector<std::string>& tokens) {
-    for (const Node& node : Table()) {
+const Node* Find(const std::vector<Node>& table, const std::vector<std::string>& tokens) {
+    for (const Node& node : table) {
         const auto pattern = Tokens(node.pattern);
         if (pattern.size() != tokens.size()) continue;
         bool same = true;
@@ -287,9 +277,9 @@ const Node* Find(const std::vector<std::string>& tokens) {
 }
 
 // The node's nearest open ancestor, if any: below it everything is accepted.
-bool UnderOpenNode(const std::vector<std::string>& tokens) {
+bool UnderOpenNode(const std::vector<Node>& table, const std::vector<std::string>& tokens) {
     for (std::size_t length = tokens.size(); length-- > 0;) {
-        const Node* node = Find({tokens.begin(), tokens.begin() + static_cast<long>(length)});
+        const Node* node = Find(table, {tokens.begin(), tokens.begin() + static_cast<long>(length)});
         if (node && node->open) return true;
     }
     return false;
@@ -319,9 +309,9 @@ std::string Describe(unsigned types) {
     return text;
 }
 
-void CheckAt(const nlohmann::json& value, std::vector<std::string>& tokens, const std::string& pointer,
-             std::vector<std::string>& faults) {
-    const Node* node = Find(tokens);
+void CheckAt(const std::vector<Node>& table, const nlohmann::json& value, std::vector<std::string>& tokens,
+             const std::string& pointer, std::vector<std::string>& faults) {
+    const Node* node = Find(table, tokens);
     if (!node) {
         faults.push_back(pointer + ": not a member the host knows");
         return;
@@ -335,13 +325,13 @@ void CheckAt(const nlohmann::json& value, std::vector<std::string>& tokens, cons
     if (value.is_object()) {
         for (const auto& [name, member] : value.items()) {
             tokens.push_back(name);
-            CheckAt(member, tokens, pointer + "/" + Escaped(name), faults);
+            CheckAt(table, member, tokens, pointer + "/" + Escaped(name), faults);
             tokens.pop_back();
         }
     } else if (value.is_array()) {
         for (std::size_t i = 0; i < value.size(); ++i) {
             tokens.push_back(std::to_string(i));
-            CheckAt(value[i], tokens, pointer + "/" + std::to_string(i), faults);
+            CheckAt(table, value[i], tokens, pointer + "/" + std::to_string(i), faults);
             tokens.pop_back();
         }
     }
@@ -355,11 +345,16 @@ const std::vector<Node>& Table() {
 }
 
 std::vector<std::string> Check(const nlohmann::json& value, const std::string& pointer) {
+    return Check(Table(), value, pointer);
+}
+
+std::vector<std::string> Check(const std::vector<Node>& table, const nlohmann::json& value,
+                               const std::string& pointer) {
     std::vector<std::string> faults;
     if (!pointer.empty() && pointer[0] != '/') return {pointer + ": not a JSON pointer"};
     auto tokens = Tokens(pointer);
-    if (UnderOpenNode(tokens)) return faults;
-    CheckAt(value, tokens, pointer, faults);
+    if (UnderOpenNode(table, tokens)) return faults;
+    CheckAt(table, value, tokens, pointer, faults);
     return faults;
 }
 

@@ -41,9 +41,6 @@ inline constexpr const char* kFirewallRulesets = "/firewall/rulesets";
 inline constexpr const char* kVms = "/vms";
 inline constexpr const char* kMarkers = "/markers";
 
-// The simulated host's own: platform operations made to fail, {"<operation>": "<text>"}.
-inline constexpr const char* kInjectedFaults = "/simulation/faults";
-
 // Single values the simulated host reads or switches.
 inline constexpr const char* kHostname = "/network/dns/hostname";
 inline constexpr const char* kDomain = "/network/dns/domain";
@@ -57,10 +54,6 @@ inline constexpr const char* kShowKovoLogin = "/markers/showKovoLogin";
 inline constexpr const char* kLockdownEnabled = "/services/lockdown/enabled";
 inline constexpr const char* kLockdownPossible = "/services/lockdown/possible";
 inline constexpr const char* kHostAgentRunning = "/services/hostAgent/running";
-inline constexpr const char* kSimulationNames = "/simulation/names";
-inline constexpr const char* kSimulationAnswering = "/simulation/answering";
-// Addresses whose DNS port the simulated host holds without ever answering (a hung name server).
-inline constexpr const char* kSimulationSilentNameServers = "/simulation/silentNameServers";
 
 // Changes that take effect at the next boot.
 inline constexpr const char* kPendingBoot = "/boot/pending";
@@ -102,5 +95,8 @@ const std::vector<Node>& Table();
 // "<pointer>: <fault>": a member the schema does not know (a misspelt name) or a value of a type the
 // schema does not allow there. Empty when the value fits.
 std::vector<std::string> Check(const nlohmann::json& value, const std::string& pointer = "");
+// The same against another table (a host whose store carries more than the platform's own members).
+std::vector<std::string> Check(const std::vector<Node>& table, const nlohmann::json& value,
+                               const std::string& pointer = "");
 
 }  // namespace ZenkCtl::Store::Schema

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/store/InjectedFault.h"
 #include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/NetworkJson.h"
 
@@ -56,13 +55,11 @@ std::string DVPortImpl::GetPortGroup() {
 }
 
 int DVPortImpl::GetVlanId() {
-    Store::ThrowIfInjected(*_store, "DVPort.GetVlanId");
     json document = _store->Read();
     return static_cast<int>(Json::Integer(*Port(document, _dvsName, _portKey), "vlanId"));
 }
 
 void DVPortImpl::SetVlanId(int vlanId) {
-    Store::ThrowIfInjected(*_store, "DVPort.SetVlanId");
     if (vlanId < 0 || vlanId > 4094) {
         throw HostCtlException("Invalid DVPort vlan specified. Valid range is 0-4094.");
     }
@@ -76,7 +73,6 @@ std::vector<std::string> DVPortImpl::GetUplinks() {
 }
 
 DvPortProperties DVPortImpl::GetProperties() {
-    Store::ThrowIfInjected(*_store, "DVPort.GetProperties");
     json document = _store->Read();
     const json& port = *Port(document, _dvsName, _portKey);
     return {Json::Text(port, "name"),

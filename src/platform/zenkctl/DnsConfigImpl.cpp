@@ -4,7 +4,6 @@
 #include <cctype>
 
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/store/InjectedFault.h"
 #include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/NetStack.h"
 #include "platform/zenkctl/NetworkJson.h"
@@ -31,13 +30,11 @@ std::string DnsConfigImpl::GetDomain() {
 }
 
 void DnsConfigImpl::SetHostname(const std::string& name, bool) {
-    Store::ThrowIfInjected(*_store, "DnsConfig.SetHostname");
     if (!IsValidHostname(name)) throw HostCtlException("Invalid host name: " + name);
     _store->Update([&](json& d) { Json::ObjectAt(d, Store::Schema::kDns)["hostname"] = name; });
 }
 
 void DnsConfigImpl::SetFqdn(const std::string& fqdn, bool, const std::string& domain) {
-    Store::ThrowIfInjected(*_store, "DnsConfig.SetFqdn");
     const auto dot = fqdn.find('.');
     const std::string host = fqdn.substr(0, dot);
     const std::string rest = dot == std::string::npos ? domain : fqdn.substr(dot + 1);
@@ -52,7 +49,6 @@ void DnsConfigImpl::SetFqdn(const std::string& fqdn, bool, const std::string& do
 }
 
 void DnsConfigImpl::SetDomain(const std::string& domain) {
-    Store::ThrowIfInjected(*_store, "DnsConfig.SetDomain");
     if (!IsValidDomain(domain)) throw HostCtlException("Invalid domain name: " + domain);
     _store->Update([&](json& d) { Json::ObjectAt(d, Store::Schema::kDns)["domain"] = domain; });
 }
@@ -71,7 +67,6 @@ std::vector<std::string> DnsConfigImpl::GetIpv6NameServers(bool includeIpv4) {
 }
 
 void DnsConfigImpl::RemoveNameServers() {
-    Store::ThrowIfInjected(*_store, "DnsConfig.RemoveNameServers");
     _store->Update([](json& d) {
         json& dns = Json::ObjectAt(d, Store::Schema::kDns);
         dns["nameServers"] = json::array();
@@ -80,7 +75,6 @@ void DnsConfigImpl::RemoveNameServers() {
 }
 
 void DnsConfigImpl::AddNameServer(const HostCtl::Network::IpAddress& server) {
-    Store::ThrowIfInjected(*_store, "DnsConfig.AddNameServer");
     if (server.IsUnspecified()) throw HostCtlException("Refusing the unspecified address as a name server");
     const char* key = server.IsIpv6() ? "ipv6NameServers" : "nameServers";
     const std::string text = server.GetStringAddress();
@@ -96,7 +90,6 @@ std::vector<std::string> DnsConfigImpl::GetSearchDomains() {
 }
 
 void DnsConfigImpl::SetSearchDomainsString(const std::string& text) {
-    Store::ThrowIfInjected(*_store, "DnsConfig.SetSearchDomainsString");
     const auto domains = SplitNames(text);
     for (const auto& d : domains) {
         if (!IsValidDomain(d)) throw HostCtlException("Invalid search domain: " + d);
@@ -105,7 +98,6 @@ void DnsConfigImpl::SetSearchDomainsString(const std::string& text) {
 }
 
 void DnsConfigImpl::AddSearchDomain(const std::string& domain) {
-    Store::ThrowIfInjected(*_store, "DnsConfig.AddSearchDomain");
     if (domain.empty() || !IsValidDomain(domain)) throw HostCtlException("Invalid search domain: " + domain);
     _store->Update([&](json& d) {
         json& list = Json::ObjectAt(d, Store::Schema::kDns)["searchDomains"];
@@ -115,7 +107,6 @@ void DnsConfigImpl::AddSearchDomain(const std::string& domain) {
 }
 
 void DnsConfigImpl::SaveConfig() {
-    Store::ThrowIfInjected(*_store, "DnsConfig.SaveConfig");
     _store->Update([](json& d) {
         json& dns = Json::ObjectAt(d, Store::Schema::kDns);
         dns["saved"] = Json::Integer(dns, "saved") + 1;

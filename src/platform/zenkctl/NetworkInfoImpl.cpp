@@ -2,7 +2,6 @@
 
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/Portset.h"
-#include "platform/store/InjectedFault.h"
 #include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/NetworkJson.h"
 #include "platform/zenkctl/PnicImpl.h"
@@ -18,7 +17,6 @@ namespace ZenkCtl::Network {
 NetworkInfoImpl::NetworkInfoImpl(std::shared_ptr<Store::HostStore> store) : _store(std::move(store)) {}
 
 std::vector<std::unique_ptr<HostCtl::Network::Pnic>> NetworkInfoImpl::GetPnics() {
-    Store::ThrowIfInjected(*_store, "NetworkInfo.GetPnics");
     std::vector<std::unique_ptr<HostCtl::Network::Pnic>> pnics;
     const auto snapshot = _store->Snapshot();
     const json& document = *snapshot;
@@ -30,7 +28,6 @@ std::vector<std::unique_ptr<HostCtl::Network::Pnic>> NetworkInfoImpl::GetPnics()
 }
 
 void NetworkInfoImpl::UpdateManagementInterface() {
-    Store::ThrowIfInjected(*_store, "NetworkInfo.UpdateManagementInterface");
     const auto snapshot = _store->Snapshot();
     const json& document = *snapshot;
     const json* nic = Json::ManagementNic(document);
@@ -60,13 +57,11 @@ bool NetworkInfoImpl::GetPendingZenkIpv6Enabled() {
 }
 
 void NetworkInfoImpl::SetZenkIpv6Enabled(bool enabled) {
-    Store::ThrowIfInjected(*_store, "NetworkInfo.SetZenkIpv6Enabled");
     _store->Update(
         [&](json& document) { Json::ObjectAt(document, Schema::kPendingBoot)["ipv6Enabled"] = enabled; });
 }
 
 void NetworkInfoImpl::DisableNetDumper() {
-    Store::ThrowIfInjected(*_store, "NetworkInfo.DisableNetDumper");
     _store->Update([](json& document) { Json::ObjectAt(document, Schema::kNetDumper)["enabled"] = false; });
 }
 
@@ -75,7 +70,6 @@ bool NetworkInfoImpl::IsNetDumperEnabled() {
 }
 
 void NetworkInfoImpl::ClearNetworkConfig() {
-    Store::ThrowIfInjected(*_store, "NetworkInfo.ClearNetworkConfig");
     _store->Update([](json& document) {
         document[json::json_pointer(Schema::kSwitches)] = json::array();
         document[json::json_pointer(Schema::kZenkNics)] = json::array();
@@ -92,7 +86,6 @@ void NetworkInfoImpl::ClearNetworkConfig() {
 }
 
 void NetworkInfoImpl::AutoConfigNetwork() {
-    Store::ThrowIfInjected(*_store, "NetworkInfo.AutoConfigNetwork");
     _store->Update([](json& document) {
         const json& pnics = Json::ArrayAt(document, Schema::kPnics);
         if (pnics.empty()) throw HostCtlException("No physical NIC to configure the management network on");

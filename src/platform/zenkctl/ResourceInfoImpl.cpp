@@ -1,6 +1,5 @@
 #include "platform/zenkctl/ResourceInfoImpl.h"
 
-#include "platform/store/InjectedFault.h"
 #include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/NetworkJson.h"
 
@@ -9,7 +8,6 @@ namespace ZenkCtl::Resource {
 ResourceInfoImpl::ResourceInfoImpl(std::shared_ptr<Store::HostStore> store) : _store(std::move(store)) {}
 
 bool ResourceInfoImpl::HasRunningVirtualMachines() {
-    Store::ThrowIfInjected(*_store, "ResourceInfo.HasRunningVirtualMachines");
     const nlohmann::json vms = _store->Get(Store::Schema::kVms);
     if (!vms.is_array()) return false;
     for (const auto& vm : vms) {

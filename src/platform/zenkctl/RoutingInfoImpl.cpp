@@ -1,6 +1,5 @@
 #include "platform/zenkctl/RoutingInfoImpl.h"
 
-#include "platform/store/InjectedFault.h"
 #include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/NetStack.h"
 #include "platform/zenkctl/NetworkJson.h"
@@ -16,14 +15,12 @@ RoutingInfoImpl::RoutingInfoImpl(const std::string& netstack, std::shared_ptr<St
 }
 
 Ipv4Address RoutingInfoImpl::GetZenKernelDefaultGateway() {
-    Store::ThrowIfInjected(*_store, "RoutingInfo.GetZenKernelDefaultGateway");
     const std::string text = Json::Text(_store->Get(Store::Schema::kRouting), "ipv4DefaultGateway");
     if (text.empty()) return Ipv4Address();
     return Ipv4Address(text);  // a malformed stored gateway is a HostCtlException
 }
 
 void RoutingInfoImpl::SetZenKernelDefaultGateway(const Ipv4Address& gateway, bool) {
-    Store::ThrowIfInjected(*_store, "RoutingInfo.SetZenKernelDefaultGateway");
     _store->Update([&](json& document) {
         Json::ObjectAt(document, Store::Schema::kRouting)["ipv4DefaultGateway"] =
             gateway.IsUnspecified() ? "" : gateway.GetStringAddress();
@@ -37,7 +34,6 @@ Ipv6Address RoutingInfoImpl::GetIpv6ZenKernelDefaultGateway() {
 }
 
 void RoutingInfoImpl::SetIpv6ZenKernelDefaultGateway(const Ipv6Address& gateway) {
-    Store::ThrowIfInjected(*_store, "RoutingInfo.SetIpv6ZenKernelDefaultGateway");
     _store->Update([&](json& document) {
         Json::ObjectAt(document, Store::Schema::kRouting)["ipv6DefaultGateway"] =
             gateway.IsUnspecified() ? "" : gateway.GetScopedStringAddress();

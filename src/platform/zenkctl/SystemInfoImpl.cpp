@@ -4,7 +4,6 @@
 #include <ctime>
 
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/store/InjectedFault.h"
 #include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/NetworkJson.h"
 
@@ -32,13 +31,11 @@ void SystemInfoImpl::RequireLayout(const std::string& layout) {
 }
 
 void SystemInfoImpl::LoadKeyboardMappings(const std::string& layout) {
-    Store::ThrowIfInjected(*_store, "SystemInfo.LoadKeyboardMappings");
     RequireLayout(layout);
     _store->Update([&](json& d) { Json::ObjectAt(d, Store::Schema::kKeyboard)["mappingsLoaded"] = layout; });
 }
 
 void SystemInfoImpl::SetKeyboardLayout(const std::string& layout) {
-    Store::ThrowIfInjected(*_store, "SystemInfo.SetKeyboardLayout");
     RequireLayout(layout);
     _store->Update([&](json& d) { Json::ObjectAt(d, Store::Schema::kKeyboard)["layout"] = layout; });
 }

@@ -4,7 +4,6 @@
 
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/Portset.h"
-#include "platform/store/InjectedFault.h"
 #include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/NetworkJson.h"
 
@@ -59,7 +58,6 @@ VirtualSwitchInfoImpl::VirtualSwitchInfoImpl(std::shared_ptr<Store::HostStore> s
     : _store(std::move(store)) {}
 
 std::vector<VirtualSwitch> VirtualSwitchInfoImpl::GetVirtualSwitches() {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.GetVirtualSwitches");
     std::vector<VirtualSwitch> result;
     const json list = _store->Get(Schema::kSwitches);
     if (!list.is_array()) return result;
@@ -77,7 +75,6 @@ std::vector<VirtualSwitch> VirtualSwitchInfoImpl::GetVirtualSwitches() {
 }
 
 std::vector<DvSwitch> VirtualSwitchInfoImpl::GetDvSwitches() {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.GetDvSwitches");
     std::vector<DvSwitch> result;
     const json list = _store->Get(Schema::kDvs);
     if (!list.is_array()) return result;
@@ -99,7 +96,6 @@ std::vector<DvSwitch> VirtualSwitchInfoImpl::GetDvSwitches() {
 }
 
 void VirtualSwitchInfoImpl::AddVirtualSwitch(const std::string& name, int numPorts) {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.AddVirtualSwitch");
     if (name.empty() || name.size() > 31) throw HostCtlException("Invalid virtual switch name: " + name);
     if (numPorts < 1 || numPorts > HostCtl::Network::Portset::MAX_NUM_PORTS) {
         throw HostCtlException("Invalid number of ports for " + name + ": " + std::to_string(numPorts));
@@ -118,7 +114,6 @@ void VirtualSwitchInfoImpl::AddVirtualSwitch(const std::string& name, int numPor
 }
 
 void VirtualSwitchInfoImpl::RemoveVirtualSwitch(const std::string& name) {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.RemoveVirtualSwitch");
     _store->Update([&](json& d) {
         json& vswitch = Switch(d, name);
         for (const auto& nic : Json::ArrayAt(d, Schema::kZenkNics)) {
@@ -136,7 +131,6 @@ void VirtualSwitchInfoImpl::RemoveVirtualSwitch(const std::string& name) {
 }
 
 void VirtualSwitchInfoImpl::AddUplink(const std::string& switchName, const std::string& pnic) {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.AddUplink");
     _store->Update([&](json& d) {
         if (Json::FindNamed(Json::ArrayAt(d, Schema::kPnics), pnic) == nullptr) {
             throw HostCtlException("Physical NIC " + pnic + " does not exist");
@@ -150,7 +144,6 @@ void VirtualSwitchInfoImpl::AddUplink(const std::string& switchName, const std::
 }
 
 void VirtualSwitchInfoImpl::RemoveUplink(const std::string& switchName, const std::string& pnic) {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.RemoveUplink");
     _store->Update([&](json& d) {
         json& uplinks = List(Switch(d, switchName), "uplinks");
         auto it = std::find(uplinks.begin(), uplinks.end(), pnic);
@@ -160,7 +153,6 @@ void VirtualSwitchInfoImpl::RemoveUplink(const std::string& switchName, const st
 }
 
 void VirtualSwitchInfoImpl::RemoveDvsUplink(const std::string& dvsName, const std::string& pnic) {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.RemoveDvsUplink");
     _store->Update([&](json& d) {
         json* dvs = Json::FindNamed(Json::ArrayAt(d, Schema::kDvs), dvsName);
         if (dvs == nullptr) throw HostCtlException("Distributed switch " + dvsName + " does not exist");
@@ -173,7 +165,6 @@ void VirtualSwitchInfoImpl::RemoveDvsUplink(const std::string& dvsName, const st
 
 std::string VirtualSwitchInfoImpl::AddDvsHostLocalPort(const std::string& dvsName,
                                                        const DvPortProperties& properties) {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.AddDvsHostLocalPort");
     if (properties.name.empty()) throw HostCtlException("A host local port needs a name");
     if (properties.vlanId < 0 || properties.vlanId > 4094)
         throw HostCtlException("Invalid DVPort vlan specified. Valid range is 0-4094.");
@@ -213,20 +204,17 @@ std::string VirtualSwitchInfoImpl::FindUplinkOwner(const std::string& pnic) {
 }
 
 HostCtl::Network::NicTeamingPolicy VirtualSwitchInfoImpl::GetTeamingPolicy(const std::string& switchName) {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.GetTeamingPolicy");
     json document = _store->Read();
     return Json::ToTeaming(Switch(document, switchName).value("teaming", json::object()));
 }
 
 void VirtualSwitchInfoImpl::SetTeamingPolicy(const std::string& switchName,
                                              const HostCtl::Network::NicTeamingPolicy& policy) {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.SetTeamingPolicy");
     _store->Update([&](json& d) { Switch(d, switchName)["teaming"] = Json::FromTeaming(policy); });
 }
 
 void VirtualSwitchInfoImpl::AddPortGroup(const std::string& switchName, const std::string& portGroup,
                                          int vlanId) {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.AddPortGroup");
     if (portGroup.empty() || portGroup.size() > 59)
         throw HostCtlException("Invalid port group name: " + portGroup);
     if (vlanId < 0 || vlanId > 4095) throw HostCtlException("Invalid VLAN id " + std::to_string(vlanId));
@@ -238,7 +226,6 @@ void VirtualSwitchInfoImpl::AddPortGroup(const std::string& switchName, const st
 }
 
 std::string VirtualSwitchInfoImpl::GetPortGroupSwitch(const std::string& portGroup) {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.GetPortGroupSwitch");
     json document = _store->Read();
     std::string owner;
     if (PortGroup(document, portGroup, &owner) == nullptr) {
@@ -248,7 +235,6 @@ std::string VirtualSwitchInfoImpl::GetPortGroupSwitch(const std::string& portGro
 }
 
 int VirtualSwitchInfoImpl::GetPortGroupVlan(const std::string& portGroup) {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.GetPortGroupVlan");
     json document = _store->Read();
     const json* pg = PortGroup(document, portGroup);
     if (pg == nullptr) throw HostCtlException("Port group " + portGroup + " does not exist");
@@ -256,7 +242,6 @@ int VirtualSwitchInfoImpl::GetPortGroupVlan(const std::string& portGroup) {
 }
 
 void VirtualSwitchInfoImpl::SetPortGroupVlan(const std::string& portGroup, int vlanId) {
-    Store::ThrowIfInjected(*_store, "VirtualSwitchInfo.SetPortGroupVlan");
     if (vlanId < 0 || vlanId > 4095) throw HostCtlException("Invalid VLAN id " + std::to_string(vlanId));
     _store->Update([&](json& d) {
         json* pg = PortGroup(d, portGroup);

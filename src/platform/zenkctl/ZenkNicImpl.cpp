@@ -1,7 +1,6 @@
 #include "platform/zenkctl/ZenkNicImpl.h"
 
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/store/InjectedFault.h"
 #include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/NetworkJson.h"
 #include "platform/zenkctl/ZenkNicRuntime.h"
@@ -52,7 +51,6 @@ void ZenkNicImpl::Change(const std::function<void(json&, json&)>& change, bool r
 }
 
 IpConfig ZenkNicImpl::GetIpConfig() {
-    Store::ThrowIfInjected(*_store, "ZenkNic.GetIpConfig");
     return Json::ToIpConfig(Node().value("running", json::object()));
 }
 
@@ -61,7 +59,6 @@ IpConfig ZenkNicImpl::GetConfiguredIpConfig() {
 }
 
 void ZenkNicImpl::SetIpConfig(const IpConfig& config) {
-    Store::ThrowIfInjected(*_store, "ZenkNic.SetIpConfig");
     if (!config.GetUseDhcp() && !config.GetIpv4UseNone() && !config.GetIpv4Address().IsUnspecified() &&
         !config.GetIpv4Netmask().IsValidNetmask()) {
         throw HostCtlException("Invalid netmask " + config.GetIpv4Netmask().GetStringAddress() + " for " +
@@ -75,13 +72,11 @@ std::string ZenkNicImpl::GetMacAddress() {
 }
 
 void ZenkNicImpl::SetMacAddress(const std::string& mac) {
-    Store::ThrowIfInjected(*_store, "ZenkNic.SetMacAddress");
     if (!ZenkNicRuntime::IsValidMac(mac)) throw HostCtlException("Invalid MAC address: " + mac);
     Change([&](json& nic, json&) { nic["mac"] = mac; }, true);
 }
 
 void ZenkNicImpl::SetMacAddressFromPnic(const Pnic& pnic) {
-    Store::ThrowIfInjected(*_store, "ZenkNic.SetMacAddressFromPnic");
     SetMacAddress(pnic.GetMacAddress());
 }
 
@@ -90,12 +85,10 @@ bool ZenkNicImpl::GetDhcpBound() {
 }
 
 void ZenkNicImpl::SetDhcpBound(bool bound) {
-    Store::ThrowIfInjected(*_store, "ZenkNic.SetDhcpBound");
     Change([&](json& nic, json&) { nic["dhcpBound"] = bound; }, false);
 }
 
 void ZenkNicImpl::RenewIpv4Lease() {
-    Store::ThrowIfInjected(*_store, "ZenkNic.RenewIpv4Lease");
     Change(
         [&](json& nic, json&) {
             if (!Json::ToIpConfig(nic.value("ipConfig", json::object())).GetUseDhcp()) {
@@ -108,7 +101,6 @@ void ZenkNicImpl::RenewIpv4Lease() {
 }
 
 void ZenkNicImpl::RenewIpv6Lease() {
-    Store::ThrowIfInjected(*_store, "ZenkNic.RenewIpv6Lease");
     Change(
         [&](json& nic, json&) {
             if (!Json::ToIpConfig(nic.value("ipConfig", json::object())).GetUseIpv6Dhcp()) {
@@ -122,17 +114,14 @@ void ZenkNicImpl::RenewIpv6Lease() {
 }
 
 void ZenkNicImpl::Disable() {
-    Store::ThrowIfInjected(*_store, "ZenkNic.Disable");
     Change([](json& nic, json&) { nic["enabled"] = false; }, true);
 }
 
 void ZenkNicImpl::Commit() {
-    Store::ThrowIfInjected(*_store, "ZenkNic.Commit");
     Change([](json& nic, json&) { nic["commits"] = Json::Integer(nic, "commits") + 1; }, true);
 }
 
 void ZenkNicImpl::Enable() {
-    Store::ThrowIfInjected(*_store, "ZenkNic.Enable");
     // Coming up asks the DHCP servers again: each configured family counts a renewal, and the running
     // state is re-worked from the current lease in the same write.
     Change(
@@ -152,7 +141,6 @@ bool ZenkNicImpl::IsEnabled() {
 }
 
 ConnectionPoint ZenkNicImpl::GetConnectionPoint() {
-    Store::ThrowIfInjected(*_store, "ZenkNic.GetConnectionPoint");
     ConnectionPoint point;
     const json& node = Node();
     const json connection = node.contains("connection") ? node["connection"] : json::object();
@@ -172,7 +160,6 @@ ConnectionPoint ZenkNicImpl::GetConnectionPoint() {
 }
 
 void ZenkNicImpl::ConnectToPortGroup(const std::string& portGroup) {
-    Store::ThrowIfInjected(*_store, "ZenkNic.ConnectToPortGroup");
     Change(
         [&](json& nic, json& document) {
             bool found = false;
@@ -187,7 +174,6 @@ void ZenkNicImpl::ConnectToPortGroup(const std::string& portGroup) {
 }
 
 void ZenkNicImpl::ConnectToDvPort(const std::string& dvsName, const std::string& portKey) {
-    Store::ThrowIfInjected(*_store, "ZenkNic.ConnectToDvPort");
     Change(
         [&](json& nic, json& document) {
             const json* dvs = Json::FindNamed(Json::ArrayAt(document, Store::Schema::kDvs), dvsName);

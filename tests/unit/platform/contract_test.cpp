@@ -56,7 +56,8 @@ TEST_P(PlatformContract, TheManagementInterfaceIsOneOfTheKernelInterfacesAndKeep
     EXPECT_EQ(nic->GetName(), name);
     EXPECT_TRUE(nic->IsValid());
     bool listed = false;
-    for (const auto& kernel : host->GetZenKernelNicInfo()->GetZenKernelNics()) listed |= kernel->GetName() == name;
+    for (const auto& kernel : host->GetZenKernelNicInfo()->GetZenKernelNics())
+        listed |= kernel->GetName() == name;
     EXPECT_TRUE(listed);
 }
 
@@ -174,7 +175,8 @@ TEST_P(PlatformContract, EveryDocumentedProgramResolvesToAProgramWithItsArgument
 }
 
 INSTANTIATE_TEST_SUITE_P(Halvor, PlatformContract,
-                         ::testing::Values(ContractHost{"Halvor", HalvorHost, "xSwitch0", "VM Network", "zennic2"}),
+                         ::testing::Values(ContractHost{"Halvor", HalvorHost, "xSwitch0", "VM Network",
+                                                        "zennic2"}),
                          [](const auto& info) { return info.param.name; });
 
 }  // namespace

@@ -7,7 +7,6 @@
 
 #include "../network/RecordingNetwork.h"
 #include "../network/WatchedDialog.h"
-#include "platform/zenkctl/ZenkNicImpl.h"
 
 namespace Kovo {
 namespace {
@@ -67,8 +66,7 @@ class RestoreDvs : public NetworkDialogs {
     void Make(const std::string& scenario) {
         store_ = std::make_unique<ScratchStore>(Booted(Scenario(scenario)));
         host_ = std::make_unique<RecordingNetworkHost>(store_->Get());
-        nic_ = std::make_unique<RecordingNic>(
-            std::make_unique<ZenkCtl::Network::ZenkNicImpl>("zk0", store_->Get()), host_->calls);
+        nic_ = host_->Network()->GetManagementInterface();
         before_ = Network();
     }
     Ran<RestoreDvsDialog> Open(const std::string& keys) { return Run<RestoreDvsDialog>(keys, *nic_, *host_); }
@@ -81,7 +79,7 @@ class RestoreDvs : public NetworkDialogs {
 
     std::unique_ptr<ScratchStore> store_;
     std::unique_ptr<RecordingNetworkHost> host_;
-    std::unique_ptr<RecordingNic> nic_;
+    std::unique_ptr<HostCtl::Network::ZenkNic> nic_;
     json before_;
 };
 

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include "../network/RecordingNetwork.h"
-#include "platform/zenkctl/ZenkNicImpl.h"
 
 namespace Kovo {
 namespace {
@@ -17,8 +16,8 @@ using nlohmann::json;
 struct Move {
     explicit Move(const json& document) : store(Booted(document)), host(store.Get()), before(Network()) {}
     bool Run() {
-        RecordingNic nic(std::make_unique<ZenkCtl::Network::ZenkNicImpl>("zk0", store.Get()), host.calls);
-        return SafeModeNetwork(host, nic).Run();
+        const auto nic = host.Network()->GetManagementInterface();
+        return SafeModeNetwork(host, *nic).Run();
     }
     json Network() const { return store.At("/network"); }
     json Switch(const std::string& name) const { return Named("/network/switches", name); }

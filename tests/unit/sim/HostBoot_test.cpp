@@ -20,11 +20,14 @@ TEST(HostBootTest, TheStoreOfAScenarioKeepsOnlyItsFaultsAndSilentNameServersOfTh
         json({{"users", json::array()},
               {"simulation",
                {{"faults", {{"DnsConfig.SaveConfig", "disk full"}}}, {"silentNameServers", {"10.0.0.9"}}}}}));
-    // Nothing to keep: no simulation member at all.
+    // Nothing to keep: the faults member alone, empty, which tells the console's platform that this host
+    // can be made to fail once it runs.
+    const json bare = {{"users", json::array()}, {"simulation", {{"faults", json::object()}}}};
     EXPECT_EQ(HostBoot::StoreOf({{"users", json::array()}, {"simulation", {{"names", json::object()}}}}),
-              json({{"users", json::array()}}));
+              bare);
     EXPECT_EQ(HostBoot::StoreOf({{"users", json::array()}, {"simulation", {{"faults", "not a table"}}}}),
-              json({{"users", json::array()}}));
+              bare);
+    EXPECT_EQ(HostBoot::StoreOf({{"users", json::array()}}), bare);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "helpers/Subprocess.h"
+#include "host/SimulationSchema.h"
 #include "launcher/HostBoot.h"
 #include "launcher/HostNetwork.h"
 #include "platform/store/HostStore.h"
@@ -49,7 +50,7 @@ TEST(ScenariosTest, EveryScenarioIsAWholeHostTheStoreAccepts) {
     for (const auto& name : kNames) {
         SCOPED_TRACE(name);
         const json scenario = Load(name);
-        EXPECT_EQ(ZenkCtl::Store::Schema::Check(scenario), std::vector<std::string>{});
+        EXPECT_EQ(KovoSim::Simulation::Check(scenario), std::vector<std::string>{});
         const json store = HostBoot::StoreOf(scenario);
         EXPECT_NO_THROW(ZenkCtl::Store::HostStore::Parse(store.dump(), name));
         for (const char* node :
@@ -57,7 +58,12 @@ TEST(ScenariosTest, EveryScenarioIsAWholeHostTheStoreAccepts) {
               "/network/pnics", "/network/zenkNics", "/network/dns", "/users", "/services",
               "/advancedOptions/UserVars", "/vms", "/markers", "/boot/pending"})
             EXPECT_TRUE(store.contains(json::json_pointer(node))) << node;
-        EXPECT_FALSE(store.contains("simulation"));
+        // The platform's own members, and of the simulation only what the store keeps for a running host.
+        json platformPart = store;
+        platformPart.erase("simulation");
+        EXPECT_EQ(ZenkCtl::Store::Schema::Check(platformPart), std::vector<std::string>{});
+        EXPECT_TRUE(store.at(json::json_pointer(KovoSim::Simulation::kFaults)).is_object());
+        EXPECT_FALSE(store.contains(json::json_pointer(KovoSim::Simulation::kNames)));
         // Every account can log in with some password: a crypt(3) hash, not a placeholder.
         for (const auto& user : store["users"])
             EXPECT_EQ(user["passwordHash"].get<std::string>().rfind("$6$", 0), 0u);
@@ -67,6 +73,19 @@ TEST(ScenariosTest, EveryScenarioIsAWholeHostTheStoreAccepts) {
     for (const auto& entry : std::filesystem::directory_iterator(KOVO_SIM_SCENARIOS))
         files += entry.path().extension() == ".json";
     EXPECT_EQ(files, kNames.size());
+}
+
+TEST(ScenariosTest, TheSimulationsMembersAreCheckedAsTheStoresAre) {
+    using KovoSim::Simulation::Check;
+    EXPECT_EQ(Check(json("text"), "/simulation/faults/Some~1Name"), std::vector<std::string>{});
+    EXPECT_EQ(
+        Check(json::parse(R"({"simulation": {"faults": {"DnsConfig.SaveConfig": 3}}})")),
+        std::vector<std::string>{"/simulation/faults/DnsConfig.SaveConfig: is a whole number, must be text"});
+    EXPECT_EQ(Check(json::parse(R"({"simulation": {"fautls": {}}})")),
+              std::vector<std::string>{"/simulation/fautls: not a member the host knows"});
+    // The platform's own members are checked as ever.
+    EXPECT_EQ(Check(json(3), "/network/dns/hostname"),
+              std::vector<std::string>{"/network/dns/hostname: is a whole number, must be text"});
 }
 
 TEST(ScenariosTest, DefaultIsAHealthyHost) {

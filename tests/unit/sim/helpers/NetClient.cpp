@@ -16,12 +16,7 @@
 #include <string>
 
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/zenkctl/DnsConfigImpl.h"
-#include "platform/zenkctl/NetStack.h"
-#include "platform/zenkctl/NetworkInfoImpl.h"
-#include "platform/zenkctl/RoutingInfoImpl.h"
-#include "platform/zenkctl/VirtualSwitchInfoImpl.h"
-#include "platform/zenkctl/ZenkNicImpl.h"
+#include "platform/zenkctl/StoreFaults.h"
 
 namespace {
 
@@ -37,8 +32,9 @@ using HostCtl::Network::Ipv4Address;
 
 int main(int argc, char** argv) {
     try {
-        const auto store = ZenkCtl::Store::HostStore::System();
-        ZenkCtl::Network::DnsConfigImpl dns(ZenkCtl::Network::kDefaultNetStack, store);
+        // The host's platform, chosen as the console chooses it.
+        const auto host = ZenkCtl::MakeHalvorPlatform(ZenkCtl::Store::HostStore::System());
+        const auto dns = host->GetDnsConfig();
         for (int i = 1; i < argc; ++i) {
             const std::string action = argv[i];
             auto next = [&]() -> std::string {
@@ -46,10 +42,9 @@ int main(int argc, char** argv) {
                 return argv[++i];
             };
             if (action == "ipv4") {
-                const std::string name =
-                    ZenkCtl::Network::NetworkInfoImpl(store).GetManagementInterfaceName();
-                ZenkCtl::Network::ZenkNicImpl nic(name, store);
-                auto config = nic.GetConfiguredIpConfig();
+                const auto nic = host->GetNetworkInfo()->GetManagementInterface();
+                if (!nic) Usage("the host has no management interface");
+                auto config = nic->GetConfiguredIpConfig();
                 const std::string mode = next();
                 if (mode == "static") {
                     config.SetUseDhcp(false);
@@ -65,27 +60,25 @@ int main(int argc, char** argv) {
                 } else {
                     Usage("unknown IPv4 mode " + mode);
                 }
-                nic.SetIpConfig(config);
+                nic->SetIpConfig(config);
             } else if (action == "gateway") {
-                ZenkCtl::Network::RoutingInfoImpl(ZenkCtl::Network::kDefaultNetStack, store)
-                    .SetZenKernelDefaultGateway(Ipv4Address(next()), false);
+                host->GetRoutingInfo()->SetZenKernelDefaultGateway(Ipv4Address(next()), false);
             } else if (action == "fqdn") {
-                dns.SetFqdn(next(), false, "");
+                dns->SetFqdn(next(), false, "");
             } else if (action == "nameservers") {
                 std::istringstream list(next());
-                dns.RemoveNameServers();
+                dns->RemoveNameServers();
                 for (std::string server; std::getline(list, server, ',');) {
                     const auto address = IpAddress::Parse(server);
                     if (!address) Usage("not an address: " + server);
-                    dns.AddNameServer(*address);
+                    dns->AddNameServer(*address);
                 }
             } else if (action == "search") {
-                dns.SetSearchDomainsString(next());
+                dns->SetSearchDomainsString(next());
             } else if (action == "save") {
-                dns.SaveConfig();
+                dns->SaveConfig();
             } else if (action == "switch-of") {
-                std::cout << ZenkCtl::Network::VirtualSwitchInfoImpl(store).GetPortGroupSwitch(next())
-                          << "\n";
+                std::cout << host->GetVirtualSwitchInfo()->GetPortGroupSwitch(next()) << "\n";
             } else {
                 Usage("unknown action " + action);
             }
