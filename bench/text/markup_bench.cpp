@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "app/terminal/Colors.h"
+#include "terminal/Colors.h"
 #include "text/MarkupLayout.h"
 #include "text/TextArea.h"
 

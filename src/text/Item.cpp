@@ -1,6 +1,6 @@
 #include "text/Item.h"
 
-#include "app/terminal/Colors.h"
+#include "terminal/Colors.h"
 
 namespace Kovo {
 

@@ -1,6 +1,6 @@
 #include "text/ItemList.h"
 
-#include "app/terminal/Colors.h"
+#include "terminal/Colors.h"
 #include "text/Item.h"
 #include "text/TextArea.h"
 

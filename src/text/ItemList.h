@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "app/terminal/Window.h"
+#include "terminal/Window.h"
 
 namespace Kovo {
 

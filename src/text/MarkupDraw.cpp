@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "app/terminal/Colors.h"
+#include "terminal/Colors.h"
 #include "text/MarkupTag.h"
 
 namespace Kovo {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "app/terminal/Window.h"
+#include "terminal/Window.h"
 #include "text/MarkupDraw.h"
 #include "text/MarkupLayout.h"
 

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <sstream>
 
-#include "app/terminal/CommandRunner.h"
 #include "platform/hostctl/HostCtlException.h"
+#include "terminal/CommandRunner.h"
 #include "text/HostPlatform.h"
 #include "text/TextArea.h"
 

@@ -17,10 +17,10 @@
 #include <sstream>
 #include <string>
 
-#include "app/frames/HostAccess.h"
-#include "app/startup/HostPlatformChoice.h"
-#include "app/terminal/CommandRunner.h"
+#include "frames/HostAccess.h"
+#include "main/HostPlatformChoice.h"
 #include "network/NetworkTest.h"
+#include "terminal/CommandRunner.h"
 #include "text/HostPlatform.h"
 #include "text/TextArea.h"
 

@@ -362,7 +362,8 @@ class FaultingResources : public Resource::ResourceInfo {
 
 }  // namespace
 
-FaultingHostFactory::FaultingHostFactory(std::unique_ptr<HostFactory> inner, std::shared_ptr<const FaultSource> faults)
+FaultingHostFactory::FaultingHostFactory(std::unique_ptr<HostFactory> inner,
+                                         std::shared_ptr<const FaultSource> faults)
     : _inner(std::move(inner)), _faults(std::move(faults)) {}
 
 void FaultingHostFactory::Initialize(const std::string& ident) {

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/terminal/Colors.h"
+#include "terminal/Colors.h"
 #include "text/InputItem.h"
 #include "text/TextArea.h"
 

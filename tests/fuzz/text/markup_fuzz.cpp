@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/terminal/Colors.h"
+#include "terminal/Colors.h"
 #include "text/MarkupLayout.h"
 #include "text/TextArea.h"
 

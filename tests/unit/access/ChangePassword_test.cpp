@@ -6,7 +6,7 @@
 
 #include "LoginTestScreen.h"
 #include "access/ChangePasswordDialog.h"
-#include "app/frames/HostAccess.h"
+#include "frames/HostAccess.h"
 #include "platform/zenkctl/HalvorHostFactory.h"
 #include "text/InputItem.h"
 #include "text/ItemList.h"

@@ -1,5 +1,5 @@
 #include "access/LoginDialog.h"
-#include "app/frames/HostAccess.h"
+#include "frames/HostAccess.h"
 #include "platform/zenkctl/HalvorHostFactory.h"
 
 #include <curses.h>

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "../support/OffscreenCurses.h"
-#include "app/frames/Frame.h"
+#include "frames/Frame.h"
 
 namespace Kovo::Testing {
 

@@ -8,7 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "app/frames/Frame.h"
+#include "frames/Frame.h"
 #include "platform/store/HostStore.h"
 #include "platform/zenkctl/SmartCardInfoImpl.h"
 

@@ -1,4 +1,4 @@
-#include "access/WelcomeWindow.h"
+#include "session/WelcomeWindow.h"
 
 #include <gtest/gtest.h>
 

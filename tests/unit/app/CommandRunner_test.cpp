@@ -1,4 +1,4 @@
-#include "app/terminal/CommandRunner.h"
+#include "terminal/CommandRunner.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>

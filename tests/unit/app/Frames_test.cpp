@@ -3,10 +3,10 @@
 #include <functional>
 
 #include "../support/OffscreenCurses.h"
-#include "app/frames/Dialog.h"
-#include "app/frames/Frame.h"
-#include "app/frames/RootWindow.h"
-#include "app/terminal/Colors.h"
+#include "frames/Dialog.h"
+#include "frames/Frame.h"
+#include "frames/RootWindow.h"
+#include "terminal/Colors.h"
 #include "text/ItemList.h"
 #include "text/LabelItem.h"
 #include "text/TextArea.h"

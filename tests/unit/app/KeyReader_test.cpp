@@ -1,4 +1,4 @@
-#include "app/terminal/KeyReader.h"
+#include "terminal/KeyReader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "app/startup/Startup.h"
+#include "main/Startup.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>

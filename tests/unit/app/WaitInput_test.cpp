@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "app/frames/Frame.h"
-#include "app/terminal/KeyReader.h"
+#include "frames/Frame.h"
+#include "terminal/KeyReader.h"
 
 namespace Kovo {
 namespace {

@@ -12,8 +12,8 @@
 #include <cwchar>
 #include <string>
 
-#include "app/startup/Startup.h"
-#include "app/terminal/Colors.h"
+#include "main/Startup.h"
+#include "terminal/Colors.h"
 
 namespace Kovo::Testing {
 

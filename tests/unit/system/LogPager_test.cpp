@@ -11,7 +11,7 @@
 #include <sstream>
 
 #include "../support/OffscreenCurses.h"
-#include "app/terminal/Session.h"
+#include "terminal/Session.h"
 
 namespace Kovo {
 namespace {

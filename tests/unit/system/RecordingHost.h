@@ -11,7 +11,7 @@
 
 #include "../access/LoginTestScreen.h"
 #include "../platform/TempDir.h"
-#include "app/frames/HostAccess.h"
+#include "frames/HostAccess.h"
 #include "platform/faults/FaultingHostFactory.h"
 #include "platform/store/HostStore.h"
 #include "platform/zenkctl/HalvorHostFactory.h"

@@ -1,5 +1,0 @@
-#include "app/startup/Startup.h"
-
-int main(int argc, char** argv) {
-    return Kovo::KovoMain(argc, argv);
-}

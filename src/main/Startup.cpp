@@ -1,0 +1,269 @@
+#include "main/Startup.h"
+
+#include <curses.h>
+#include <fcntl.h>
+#include <linux/kd.h>
+#include <linux/vt.h>
+#include <sys/ioctl.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "access/SmartCardLogin.h"
+#include "frames/Frame.h"
+#include "frames/HostAccess.h"
+#include "main/HostPlatformChoice.h"
+#include "session/WelcomeWindow.h"
+#include "terminal/Colors.h"
+#include "terminal/CommandRunner.h"
+#include "terminal/KeyReader.h"
+#include "text/HostPlatform.h"
+
+namespace Kovo {
+
+namespace {
+
+bool g_paletteReset = false;
+
+void EndCurses() {
+    endwin();
+}
+
+bool IsLinuxConsole(int fd) {
+    char type = 0;
+    return ioctl(fd, KDGKBTYPE, &type) == 0;
+}
+
+void SwitchConsole(int vt) {
+    int fd = open("/dev/console", O_RDWR | O_CLOEXEC);
+    if (fd < 0) return;
+    if (ioctl(fd, VT_ACTIVATE, vt) != 0) ioctl(fd, VT_WAITACTIVE, vt);
+    close(fd);
+}
+
+}  // namespace
+
+int ParseVtArgument(const char* arg) {
+    int vt = atoi(arg);
+    if (vt < 1 || vt > 63) {
+        syslog(LOG_ERR, "Invalid VT specified for KOVO: %s", arg);
+        return -1;
+    }
+    return vt;
+}
+
+bool DecideTerminal(bool isLinuxConsole) {
+    bool keyboard = false;
+    const char* term = getenv("TERM");
+    if (isLinuxConsole) {
+        keyboard = true;
+        setenv("TERM", "linux", 1);
+    } else if (term && strcmp(term, "linux") == 0) {
+        // A "linux" terminal that is not a local console is driven as a VT102.
+        setenv("TERM", "vt102", 1);
+    } else if (term && strcmp(term, "xterm") == 0 && !getenv("SSH_CLIENT")) {
+        keyboard = true;
+    }
+    setenv("TERMINFO", "/usr/share/terminfo", 0);
+    setenv("TERM", "vt102", 0);
+    return keyboard;
+}
+
+void GuardPidFile(const char* path) {
+    long pid = 0;
+    if (FILE* f = fopen(path, "re")) {
+        if (fscanf(f, "%ld", &pid) != 1) pid = 0;
+        fclose(f);
+    }
+    if (pid > 0 && pid <= INT32_MAX && kill(static_cast<pid_t>(pid), 0) == 0) {
+        syslog(LOG_ERR, "Attempt to run multiple KOVO instances, not updating %s", path);
+        return;
+    }
+    if (FILE* f = fopen(path, "we")) {
+        fprintf(f, "%d", getpid());
+        fclose(f);
+    }
+}
+
+void InitColors() {
+    use_default_colors();
+    if (!can_change_color()) {
+        bwColor = true;
+        return;
+    }
+    init_color(COLOR_YELLOW, 1000, 800, 0);
+    init_color(COLOR_CYAN, 334, 334, 334);
+    init_color(COLOR_GREEN, 667, 667, 667);
+    init_color(COLOR_WHITE, 1000, 1000, 1000);
+    init_color(COLOR_RED, 1000, 0, 0);
+    const int colors[] = {kWhite, kBlack, kYellow, kLightGrey, kDarkGrey, kRed};
+    for (int background : colors)
+        for (int foreground : colors)
+            init_pair(static_cast<short>(ColorPairNumber(background, foreground)),
+                      static_cast<short>(foreground), static_cast<short>(background));
+}
+
+void DefineKeys() {
+    struct Binding {
+        const char* sequence;
+        int key;
+    };
+    static const Binding bindings[] = {
+        {"\033R", KEY_RESIZE},
+        {"\033[11~", KEY_F(1)},
+        {"\033[12~", KEY_F(2)},
+        {"\033[13~", KEY_F(3)},
+        {"\033[14~", KEY_F(4)},
+        {"\033[15~", KEY_F(5)},
+        {"\033[17~", KEY_F(6)},
+        {"\033[18~", KEY_F(7)},
+        {"\033[19~", KEY_F(8)},
+        {"\033[20~", KEY_F(9)},
+        {"\033[21~", KEY_F(10)},
+        {"\033[23~", KEY_F(11)},
+        {"\033[24~", KEY_F(12)},
+        // Escape then a digit, for terminals that send no function-key sequences.
+        {"\0331", KEY_F(1)},
+        {"\0332", KEY_F(2)},
+        {"\0333", KEY_F(3)},
+        {"\0334", KEY_F(4)},
+        {"\0335", KEY_F(5)},
+        {"\0336", KEY_F(6)},
+        {"\0337", KEY_F(7)},
+        {"\0338", KEY_F(8)},
+        {"\0339", KEY_F(9)},
+        {"\0330", KEY_F(10)},
+        {"\033!", KEY_F(11)},
+        {"\033@", KEY_F(12)},
+        {"\033h", KEY_HOME},
+        {"\033k", KEY_END},
+        {"\033+", KEY_IC},
+        {"\033-", KEY_DC},
+        {"\033?", KEY_PPAGE},
+        {"\033/", KEY_NPAGE},
+        {"\033[M", KEY_F(1)},
+        {"\033[N", KEY_F(2)},
+        {"\033[O", KEY_F(3)},
+        {"\033[P", KEY_F(4)},
+        {"\033[Q", KEY_F(5)},
+        {"\033[R", KEY_F(6)},
+        {"\033[S", KEY_F(7)},
+        {"\033[T", KEY_F(8)},
+        {"\033[U", KEY_F(9)},
+        {"\033[V", KEY_F(10)},
+        {"\033[W", KEY_F(11)},
+        {"\033[X", KEY_F(12)},
+        {"\033OP", KEY_F(1)},
+        {"\033OQ", KEY_F(2)},
+        {"\033OR", KEY_F(3)},
+        {"\033OS", KEY_F(4)},
+        {"\033OT", KEY_F(5)},
+        {"\033OU", KEY_F(6)},
+        {"\033OV", KEY_F(7)},
+        {"\033OW", KEY_F(8)},
+        {"\033OX", KEY_F(9)},
+        {"\033OY", KEY_F(12)},  // there is deliberately no ESC O form for F10 or F11
+        {"\033OA", KEY_UP},
+        {"\033OB", KEY_DOWN},
+        {"\033OC", KEY_RIGHT},
+        {"\033OD", KEY_LEFT},
+        {"\033[A", KEY_UP},
+        {"\033[B", KEY_DOWN},
+        {"\033[C", KEY_RIGHT},
+        {"\033[D", KEY_LEFT},
+        {"\033[2~", KEY_IC},
+        {"\033[3~", KEY_DC},
+        {"\033[1~", KEY_HOME},
+        {"\033[4~", KEY_END},
+        {"\033[5~", KEY_PPAGE},
+        {"\033[6~", KEY_NPAGE},
+        {"\177", KEY_BACKSPACE},
+    };
+    for (const Binding& b : bindings) define_key(b.sequence, b.key);
+}
+
+void ResetPalette() {
+    if (g_paletteReset) return;
+    g_paletteReset = true;
+    fputs("\033]R", stdout);
+    fflush(stdout);
+}
+
+int KovoMain(int argc, char** argv) {
+    // Never destroyed: threads nobody joins may still reach the host while the process ends.
+    static HostAccess* const host = [] {
+        std::unique_ptr<HostCtl::HostFactory> chosen = ChooseHostPlatform();
+        chosen->Initialize("KOVO");
+        return new HostAccess(std::move(chosen));
+    }();
+    const HostCtl::HostFactory& platform = host->Platform();
+    InstallHostPrograms(&platform.Programs());
+    InstallTextPlatform(&platform);
+
+    int vt = -1;
+    if (argc > 1) vt = ParseVtArgument(argv[1]);
+
+    StartSignalThread();
+    // A host notification: the screen on top redraws what it shows of the host, and a smart-card
+    // session ends when its card is gone.
+    SetNotificationHook([] {
+        if (Frame::fgFrame) Frame::fgFrame->Notification();
+        CheckSmartCard(*host);
+    });
+    LoadIdleTimeout([] { return host->Options(); });
+
+    int devnull = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (devnull >= 0) {
+        dup2(devnull, 2);  // curses owns the screen: nothing may scribble on it
+        close(devnull);
+    }
+
+    tcgetattr(1, &orig_termios);
+    usingKeyboard = DecideTerminal(IsLinuxConsole(1));
+
+    openlog("KOVO", LOG_PID, LOG_USER);
+    setlogmask(LOG_UPTO(LOG_INFO));
+    syslog(LOG_INFO, "Starting KOVO");
+
+    GuardPidFile(KOVO_PID_FILE);
+
+    if (vt != -1) {
+        SwitchConsole(vt);
+        orig_termios.c_cc[VSUSP] = 0;  // Ctrl-Z must not suspend the console
+        tcsetattr(1, TCSANOW, &orig_termios);
+    }
+
+    setlocale(LC_ALL, "en_US.UTF-8");
+
+    // Registered before endwin so that it runs after it: the palette reset follows the restored screen.
+    atexit(ResetPalette);
+    initscr();
+    start_color();
+    atexit(EndCurses);
+    curs_set(0);
+    cbreak();
+    noecho();
+    keypad(stdscr, TRUE);
+    set_escdelay(kEscapeDelayMs);  // curses' default of a second makes every Esc lag
+    InitColors();
+    DefineKeys();
+
+    refresh();
+    {
+        auto welcome = std::make_unique<WelcomeWindow>(*host);
+        welcome->RunModal();
+    }
+    erase();
+    refresh();
+    endwin();
+    ResetPalette();
+    return 0;
+}
+
+}  // namespace Kovo

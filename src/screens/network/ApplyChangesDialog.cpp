@@ -1,0 +1,40 @@
+#include "network/ApplyChangesDialog.h"
+
+#include "frames/Footers.h"
+#include "terminal/Colors.h"
+#include "terminal/Keys.h"
+#include "text/StringFactory.h"
+#include "text/TextArea.h"
+
+namespace Kovo {
+
+namespace {
+constexpr unsigned kTitle = 204, kBody = 205, kRestartNetwork = 206, kRebootHost = 207;
+}  // namespace
+
+ApplyChangesDialog::ApplyChangesDialog(Frame* parent, bool ipv6Switched)
+    : Dialog(parent, {66, 16, 9, kTitle, kBody, Footer::kYesNoCancel}) {
+    AddTextArea(0, 0, Content()->Width(), Content()->Height(), kBlack)
+        .SetText(Strings()->GetString(ipv6Switched ? kRebootHost : kRestartNetwork));
+}
+
+bool ApplyChangesDialog::OnKey(int key) {
+    switch (key) {
+        case 'Y':
+        case 'y':
+            Close(kYes);
+            break;
+        case 'N':
+        case 'n':
+            Close(kNo);
+            break;
+        case kEsc:
+            Close(kCancel);
+            break;
+        default:
+            break;
+    }
+    return true;
+}
+
+}  // namespace Kovo

@@ -1,0 +1,62 @@
+#include "system/KovoTimeoutDialog.h"
+
+#include <syslog.h>
+
+#include <climits>
+
+#include "frames/Footers.h"
+#include "frames/MessageDialog.h"
+#include "platform/hostctl/AdvancedOption.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "terminal/Session.h"
+
+namespace Kovo {
+
+namespace {
+
+constexpr unsigned kTitle = 264, kBody = 265, kLabel = 266, kInvalidTitle = 262;
+constexpr uint32_t kDefaultSeconds = 600;
+
+}  // namespace
+
+KovoTimeoutDialog::KovoTimeoutDialog(Frame* parent, HostAccess& host)
+    : TimeoutDialog(parent, {70, 15, 9, kTitle, kBody, Footer::kOkCancel}, host), _seconds(ReadSeconds()) {
+    AddMinutesField(kLabel, _seconds / 60);
+}
+
+uint32_t KovoTimeoutDialog::ReadSeconds() {
+    try {
+        auto option = Host().Options()->FindOption(KOVO_TIMEOUT_VAR);
+        if (!option || !option->IsInteger()) return kDefaultSeconds;
+        const int64_t value = option->GetIntValue();
+        if (value < 0) return kDefaultSeconds;
+        return static_cast<uint32_t>(std::min<int64_t>(value, UINT32_MAX));
+    } catch (const HostCtl::Lib::HostCtlException&) {
+        return kDefaultSeconds;
+    }
+}
+
+void KovoTimeoutDialog::Apply() {
+    const std::optional<uint32_t> minutes = ReadMinutes(0);
+    if (!minutes || *minutes * 60 == _seconds) return;
+    try {
+        auto option = Host().Options()->FindOption(KOVO_TIMEOUT_VAR);
+        // A host without the option keeps its fixed time-out.
+        if (!option || !option->IsInteger()) return;
+        option->SetIntValue(*minutes * 60);
+        // This session follows the stored value from the next key on.
+        Frame::_idleTimeout = static_cast<uint32_t>(option->GetIntValue());
+        _seconds = Frame::_idleTimeout;
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        syslog(LOG_ERR, "Unable to set KOVO timeout: %s", e.what());
+        MessageDialog(this, kInvalidTitle, e.what()).RunModal();
+        return;
+    }
+    if (*minutes == 0) {
+        syslog(LOG_INFO, "%s", "Disabled Kovo timeout");
+    } else {
+        syslog(LOG_INFO, "Modified Kovo timeout to %d minutes", static_cast<int>(*minutes));
+    }
+}
+
+}  // namespace Kovo

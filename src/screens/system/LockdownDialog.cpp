@@ -1,0 +1,48 @@
+#include "system/LockdownDialog.h"
+
+#include <syslog.h>
+
+#include <string>
+
+#include "frames/Footers.h"
+#include "terminal/Session.h"
+#include "text/CheckItem.h"
+#include "text/StringFactory.h"
+
+namespace Kovo {
+
+namespace {
+constexpr int kCapture = 255;
+constexpr unsigned kTitle = 245, kBody = 246, kBoxLabel = 247;
+constexpr const char* kEnabledQuery = "hclsvc/auth/lockdown_is_enabled";
+}  // namespace
+
+LockdownDialog::LockdownDialog(Frame* parent, HostAccess& host)
+    : Dialog(parent, {70, 11, 6, kTitle, kBody, Footer::kToggleOkCancel}),
+      _host(host),
+      _box(AddCheck(Strings()->GetString(kBoxLabel), host.Query(kEnabledQuery))),
+      _enabled(_box.IsChecked()) {
+    ShowItems();
+}
+
+void LockdownDialog::Apply() {
+    const bool enter = _box.IsChecked();
+    if (enter == _enabled) return;
+    std::string output, error;
+    const int status =
+        _host.RunCaptured("/bin/hcl-cmd",
+                          {"hcl-cmd", "-U", KOVO_USER,
+                           enter ? "hclsvc/auth/lockdown_mode_enter" : "hclsvc/auth/lockdown_mode_exit"},
+                          output, error, kCapture);
+    if (status != 0) {
+        syslog(LOG_ERR,
+               enter ? "Enabling lockdown mode failed with error: %s"
+                     : "Disabling lockdown mode failed with error: %s",
+               error.c_str());
+        return;
+    }
+    syslog(LOG_INFO, "%s", enter ? "Lockdown mode enabled" : "Lockdown mode disabled");
+    _enabled = enter;
+}
+
+}  // namespace Kovo

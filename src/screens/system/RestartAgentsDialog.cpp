@@ -1,0 +1,78 @@
+#include "system/RestartAgentsDialog.h"
+
+#include <syslog.h>
+
+#include <cstring>
+
+#include "frames/Footers.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/SystemInfo.h"
+#include "terminal/Colors.h"
+#include "terminal/HostEvent.h"
+#include "text/CheckItem.h"
+#include "text/ItemList.h"
+#include "text/StringFactory.h"
+#include "text/TextArea.h"
+
+namespace Kovo {
+
+namespace {
+constexpr int kProgressRows = 4;
+constexpr unsigned kTitle = 237, kWarning = 238, kQuestion = 239, kStopping = 240, kStarting = 241,
+                   kCollectLabel = 242, kCollecting = 243, kDone = 115;
+}  // namespace
+
+RestartAgentsDialog::RestartAgentsDialog(Frame* parent, HostAccess& host)
+    : ConfirmProgressDialog(parent, {71, 20, 9, kTitle, kWarning, Footer::kF11OkCancel}),
+      _host(host),
+      _liveCore(AddCheck(Strings()->GetString(kCollectLabel), false)) {
+    SetProgressArea(AddTextArea(0, 0, Content()->Width(), kProgressRows, kBlack));
+    Progress().SetText(Strings()->GetString(kQuestion));
+    // The check box sits on the content's last row, under the progress lines.
+    PlaceItems(0, Content()->Height() - 1, Content()->Width(), 1);
+    ShowItems();
+}
+
+bool RestartAgentsDialog::CollectLiveCore() const {
+    return _liveCore.IsChecked();
+}
+
+void RestartAgentsDialog::GenerateAgentLiveCore(HostAccess& host) {
+    syslog(LOG_INFO, "%s", "Executing zenkbacktrace -c against hagentd");
+    if (host.Exec("/sbin/zenkbacktrace -w -n hagentd -o hagentd-restart% -d /var/log/") != 0) {
+        syslog(LOG_WARNING, "%s", "zenkbacktrace failed, probably hagentd was down");
+        return;
+    }
+    try {
+        host.SystemInfo()->SetSystemAlert("Hagentd core dump completed");
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        syslog(LOG_ERR, "Unable to raise the core dump alert: %s", e.what());
+    }
+}
+
+void RestartAgentsDialog::Step(unsigned lineId, const char* command) {
+    const std::string line = Strings()->GetString(lineId);
+    ShowProgress(line);
+    // The agents' own scripts report nothing useful here; the restart is done either way.
+    _host.Exec(command);
+    AddFinished(line + " " + Strings()->GetString(kDone));
+    ShowProgress();
+}
+
+bool RestartAgentsDialog::Run() {
+    syslog(LOG_INFO, "%s", "Restarting host agents");
+    _host.PostEvent(HostEvent::Text("obs.user.kovo.restarting.hostagents", "Restarting host agents"));
+    if (CollectLiveCore()) {
+        if (const int error = _host.StartThread([&host = _host] { GenerateAgentLiveCore(host); });
+            error != 0) {
+            syslog(LOG_ERR, "failed to create live core generation thread: %s", strerror(error));
+        } else {
+            AddFinished(std::string(Strings()->GetString(kCollecting)) + " " + Strings()->GetString(kDone));
+        }
+    }
+    Step(kStopping, "/bin/sh /sbin/services.sh stop");
+    Step(kStarting, "/bin/sh /sbin/services.sh start");
+    return true;
+}
+
+}  // namespace Kovo
