@@ -50,14 +50,10 @@ const std::map<std::string, Program>& Programs() {
 }
 
 // A fault set for the program itself ("/simulation/faults/powerOffVms") makes it fail as a broken tool
-// would. A store that cannot be read injects nothing: the programs that need it report that themselves.
+// would, read as the platform reads its own faults. A store that cannot be read injects nothing: the
+// programs that need it report that themselves.
 std::optional<std::string> InjectedFailure(const HostContext& context, const std::string& name) {
-    try {
-        const nlohmann::json fault = context.store->Get(std::string(Simulation::kFaults) + "/" + name);
-        if (fault.is_string()) return fault.get<std::string>();
-    } catch (const std::exception&) {
-    }
-    return std::nullopt;
+    return ZenkCtl::StoreFaultSource(context.store).Injected(name.c_str());
 }
 
 std::string BaseName(const std::string& path) {

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/store/StoreSchema.h"
+#include "platform/zenkctl/StoreFaults.h"
 
 // What the simulated host keeps in its store beside the platform's own members: the "simulation" member,
 // which a real host's store never has. The console's platform looks at one part of it, the faults (see
@@ -14,7 +15,7 @@ namespace KovoSim::Simulation {
 
 inline constexpr const char* kMember = "/simulation";
 // Platform operations and host programs made to fail: {"<operation>": "<text>"}.
-inline constexpr const char* kFaults = "/simulation/faults";
+inline constexpr const char* kFaults = ZenkCtl::StoreFaultSource::kFaults;
 // Names the host's DNS server answers, from the scenario: {"name": "address" or ["address", ...]}.
 inline constexpr const char* kNames = "/simulation/names";
 // More addresses the host's network answers on, from the scenario.

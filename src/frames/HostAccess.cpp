@@ -37,7 +37,9 @@ bool HostAccess::Query(const char* commandPath) {
 }
 
 int HostAccess::Exec(const std::string& commandLine) {
-    return Platform().Exec(commandLine);
+    // Like a program that could not be started: callers treat it as a failed command.
+    if (!_platform) return -1;
+    return _platform->Exec(commandLine);
 }
 
 void HostAccess::RefreshAgent() {
@@ -104,9 +106,6 @@ std::unique_ptr<HostCtl::Util::SystemIdentity> HostAccess::Identity() const {
 }
 std::unique_ptr<HostCtl::Hardware::HardwareInfo> HostAccess::Hardware() const {
     return Platform().GetHardwareInfo();
-}
-std::unique_ptr<HostCtl::Hardware::StorageInfo> HostAccess::Storage() const {
-    return Platform().GetStorageInfo();
 }
 std::unique_ptr<HostCtl::Hardware::CpuInfo> HostAccess::Cpu() const {
     return Platform().GetCpuInfo();

@@ -17,7 +17,8 @@ class Window;
 // port of the platform changes no screen, and unit tests can record the calls in order.
 class HostAccess {
   public:
-    // A null platform serves no platform object: each getter then throws HostCtlException.
+    // A null platform serves no platform object: each getter then throws HostCtlException, and Exec
+    // fails as a command that could not be started.
     explicit HostAccess(std::unique_ptr<HostCtl::HostFactory> platform);
     virtual ~HostAccess();
     HostAccess(const HostAccess&) = delete;
@@ -64,7 +65,6 @@ class HostAccess {
     std::unique_ptr<HostCtl::System::SystemInfo> SystemInfo() const;
     std::unique_ptr<HostCtl::Util::SystemIdentity> Identity() const;
     std::unique_ptr<HostCtl::Hardware::HardwareInfo> Hardware() const;
-    std::unique_ptr<HostCtl::Hardware::StorageInfo> Storage() const;
     std::unique_ptr<HostCtl::Hardware::CpuInfo> Cpu() const;
     std::unique_ptr<HostCtl::Hardware::MemoryInfo> Memory() const;
     std::unique_ptr<HostCtl::Hardware::SmartCardInfo> SmartCards() const;

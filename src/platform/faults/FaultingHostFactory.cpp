@@ -36,8 +36,10 @@ class FaultingNic : public Network::ZenkNic {
         Check(_faults, FaultPoint::ZenkNicSetMacAddress);
         _inner->SetMacAddress(mac);
     }
+    // Taking a NIC's address sets the address: a host that refuses the one refuses the other.
     void SetMacAddressFromPnic(const Network::Pnic& pnic) override {
         Check(_faults, FaultPoint::ZenkNicSetMacAddressFromPnic);
+        Check(_faults, FaultPoint::ZenkNicSetMacAddress);
         _inner->SetMacAddressFromPnic(pnic);
     }
     bool GetDhcpBound() override { return _inner->GetDhcpBound(); }
@@ -101,11 +103,16 @@ class FaultingNetworkInfo : public Network::NetworkInfo {
     void UpdateManagementInterface() override {
         Check(_faults, FaultPoint::NetworkInfoUpdateManagementInterface);
         _inner->UpdateManagementInterface();
+        _looked = true;
     }
     std::unique_ptr<Network::ZenkNic> GetManagementInterface() override {
+        LookUpOnFirstNeed();
         return Faulting(_inner->GetManagementInterface(), _faults);
     }
-    std::string GetManagementInterfaceName() override { return _inner->GetManagementInterfaceName(); }
+    std::string GetManagementInterfaceName() override {
+        LookUpOnFirstNeed();
+        return _inner->GetManagementInterfaceName();
+    }
     bool IsZenkIpv6Enabled() override { return _inner->IsZenkIpv6Enabled(); }
     void SetZenkIpv6Enabled(bool enabled) override {
         Check(_faults, FaultPoint::NetworkInfoSetZenkIpv6Enabled);
@@ -127,8 +134,17 @@ class FaultingNetworkInfo : public Network::NetworkInfo {
     }
 
   private:
+    // The platform looks the management interface up itself on first need; that lookup fails as an
+    // asked one does.
+    void LookUpOnFirstNeed() {
+        if (_looked) return;
+        Check(_faults, FaultPoint::NetworkInfoUpdateManagementInterface);
+        _looked = true;
+    }
+
     std::unique_ptr<Network::NetworkInfo> _inner;
     Source _faults;
+    bool _looked = false;
 };
 
 class FaultingDns : public Network::DnsConfig {

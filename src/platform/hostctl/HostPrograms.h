@@ -11,9 +11,10 @@ struct Program {
     std::vector<std::string> argv;
 };
 
-// The console names host programs by their documented paths and argument vectors ("/bin/hcl-cmd",
-// "/sbin/powerOffVms", the service scripts, "/bin/zenkping", ...). Each kind of host says what they
-// are on it: the same program, or one of its own that does the same job.
+// The console names the host programs it runs by their documented paths and argument vectors
+// ("/bin/hcl-cmd", "/sbin/powerOffVms", the service scripts, "/bin/less", "/bin/openssl", ...). Each kind
+// of host says what they are on it: the same program, or one of its own that does the same job. Command
+// lines (HostFactory::Exec) are the platform's own to read.
 class HostPrograms {
   public:
     virtual ~HostPrograms() = default;

@@ -27,16 +27,6 @@
 
 namespace ZenkCtl {
 
-namespace {
-
-// The documented programs are the host's own.
-class HalvorPrograms : public HostCtl::HostPrograms {
-  public:
-    HostCtl::Program Resolve(const HostCtl::Program& documented) const override { return documented; }
-};
-
-}  // namespace
-
 HalvorHostFactory::HalvorHostFactory(std::shared_ptr<Store::HostStore> store) : _store(std::move(store)) {}
 
 void HalvorHostFactory::Initialize(const std::string& ident) {
@@ -108,9 +98,12 @@ std::unique_ptr<HostCtl::Resource::ResourceInfo> HalvorHostFactory::GetResourceI
     return std::make_unique<Resource::ResourceInfoImpl>(_store);
 }
 
+HostCtl::Program HalvorHostFactory::HalvorPrograms::Resolve(const HostCtl::Program& documented) const {
+    return documented;
+}
+
 const HostCtl::HostPrograms& HalvorHostFactory::Programs() const {
-    static const HalvorPrograms programs;
-    return programs;
+    return _programs;
 }
 
 int HalvorHostFactory::Exec(const std::string& commandLine) const {

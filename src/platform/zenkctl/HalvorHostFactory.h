@@ -42,7 +42,14 @@ class HalvorHostFactory : public HostCtl::HostFactory {
     int Exec(const std::string& commandLine) const override;
 
   private:
+    // The documented programs are the host's own.
+    class HalvorPrograms : public HostCtl::HostPrograms {
+      public:
+        HostCtl::Program Resolve(const HostCtl::Program& documented) const override;
+    };
+
     std::shared_ptr<Store::HostStore> _store;
+    HalvorPrograms _programs;
 };
 
 }  // namespace ZenkCtl

@@ -6,10 +6,6 @@
 
 namespace ZenkCtl {
 
-namespace {
-constexpr const char* kFaults = "/simulation/faults";
-}  // namespace
-
 StoreFaultSource::StoreFaultSource(std::shared_ptr<Store::HostStore> store) : _store(std::move(store)) {}
 
 std::optional<std::string> StoreFaultSource::Injected(const char* operation) const {
@@ -31,10 +27,14 @@ bool StoreFaultSource::CarriesFaults(const Store::HostStore& store) {
 }
 
 std::unique_ptr<HostCtl::HostFactory> MakeHalvorPlatform(std::shared_ptr<Store::HostStore> store) {
-    auto halvor = std::make_unique<HalvorHostFactory>(store);
-    if (!StoreFaultSource::CarriesFaults(*store)) return halvor;
-    return std::make_unique<HostCtl::Faults::FaultingHostFactory>(std::move(halvor),
-                                                                  std::make_shared<StoreFaultSource>(store));
+    if (!StoreFaultSource::CarriesFaults(*store)) return std::make_unique<HalvorHostFactory>(store);
+    return MakeSimulatedHalvorPlatform(store);
+}
+
+std::unique_ptr<HostCtl::HostFactory> MakeSimulatedHalvorPlatform(std::shared_ptr<Store::HostStore> store) {
+    auto faults = std::make_shared<StoreFaultSource>(store);
+    return std::make_unique<HostCtl::Faults::FaultingHostFactory>(std::make_unique<HalvorHostFactory>(store),
+                                                                  std::move(faults));
 }
 
 }  // namespace ZenkCtl

@@ -15,6 +15,8 @@ namespace ZenkCtl {
 // member. This is the one place the platform reads them.
 class StoreFaultSource : public HostCtl::Faults::FaultSource {
   public:
+    static constexpr const char* kFaults = "/simulation/faults";
+
     explicit StoreFaultSource(std::shared_ptr<Store::HostStore> store);
     // Nothing when the store cannot be read: the operation itself then reports that.
     std::optional<std::string> Injected(const char* operation) const override;
@@ -28,5 +30,7 @@ class StoreFaultSource : public HostCtl::Faults::FaultSource {
 // The platform of a Halvor host over `store`: the Halvor objects, and on a host whose store carries faults
 // the fault decorators around them. Which of the two is decided here, once.
 std::unique_ptr<HostCtl::HostFactory> MakeHalvorPlatform(std::shared_ptr<Store::HostStore> store);
+// The second of the two whatever the store carries now: a simulated host's platform.
+std::unique_ptr<HostCtl::HostFactory> MakeSimulatedHalvorPlatform(std::shared_ptr<Store::HostStore> store);
 
 }  // namespace ZenkCtl

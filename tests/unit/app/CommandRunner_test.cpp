@@ -8,6 +8,8 @@
 #include <chrono>
 #include <string>
 
+#include "platform/hostctl/HostPrograms.h"
+
 namespace Kovo {
 namespace {
 
@@ -28,6 +30,30 @@ ShellRun Sh(const std::string& script, int outCapacity = 4096, int timeout = 0,
     out.resize(static_cast<size_t>(outLen));
     err.resize(static_cast<size_t>(errLen));
     return {status, out, err};
+}
+
+// A host whose hcl-cmd is a shell line of its own, and which has nothing else.
+class RenamingPrograms : public HostCtl::HostPrograms {
+  public:
+    HostCtl::Program Resolve(const HostCtl::Program& documented) const override {
+        if (documented.path != "/bin/hcl-cmd") return documented;
+        HostCtl::Program own{"/bin/sh", {"sh", "-c", "echo \"$0 $*\"; exit 5", "own-tool"}};
+        own.argv.insert(own.argv.end(), documented.argv.begin() + 1, documented.argv.end());
+        return own;
+    }
+};
+
+TEST(CommandRunner, EveryProgramRunsAsTheInstalledPlatformSaysAndAsNamedWithoutOne) {
+    const RenamingPrograms programs;
+    InstallHostPrograms(&programs);
+    std::string out, err;
+    EXPECT_EQ(RunCaptured("/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "a/b"}, out, err, 256), 5);
+    EXPECT_EQ(out, "own-tool -U root a/b\n");
+    // Programs the platform keeps as they are still run, with their own arguments.
+    EXPECT_EQ(Sh("exit 3").status, 3);
+    InstallHostPrograms(nullptr);
+    EXPECT_NE(RunCaptured("/bin/hcl-cmd", {"hcl-cmd"}, out, err, 256),
+              5);  // this machine has no such program
 }
 
 TEST(CommandRunner, ReturnsExitStatusAndBothStreams) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -165,13 +166,25 @@ TEST_P(PlatformContract, TheIdentityNamesTheProductInTerminatedFields) {
     EXPECT_FALSE(names.version.empty());
 }
 
-TEST_P(PlatformContract, EveryDocumentedProgramResolvesToAProgramWithItsArguments) {
-    const HostCtl::Program documented{"/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "system/lockdown/get"}};
-    const HostCtl::Program resolved = host->Programs().Resolve(documented);
-    EXPECT_FALSE(resolved.path.empty());
-    ASSERT_FALSE(resolved.argv.empty());
-    // Whatever runs it, the question itself reaches the program.
-    EXPECT_EQ(resolved.argv.back(), "system/lockdown/get");
+TEST_P(PlatformContract, EveryDocumentedProgramResolvesToOneItCanRun) {
+    const std::vector<HostCtl::Program> documented{
+        {"/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "hclsvc/auth/lockdown_is_enabled"}},
+        {"/bin/powerOffVms", {"powerOffVms"}},
+        {"/sbin/powerOffVms", {"powerOffVms"}},
+        {"/bin/less", {"less", "/var/log/syslog.log"}},
+        {"/bin/openssl",
+         {"openssl", "x509", "-in", "/etc/halvor/ssl/host.crt", "-noout", "-fingerprint", "-sha1"}},
+        {"/sbin/backup.sh", {"backup.sh"}},
+    };
+    for (const auto& program : documented) {
+        SCOPED_TRACE(program.path);
+        const HostCtl::Program resolved = host->Programs().Resolve(program);
+        // An absolute path: the runner looks nothing up on a PATH, and a relative one would run whatever
+        // lies in the console's working directory.
+        ASSERT_FALSE(resolved.path.empty());
+        EXPECT_EQ(resolved.path.front(), '/');
+        EXPECT_FALSE(resolved.argv.empty());
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Halvor, PlatformContract,

@@ -16,7 +16,11 @@ using nlohmann::json;
 struct Move {
     explicit Move(const json& document) : store(Booted(document)), host(store.Get()), before(Network()) {}
     bool Run() {
+        // The management interface as the restore menu found it, before the host began to fail.
+        const json faults = store.At("/simulation/faults");
+        store.Get()->Update([](json& d) { d["simulation"]["faults"] = json::object(); });
         const auto nic = host.Network()->GetManagementInterface();
+        store.Get()->Update([&](json& d) { d["simulation"]["faults"] = faults; });
         return SafeModeNetwork(host, *nic).Run();
     }
     json Network() const { return store.At("/network"); }

@@ -12,9 +12,7 @@
 #include "../access/LoginTestScreen.h"
 #include "../platform/TempDir.h"
 #include "frames/HostAccess.h"
-#include "platform/faults/FaultingHostFactory.h"
 #include "platform/store/HostStore.h"
-#include "platform/zenkctl/HalvorHostFactory.h"
 #include "platform/zenkctl/StoreFaults.h"
 
 namespace Kovo::Testing {
@@ -30,10 +28,7 @@ class RecordingHost : public HostAccess {
     // Over the Halvor platform on `store`, whose operations fail as its "/simulation/faults" say, as on a
     // simulated host; without a store, no platform object can be had.
     explicit RecordingHost(std::shared_ptr<ZenkCtl::Store::HostStore> store = nullptr)
-        : HostAccess(store ? std::make_unique<HostCtl::Faults::FaultingHostFactory>(
-                                 std::make_unique<ZenkCtl::HalvorHostFactory>(store),
-                                 std::make_shared<ZenkCtl::StoreFaultSource>(store))
-                           : nullptr) {}
+        : HostAccess(store ? ZenkCtl::MakeSimulatedHalvorPlatform(std::move(store)) : nullptr) {}
 
     // Every call as one line: "<program>: argv..." for programs, "shell: <line>", "exec: <line>",
     // "query: <path>", "event: <text>", "powerOffVms[ --terminate]", "thread", "wait", "spin".

@@ -10,7 +10,11 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "../platform/TempDir.h"
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/store/HostStore.h"
+#include "platform/zenkctl/HalvorHostFactory.h"
+#include "text/HostPlatform.h"
 #include "text/StringFactory.h"
 #include "text/VersionLine.h"
 #include "text/en_US_Factory.h"
@@ -129,7 +133,19 @@ TEST(VersionLine, FieldsFillingAllTheirBytesDoNotRunIntoTheirNeighbours) {
                                              std::string(sizeof record.buildNumberString, '7') + ")");
 }
 
-// How the line is read from the host's record is the platform's and the end-to-end tests' business.
+TEST(VersionLine, TheHostsLineIsReadThroughTheInstalledPlatformAndWithoutOneItFails) {
+    InstallTextPlatform(nullptr);
+    EXPECT_THROW(ReadHostVersionLine(), HostCtl::Lib::HostCtlException);
+    TempDir dir;
+    auto store = std::make_shared<ZenkCtl::Store::HostStore>(dir.File("host.json"));
+    store->Replace(nlohmann::json::parse(R"({"system": {"version": {"productName": "Lab Host",
+        "productVersion": "2.0", "kernelRelease": "6.1.0", "buildNumber": 42}}})"));
+    const ZenkCtl::HalvorHostFactory platform(store);
+    InstallTextPlatform(&platform);
+    EXPECT_EQ(ReadHostVersionLine(), "Lab Host 2.0 (ZenKernel 6.1.0 Build 42)");
+    InstallTextPlatform(nullptr);
+}
+
 TEST(VersionLine, IsRetriedWhileTheHostFailsAndKeptOnceRead) {
     int calls = 0;
     bool hostReady = false;
