@@ -67,6 +67,7 @@ class RestoreDvs : public NetworkDialogs {
         store_ = std::make_unique<ScratchStore>(Booted(Scenario(scenario)));
         host_ = std::make_unique<RecordingNetworkHost>(store_->Get());
         nic_ = host_->Network()->GetManagementInterface();
+        ASSERT_NE(nic_, nullptr) << scenario << " has no management interface";
         before_ = Network();
     }
     Ran<RestoreDvsDialog> Open(const std::string& keys) { return Run<RestoreDvsDialog>(keys, *nic_, *host_); }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "../network/RecordingNetwork.h"
+#include "platform/zenkctl/ZenkNicImpl.h"
 
 namespace Kovo {
 namespace {
@@ -19,7 +20,11 @@ struct Move {
         // The management interface as the restore menu found it, before the host began to fail.
         const json faults = store.At("/simulation/faults");
         store.Get()->Update([](json& d) { d["simulation"]["faults"] = json::object(); });
-        const auto nic = host.Network()->GetManagementInterface();
+        std::unique_ptr<HostCtl::Network::ZenkNic> nic = host.Network()->GetManagementInterface();
+        // A host that has none by now: the interface the menu was handed, which the host no longer has.
+        if (!nic)
+            nic = std::make_unique<RecordingNic>(
+                std::make_unique<ZenkCtl::Network::ZenkNicImpl>("zk0", store.Get()), host.calls);
         store.Get()->Update([&](json& d) { d["simulation"]["faults"] = faults; });
         return SafeModeNetwork(host, *nic).Run();
     }
