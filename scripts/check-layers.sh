@@ -3,7 +3,7 @@
 # but themselves, or when anything above the platform but start-up reaches the Halvor implementations or
 # their store. The build refuses an upward include too (each layer's include root holds only itself);
 # this says which line, and covers headers no source happens to include.
-#   platform/hostctl <- platform/{faults,store,events} <- platform/zenkctl
+#   platform/hostctl <- platform/{faults,store,events} <- platform/{zenkctl,linux}
 #   <- terminal <- text <- frames <- screens/system <- screens/{access,network} <- screens/recovery
 #   <- screens/session <- main
 set -euo pipefail
@@ -14,7 +14,7 @@ rank() {
     case "$1" in
         platform/hostctl/*) echo 0 ;;
         platform/faults/* | platform/store/* | platform/events/*) echo 1 ;;
-        platform/zenkctl/*) echo 2 ;;
+        platform/zenkctl/* | platform/linux/*) echo 2 ;;
         terminal/*) echo 3 ;;
         text/*) echo 4 ;;
         frames/*) echo 5 ;;
@@ -48,9 +48,12 @@ while IFS= read -r file; do
                 fault "$file:$line: an interface includes \"$included\"" ;;
             screens/access/*:network/* | screens/network/*:access/*)
                 fault "$file:$line: access and network screens stay apart" ;;
+            platform/linux/*:platform/zenkctl/* | platform/linux/*:platform/store/* | \
+                platform/zenkctl/*:platform/linux/*)
+                fault "$file:$line: the two platforms stay apart" ;;
             platform/* | main/*:*) ;;
-            *:platform/zenkctl/* | *:platform/store/*)
-                fault "$file:$line: includes the Halvor platform \"$included\"; only the platform and start-up may" ;;
+            *:platform/zenkctl/* | *:platform/store/* | *:platform/linux/*)
+                fault "$file:$line: includes a platform implementation \"$included\"; only the platform and start-up may" ;;
         esac
     done < <(grep -no '^#include "[^"]*"' "$file" | sed -E 's/^([0-9]+):#include "(.*)"$/\1:\2/')
 done < <(find src -name '*.h' -o -name '*.cpp' -o -name '*.inc' | sort)
@@ -58,8 +61,8 @@ done < <(find src -name '*.h' -o -name '*.cpp' -o -name '*.inc' | sort)
 # Above the platform only start-up names an implementation or the store: everything else reaches the
 # host through the HostCtl interfaces that HostAccess hands out.
 while IFS= read -r hit; do
-    fault "$hit: names the Halvor platform; ask HostAccess (or the installed platform) instead"
-done < <(grep -rnE 'ZenkCtl::|HostStore' src --include='*.h' --include='*.cpp' --include='*.inc' |
+    fault "$hit: names a platform implementation; ask HostAccess (or the installed platform) instead"
+done < <(grep -rnE 'ZenkCtl::|HostStore|LinuxHost::' src --include='*.h' --include='*.cpp' --include='*.inc' |
     grep -vE '^src/(platform|main)/' || true)
 
 if [ "$faults" -ne 0 ]; then

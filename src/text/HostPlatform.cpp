@@ -19,7 +19,8 @@ const HostCtl::HostFactory& TextPlatform() {
 }
 
 std::string ReadHostVersionLine() {
-    return FormatVersionLine(TextPlatform().GetSystemIdentity()->GetVersionRecord());
+    auto identity = TextPlatform().GetSystemIdentity();
+    return FormatVersionLine(identity->GetVersionRecord(), identity->GetProductNames().kernel);
 }
 
 }  // namespace Kovo

@@ -152,9 +152,12 @@ std::string TextArea::GetQORProduct() {
 std::string TextArea::GetQORVersion() {
     try {
         auto record = ReadVersionRecord();
+        const std::string version = Field(record.productVersion, sizeof record.productVersion);
+        // A host whose releases carry no build number (a Linux distribution) shows its version alone.
+        if (record.buildNumber == 0) return version;
         char build[16];
         snprintf(build, sizeof build, "%05" PRIu32, record.buildNumber);
-        return Field(record.productVersion, sizeof record.productVersion) + " build-" + build;
+        return version + " build-" + build;
     } catch (const HostCtl::Lib::HostCtlException&) {
         return {};
     }

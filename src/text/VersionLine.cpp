@@ -16,8 +16,8 @@ std::string Field(const char (&field)[N]) {
 
 }  // namespace
 
-std::string FormatVersionLine(const HostCtl::Util::SysinfoVersionRecord& record) {
-    return Field(record.productName) + " " + Field(record.productVersion) + " (ZenKernel " +
+std::string FormatVersionLine(const HostCtl::Util::SysinfoVersionRecord& record, const std::string& kernel) {
+    return Field(record.productName) + " " + Field(record.productVersion) + " (" + kernel + " " +
            Field(record.kernelRelease) + " Build " + Field(record.buildNumberString) + ")";
 }
 

@@ -7,10 +7,11 @@
 
 namespace Kovo {
 
-// "<product> <version> (ZenKernel <kernel release> Build <build>)" from the host's version record.
+// "<product> <version> (<kernel> <kernel release> Build <build>)" from the host's version record and the
+// name of its kernel.
 // Each field is read up to its first NUL but never past its own bytes, so an unterminated field cannot
 // run into its neighbour.
-std::string FormatVersionLine(const HostCtl::Util::SysinfoVersionRecord& record);
+std::string FormatVersionLine(const HostCtl::Util::SysinfoVersionRecord& record, const std::string& kernel);
 
 // The host's version line, read on first need and then kept. While the host cannot report its version
 // (the source throws HostCtl::Lib::HostCtlException) the line is empty and the next Get() tries again.

@@ -28,9 +28,9 @@ struct SysinfoBootOptions {
 };
 static_assert(sizeof(SysinfoBootOptions) == 8, "the boot options record is 8 bytes");
 
-// The names the platform's own log lines carry.
+// The names the platform's own log lines carry, and the name of the host's kernel for the version line.
 struct ProductNames {
-    std::string name, version, build, option;
+    std::string name, version, build, option, kernel;
 };
 
 // Who the host is: its version record and boot options.

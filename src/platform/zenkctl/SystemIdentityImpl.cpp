@@ -29,7 +29,7 @@ HostCtl::Util::ProductNames SystemIdentityImpl::GetProductNames() {
     } catch (const HostCtl::Lib::HostCtlException& e) {
         Log_Warning("Using the built-in product identity: %s", e.what());
     }
-    return {id.productName, id.productVersion, id.BuildNumberString(), id.compilationOption};
+    return {id.productName, id.productVersion, id.BuildNumberString(), id.compilationOption, "ZenKernel"};
 }
 
 }  // namespace ZenkCtl::Util

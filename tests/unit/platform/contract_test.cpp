@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "LinuxHostTree.h"
 #include "TempDir.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/HostFactory.h"
@@ -23,9 +24,9 @@ using HostCtl::Network::Ipv6Address;
 
 namespace {
 
-// A host with a management interface on a static IPv4 address, on a standard switch that has one uplink
-// and carries `portGroup`; one physical NIC no switch holds; a host name, a domain, two name servers and a
-// search domain; the integer option "/UserVars/KovoTimeOut" between 0 and 86400.
+// A host with a management interface, a host name and the integer option "/UserVars/KovoTimeOut" between
+// 0 and 86400. For the network changes, the management interface is on a standard switch that has one
+// uplink and carries `portGroup`, beside one physical NIC no switch holds.
 struct ContractHost {
     std::string name;
     std::function<std::unique_ptr<HostCtl::HostFactory>(TempDir&)> make;
@@ -33,6 +34,11 @@ struct ContractHost {
     std::string portGroup;
     std::string freePnic;
 };
+
+// The host keeps the tree's kernel; its files stay in `dir`.
+std::unique_ptr<HostCtl::HostFactory> LinuxHostOf(TempDir& dir) {
+    return LinuxHostTree(dir).Host();
+}
 
 std::unique_ptr<HostCtl::HostFactory> HalvorHost(TempDir& dir) {
     std::ifstream in(std::string(KOVO_FIXTURES) + "/host.json");
@@ -48,6 +54,9 @@ class PlatformContract : public ::testing::TestWithParam<ContractHost> {
     std::unique_ptr<HostCtl::HostFactory> host;
 };
 
+// Management network changes: a platform joins once it makes them.
+class NetworkChangeContract : public PlatformContract {};
+
 TEST_P(PlatformContract, TheManagementInterfaceIsOneOfTheKernelInterfacesAndKeepsItsName) {
     auto network = host->GetNetworkInfo();
     const std::string name = network->GetManagementInterfaceName();
@@ -62,7 +71,7 @@ TEST_P(PlatformContract, TheManagementInterfaceIsOneOfTheKernelInterfacesAndKeep
     EXPECT_TRUE(listed);
 }
 
-TEST_P(PlatformContract, AnAddressSetIsReadBackAndABadOneIsRefusedWithoutAChange) {
+TEST_P(NetworkChangeContract, AnAddressSetIsReadBackAndABadOneIsRefusedWithoutAChange) {
     auto nic = host->GetNetworkInfo()->GetManagementInterface();
     ASSERT_NE(nic, nullptr);
     IpConfig config = nic->GetConfiguredIpConfig();
@@ -81,7 +90,7 @@ TEST_P(PlatformContract, AnAddressSetIsReadBackAndABadOneIsRefusedWithoutAChange
     EXPECT_EQ(again->GetConfiguredIpConfig().GetIpv4Netmask().GetStringAddress(), "255.255.0.0");
 }
 
-TEST_P(PlatformContract, TheMacAddressFollowsTheNicItIsTakenFrom) {
+TEST_P(NetworkChangeContract, TheMacAddressFollowsTheNicItIsTakenFrom) {
     auto nic = host->GetNetworkInfo()->GetManagementInterface();
     const auto pnic = host->GetPnic(GetParam().freePnic);
     nic->SetMacAddressFromPnic(*pnic);
@@ -89,7 +98,7 @@ TEST_P(PlatformContract, TheMacAddressFollowsTheNicItIsTakenFrom) {
     EXPECT_THROW(host->GetPnic("no-such-nic"), HostCtlException);
 }
 
-TEST_P(PlatformContract, NamesServersAndSearchDomainsReadBackInOrder) {
+TEST_P(NetworkChangeContract, NamesServersAndSearchDomainsReadBackInOrder) {
     auto dns = host->GetDnsConfig();
     dns->SetHostname("contract-1", false);
     dns->SetDomain("lab.example");
@@ -111,7 +120,7 @@ TEST_P(PlatformContract, NamesServersAndSearchDomainsReadBackInOrder) {
     EXPECT_EQ(fresh->GetSearchDomains(), (std::vector<std::string>{"b.example", "a.example"}));
 }
 
-TEST_P(PlatformContract, GatewaysReadBackAndNoneIsTheUnspecifiedAddress) {
+TEST_P(NetworkChangeContract, GatewaysReadBackAndNoneIsTheUnspecifiedAddress) {
     auto routing = host->GetRoutingInfo();
     routing->SetZenKernelDefaultGateway(Ipv4Address("10.1.1.1"), false);
     EXPECT_EQ(host->GetRoutingInfo()->GetZenKernelDefaultGateway().GetStringAddress(), "10.1.1.1");
@@ -120,7 +129,7 @@ TEST_P(PlatformContract, GatewaysReadBackAndNoneIsTheUnspecifiedAddress) {
     EXPECT_EQ(routing->GetIpv6ZenKernelDefaultGateway().GetScopedStringAddress(), "fe80::1%zk0");
 }
 
-TEST_P(PlatformContract, AnUplinkJoinsAndLeavesItsSwitchAndAFreeNicHasNoOwner) {
+TEST_P(NetworkChangeContract, AnUplinkJoinsAndLeavesItsSwitchAndAFreeNicHasNoOwner) {
     const ContractHost& shape = GetParam();
     auto switches = host->GetVirtualSwitchInfo();
     EXPECT_EQ(switches->FindUplinkOwner(shape.freePnic), "");
@@ -187,9 +196,12 @@ TEST_P(PlatformContract, EveryDocumentedProgramResolvesToOneItCanRun) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Halvor, PlatformContract,
-                         ::testing::Values(ContractHost{"Halvor", HalvorHost, "xSwitch0", "VM Network",
-                                                        "zennic2"}),
+const ContractHost kHalvor{"Halvor", HalvorHost, "xSwitch0", "VM Network", "zennic2"};
+const ContractHost kLinux{"Linux", LinuxHostOf, "", "", "ens3"};
+
+INSTANTIATE_TEST_SUITE_P(EveryPlatform, PlatformContract, ::testing::Values(kHalvor, kLinux),
+                         [](const auto& info) { return info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Halvor, NetworkChangeContract, ::testing::Values(kHalvor),
                          [](const auto& info) { return info.param.name; });
 
 }  // namespace

@@ -117,7 +117,7 @@ TEST(VersionLine, IsBuiltFromProductVersionKernelAndBuildFields) {
     Fill(record.kernelRelease, "6.1.0");
     Fill(record.buildNumberString, "4711");
     record.buildNumber = 99;  // the line shows the build's text field, not this number
-    EXPECT_EQ(FormatVersionLine(record), "KOVO Host 1.0.0 (ZenKernel 6.1.0 Build 4711)");
+    EXPECT_EQ(FormatVersionLine(record, "ZenKernel"), "KOVO Host 1.0.0 (ZenKernel 6.1.0 Build 4711)");
 }
 
 TEST(VersionLine, FieldsFillingAllTheirBytesDoNotRunIntoTheirNeighbours) {
@@ -129,8 +129,9 @@ TEST(VersionLine, FieldsFillingAllTheirBytesDoNotRunIntoTheirNeighbours) {
     Fill(record.kernelRelease, kernel);
     Fill(record.buildNumberString, std::string(sizeof record.buildNumberString, '7'));
     record.buildNumber = 0x41414141;  // would show as "AAAA" if the build field were over-read
-    EXPECT_EQ(FormatVersionLine(record), product + " 1.0.0 (ZenKernel " + kernel + " Build " +
-                                             std::string(sizeof record.buildNumberString, '7') + ")");
+    EXPECT_EQ(FormatVersionLine(record, "ZenKernel"), product + " 1.0.0 (ZenKernel " + kernel + " Build " +
+                                                          std::string(sizeof record.buildNumberString, '7') +
+                                                          ")");
 }
 
 TEST(VersionLine, TheHostsLineIsReadThroughTheInstalledPlatformAndWithoutOneItFails) {

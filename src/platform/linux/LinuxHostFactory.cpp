@@ -1,0 +1,141 @@
+#include "platform/linux/LinuxHostFactory.h"
+
+#include <syslog.h>
+
+#include <map>
+
+#include "platform/linux/LinuxDnsConfig.h"
+#include "platform/linux/LinuxHardwareInfo.h"
+#include "platform/linux/LinuxNetworkInfo.h"
+#include "platform/linux/LinuxNic.h"
+#include "platform/linux/LinuxOptions.h"
+#include "platform/linux/LinuxSystemIdentity.h"
+#include "platform/linux/NotAvailable.h"
+
+namespace LinuxHost {
+
+namespace {
+
+// Storage adapters are the host's disks' business, not the console's: none is named to it.
+class NoStorageAdapters : public HostCtl::Hardware::StorageInfo {
+  public:
+    std::string GetAdapterVersion(const std::string& adapter) override {
+        NotAvailable("Storage adapter " + adapter);
+    }
+    std::string GetAdapterDriver(const std::string& adapter) override {
+        NotAvailable("Storage adapter " + adapter);
+    }
+};
+
+// Smart-card login is a feature of the other kind of host: a Linux host shows no reader.
+class NoSmartCards : public HostCtl::Hardware::SmartCardInfo {
+  public:
+    std::vector<HostCtl::Hardware::SmartCardSlot> GetAllSlots() override { return {}; }
+    bool GetToken(const HostCtl::Hardware::SmartCardSlot&, HostCtl::Hardware::SmartCardToken&) override {
+        return false;
+    }
+};
+
+}  // namespace
+
+LinuxHostFactory::LinuxHostFactory(HostFiles files, std::shared_ptr<const KernelNetwork> kernel)
+    : _files(std::move(files)), _kernel(std::move(kernel)) {}
+
+void LinuxHostFactory::Initialize(const std::string& ident) {
+    const HostCtl::Util::ProductNames names = LinuxSystemIdentity(_files).GetProductNames();
+    syslog(LOG_INFO, "%s on %s %s (kernel build %s)", ident.c_str(), names.name.c_str(),
+           names.version.c_str(), names.build.c_str());
+}
+
+std::unique_ptr<HostCtl::Network::NetworkInfo> LinuxHostFactory::GetNetworkInfo() const {
+    return std::make_unique<LinuxNetworkInfo>(_files, _kernel);
+}
+std::unique_ptr<HostCtl::Network::DnsConfig> LinuxHostFactory::GetDnsConfig() const {
+    return std::make_unique<LinuxDnsConfig>(_files);
+}
+std::unique_ptr<HostCtl::Network::RoutingInfo> LinuxHostFactory::GetRoutingInfo() const {
+    return std::make_unique<LinuxRoutingInfo>(_kernel);
+}
+std::unique_ptr<HostCtl::Network::VirtualSwitchInfo> LinuxHostFactory::GetVirtualSwitchInfo() const {
+    NotAvailable("Switch configuration");
+}
+std::unique_ptr<HostCtl::Network::Pnic> LinuxHostFactory::GetPnic(const std::string& name) const {
+    for (const std::string& physical : LinuxInterfaces(_files).Physical())
+        if (physical == name) return std::make_unique<LinuxPnic>(name, _files);
+    throw HostCtl::Lib::HostCtlException("The host has no network adapter " + name);
+}
+std::unique_ptr<HostCtl::Network::DVPort> LinuxHostFactory::GetDvPort(const std::string&,
+                                                                      const std::string&) const {
+    NotAvailable("A distributed switch");
+}
+std::unique_ptr<HostCtl::Network::Portset> LinuxHostFactory::GetPortset() const {
+    NotAvailable("Switch configuration");
+}
+std::unique_ptr<HostCtl::Network::PortGroup> LinuxHostFactory::GetPortGroup() const {
+    NotAvailable("Switch configuration");
+}
+std::unique_ptr<HostCtl::Network::ZenKernelNicInfo> LinuxHostFactory::GetZenKernelNicInfo() const {
+    return std::make_unique<LinuxKernelNicInfo>(_files, _kernel);
+}
+std::unique_ptr<HostCtl::Network::HostsFile> LinuxHostFactory::GetHostsFile() const {
+    NotAvailable("Changing the host's name table from the console");
+}
+
+std::unique_ptr<HostCtl::System::SystemInfo> LinuxHostFactory::GetSystemInfo() const {
+    NotAvailable("Keyboard and service settings");
+}
+std::unique_ptr<HostCtl::Util::SystemIdentity> LinuxHostFactory::GetSystemIdentity() const {
+    return std::make_unique<LinuxSystemIdentity>(_files);
+}
+std::unique_ptr<HostCtl::Hardware::HardwareInfo> LinuxHostFactory::GetHardwareInfo() const {
+    return std::make_unique<LinuxHardwareInfo>(_files);
+}
+std::unique_ptr<HostCtl::Hardware::StorageInfo> LinuxHostFactory::GetStorageInfo() const {
+    return std::make_unique<NoStorageAdapters>();
+}
+std::unique_ptr<HostCtl::Hardware::CpuInfo> LinuxHostFactory::GetCpuInfo() const {
+    return std::make_unique<LinuxCpuInfo>(_files);
+}
+std::unique_ptr<HostCtl::Hardware::MemoryInfo> LinuxHostFactory::GetMemoryInfo() const {
+    return std::make_unique<LinuxMemoryInfo>(_files);
+}
+std::unique_ptr<HostCtl::Hardware::SmartCardInfo> LinuxHostFactory::GetSmartCardInfo() const {
+    return std::make_unique<NoSmartCards>();
+}
+std::unique_ptr<HostCtl::Adv::AdvancedOption> LinuxHostFactory::GetAdvancedOptions() const {
+    return std::make_unique<LinuxOptions>(_files.Under(LinuxOptions::kPath), false);
+}
+std::unique_ptr<HostCtl::Adv::AdvancedOption> LinuxHostFactory::GetUserAdvancedOptions() const {
+    return std::make_unique<LinuxOptions>(_files.Under(LinuxOptions::kPath), true);
+}
+std::unique_ptr<HostCtl::Resource::ResourceInfo> LinuxHostFactory::GetResourceInfo() const {
+    NotAvailable("Virtual machine information");
+}
+
+const HostCtl::HostPrograms& LinuxHostFactory::Programs() const {
+    return _programs;
+}
+
+int LinuxHostFactory::Exec(const std::string& commandLine) const {
+    // The command lines the screens hand over name the other kind of host's tools, which a Linux host
+    // does not have: the status says so as a shell would.
+    syslog(LOG_WARNING, "Not run on this host: %s", commandLine.c_str());
+    return 127;
+}
+
+HostCtl::Program LinuxHostFactory::LinuxPrograms::Resolve(const HostCtl::Program& documented) const {
+    static const std::map<std::string, std::string> paths{
+        {"/bin/less", "/usr/bin/less"},
+        {"/bin/openssl", "/usr/bin/openssl"},
+        {"/usr/lib/halvor/openssh/bin/ssh-keygen", "/usr/bin/ssh-keygen"},
+    };
+    const auto it = paths.find(documented.path);
+    if (it == paths.end()) return documented;
+    return {it->second, documented.argv};
+}
+
+std::unique_ptr<HostCtl::HostFactory> MakeLinuxPlatform() {
+    return std::make_unique<LinuxHostFactory>(HostFiles("/"), std::make_shared<NetlinkNetwork>());
+}
+
+}  // namespace LinuxHost

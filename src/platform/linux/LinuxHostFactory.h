@@ -1,0 +1,63 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/hostctl/HostFactory.h"
+#include "platform/linux/HostFiles.h"
+#include "platform/linux/KernelNetwork.h"
+
+namespace LinuxHost {
+
+// A Debian host that runs virtual machines: who it is and what it has from its own files (os-release,
+// sysfs, procfs), its network from the kernel. What such a host has no counterpart for fails with a
+// message that says so, and the screens show it.
+class LinuxHostFactory : public HostCtl::HostFactory {
+  public:
+    // `files` is the host's root ("/" in production); `kernel` answers for its addresses and routes.
+    LinuxHostFactory(HostFiles files, std::shared_ptr<const KernelNetwork> kernel);
+
+    void Initialize(const std::string& ident) override;
+
+    std::unique_ptr<HostCtl::Network::NetworkInfo> GetNetworkInfo() const override;
+    std::unique_ptr<HostCtl::Network::DnsConfig> GetDnsConfig() const override;
+    std::unique_ptr<HostCtl::Network::RoutingInfo> GetRoutingInfo() const override;
+    std::unique_ptr<HostCtl::Network::VirtualSwitchInfo> GetVirtualSwitchInfo() const override;
+    std::unique_ptr<HostCtl::Network::Pnic> GetPnic(const std::string& name) const override;
+    std::unique_ptr<HostCtl::Network::DVPort> GetDvPort(const std::string& dvsName,
+                                                        const std::string& portKey) const override;
+    std::unique_ptr<HostCtl::Network::Portset> GetPortset() const override;
+    std::unique_ptr<HostCtl::Network::PortGroup> GetPortGroup() const override;
+    std::unique_ptr<HostCtl::Network::ZenKernelNicInfo> GetZenKernelNicInfo() const override;
+    std::unique_ptr<HostCtl::Network::HostsFile> GetHostsFile() const override;
+
+    std::unique_ptr<HostCtl::System::SystemInfo> GetSystemInfo() const override;
+    std::unique_ptr<HostCtl::Util::SystemIdentity> GetSystemIdentity() const override;
+    std::unique_ptr<HostCtl::Hardware::HardwareInfo> GetHardwareInfo() const override;
+    std::unique_ptr<HostCtl::Hardware::StorageInfo> GetStorageInfo() const override;
+    std::unique_ptr<HostCtl::Hardware::CpuInfo> GetCpuInfo() const override;
+    std::unique_ptr<HostCtl::Hardware::MemoryInfo> GetMemoryInfo() const override;
+    std::unique_ptr<HostCtl::Hardware::SmartCardInfo> GetSmartCardInfo() const override;
+    std::unique_ptr<HostCtl::Adv::AdvancedOption> GetAdvancedOptions() const override;
+    std::unique_ptr<HostCtl::Adv::AdvancedOption> GetUserAdvancedOptions() const override;
+    std::unique_ptr<HostCtl::Resource::ResourceInfo> GetResourceInfo() const override;
+
+    const HostCtl::HostPrograms& Programs() const override;
+    int Exec(const std::string& commandLine) const override;
+
+  private:
+    // The programs a Debian host has under other paths; the rest are named as documented, and a program
+    // the host lacks fails to start where the screens run it.
+    class LinuxPrograms : public HostCtl::HostPrograms {
+      public:
+        HostCtl::Program Resolve(const HostCtl::Program& documented) const override;
+    };
+
+    HostFiles _files;
+    std::shared_ptr<const KernelNetwork> _kernel;
+    LinuxPrograms _programs;
+};
+
+// The Linux platform of the host the console runs on.
+std::unique_ptr<HostCtl::HostFactory> MakeLinuxPlatform();
+
+}  // namespace LinuxHost
