@@ -7,7 +7,7 @@ packages=(
   build-essential cmake ninja-build pkg-config git
   libncurses-dev ncurses-term libpam0g-dev
   libboost-filesystem-dev libboost-system-dev libboost-regex-dev nlohmann-json3-dev
-  libmnl-dev libsystemd-dev
+  libmnl-dev libsystemd-dev libvirt-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libvterm-dev libfaketime faketime
   clang libclang-rt-dev clang-format-14

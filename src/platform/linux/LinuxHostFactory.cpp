@@ -2,14 +2,13 @@
 
 #include <syslog.h>
 
-#include <map>
-
 #include "platform/linux/LinuxDnsConfig.h"
 #include "platform/linux/LinuxHardwareInfo.h"
 #include "platform/linux/LinuxNetworkInfo.h"
 #include "platform/linux/LinuxNic.h"
 #include "platform/linux/LinuxOptions.h"
 #include "platform/linux/LinuxSystemIdentity.h"
+#include "platform/linux/LinuxSystemInfo.h"
 #include "platform/linux/NotAvailable.h"
 
 namespace LinuxHost {
@@ -82,7 +81,7 @@ std::unique_ptr<HostCtl::Network::HostsFile> LinuxHostFactory::GetHostsFile() co
 }
 
 std::unique_ptr<HostCtl::System::SystemInfo> LinuxHostFactory::GetSystemInfo() const {
-    NotAvailable("Keyboard and service settings");
+    return std::make_unique<LinuxSystemInfo>(_files, [] { return std::make_unique<SystemServices>(); });
 }
 std::unique_ptr<HostCtl::Util::SystemIdentity> LinuxHostFactory::GetSystemIdentity() const {
     return std::make_unique<LinuxSystemIdentity>(_files);
@@ -109,7 +108,7 @@ std::unique_ptr<HostCtl::Adv::AdvancedOption> LinuxHostFactory::GetUserAdvancedO
     return std::make_unique<LinuxOptions>(_files.Under(LinuxOptions::kPath), true);
 }
 std::unique_ptr<HostCtl::Resource::ResourceInfo> LinuxHostFactory::GetResourceInfo() const {
-    NotAvailable("Virtual machine information");
+    return std::make_unique<LinuxResourceInfo>();
 }
 
 const HostCtl::HostPrograms& LinuxHostFactory::Programs() const {
@@ -117,21 +116,13 @@ const HostCtl::HostPrograms& LinuxHostFactory::Programs() const {
 }
 
 int LinuxHostFactory::Exec(const std::string& commandLine) const {
-    // The command lines the screens hand over name the other kind of host's tools, which a Linux host
-    // does not have: the status says so as a shell would.
-    syslog(LOG_WARNING, "Not run on this host: %s", commandLine.c_str());
-    return 127;
-}
-
-HostCtl::Program LinuxHostFactory::LinuxPrograms::Resolve(const HostCtl::Program& documented) const {
-    static const std::map<std::string, std::string> paths{
-        {"/bin/less", "/usr/bin/less"},
-        {"/bin/openssl", "/usr/bin/openssl"},
-        {"/usr/lib/halvor/openssh/bin/ssh-keygen", "/usr/bin/ssh-keygen"},
-    };
-    const auto it = paths.find(documented.path);
-    if (it == paths.end()) return documented;
-    return {it->second, documented.argv};
+    const std::optional<HostCtl::Program> program = LinuxPrograms::ResolveCommandLine(commandLine);
+    if (!program) {
+        // A tool of the other kind of host: the status says so as a shell would.
+        syslog(LOG_WARNING, "Not run on this host: %s", commandLine.c_str());
+        return 127;
+    }
+    return LinuxPrograms::RunDetached(*program);
 }
 
 std::unique_ptr<HostCtl::HostFactory> MakeLinuxPlatform() {

@@ -5,6 +5,7 @@
 #include "platform/hostctl/HostFactory.h"
 #include "platform/linux/HostFiles.h"
 #include "platform/linux/KernelNetwork.h"
+#include "platform/linux/LinuxPrograms.h"
 
 namespace LinuxHost {
 
@@ -45,13 +46,6 @@ class LinuxHostFactory : public HostCtl::HostFactory {
     int Exec(const std::string& commandLine) const override;
 
   private:
-    // The programs a Debian host has under other paths; the rest are named as documented, and a program
-    // the host lacks fails to start where the screens run it.
-    class LinuxPrograms : public HostCtl::HostPrograms {
-      public:
-        HostCtl::Program Resolve(const HostCtl::Program& documented) const override;
-    };
-
     HostFiles _files;
     std::shared_ptr<const KernelNetwork> _kernel;
     LinuxPrograms _programs;

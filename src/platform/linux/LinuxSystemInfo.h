@@ -1,0 +1,47 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "platform/hostctl/ResourceInfo.h"
+#include "platform/hostctl/SystemInfo.h"
+#include "platform/linux/HostFiles.h"
+#include "platform/linux/SystemServices.h"
+
+namespace LinuxHost {
+
+// Keyboard layouts as console keymaps set through the locale service, and the host's alerts. A Linux host
+// has no firewall rulesets of the console's kind.
+class LinuxSystemInfo : public HostCtl::System::SystemInfo {
+  public:
+    using Services = std::function<std::unique_ptr<SystemServices>()>;
+    static constexpr const char* kAlerts = "/run/kovo/alerts";
+
+    // `services` opens the system bus when a call needs it.
+    LinuxSystemInfo(HostFiles files, Services services);
+
+    std::string GetKeyboardLayout() override;
+    // The layouts whose keymap this host has, in the console's order.
+    std::vector<std::string> GetKeyboardLayouts() override;
+    void LoadKeyboardMappings(const std::string& layout) override;
+    void SetKeyboardLayout(const std::string& layout) override;
+    // Each alert is kept once, however often it is raised, until the host restarts.
+    void SetSystemAlert(const std::string& message) override;
+    std::vector<std::string> GetSystemAlerts() override;
+    std::unique_ptr<HostCtl::System::FirewallRuleset> GetFirewallRulesetById(const std::string& id) override;
+
+    // The console keymap behind a layout's name; "" for a name the console does not offer.
+    static std::string KeymapOf(const std::string& layout);
+
+  private:
+    HostFiles _files;
+    Services _services;
+};
+
+// Whether the host's hypervisor service runs any virtual machine.
+class LinuxResourceInfo : public HostCtl::Resource::ResourceInfo {
+  public:
+    bool HasRunningVirtualMachines() override;
+};
+
+}  // namespace LinuxHost

@@ -1,0 +1,167 @@
+// What the console's host programs become on a Linux host, and the jobs the host tool does without a
+// service manager: options, the shell's idle time-out, virtual machines on libvirt's test driver,
+// keyboard layouts and alerts.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "LinuxHostTree.h"
+#include "TempDir.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/linux/LinuxPrograms.h"
+#include "platform/linux/LinuxSystemInfo.h"
+#include "platform/linux/VirtualMachines.h"
+#include "platform/linux/hosttool/HostTool.h"
+
+using HostCtl::Program;
+using LinuxHost::LinuxPrograms;
+
+namespace {
+
+std::vector<std::string> Tool(std::vector<std::string> args) {
+    args.insert(args.begin(), "kovo-host");
+    return args;
+}
+
+TEST(LinuxPrograms, EachDocumentedProgramBecomesTheHostsWayOfDoingItsJob) {
+    const LinuxPrograms programs;
+    const struct {
+        Program documented;
+        Program expected;
+    } cases[] = {
+        {{"/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "hostsvc/start_ssh"}},
+         {LinuxPrograms::kHostTool, Tool({"service", "ssh", "start"})}},
+        {{"/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "hostsvc/disable_qor_shell"}},
+         {LinuxPrograms::kHostTool, Tool({"service", "shell", "disable"})}},
+        {{"/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "hclsvc/auth/lockdown_is_possible"}},
+         {LinuxPrograms::kHostTool, Tool({"query", "lockdown-possible"})}},
+        {{"/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "hclsvc/auth/lockdown_mode_enter"}},
+         {LinuxPrograms::kHostTool, Tool({"unavailable", "Lockdown mode"})}},
+        {{"/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "internalsvc/refresh"}}, {"/bin/true", {"true"}}},
+        {{"/bin/sh", {"sh", "/etc/init.d/SSH", "status"}},
+         {LinuxPrograms::kHostTool, Tool({"service", "ssh", "status"})}},
+        {{"/bin/sh", {"sh", "-c", "reboot"}}, {LinuxPrograms::kHostTool, Tool({"power", "reboot"})}},
+        {{"/bin/powerOffVms", {"powerOffVms", "--terminate"}},
+         {LinuxPrograms::kHostTool, Tool({"vms", "shutdown", "--force"})}},
+        {{"/sbin/powerOffVms", {"powerOffVms"}}, {LinuxPrograms::kHostTool, Tool({"vms", "shutdown"})}},
+        {{"/sbin/qorcfg-advcfg", {"qorcfg-advcfg", "-q", "-g", "/UserVars/QoriShellTimeOut"}},
+         {LinuxPrograms::kHostTool, Tool({"option", "get", "/UserVars/QoriShellTimeOut"})}},
+        {{"/sbin/qorlocalcli",
+          {"qorlocalcli", "system", "settings", "advanced", "set", "-o", "/UserVars/QoriShellTimeOut", "-i",
+           "600"}},
+         {LinuxPrograms::kHostTool, Tool({"option", "set", "/UserVars/QoriShellTimeOut", "600"})}},
+        {{"/bin/less", {"less", "/var/log/syslog.log"}}, {LinuxPrograms::kHostTool, Tool({"log", "syslog"})}},
+        {{"/bin/less", {"less", "/var/log/obsd.log"}},
+         {LinuxPrograms::kHostTool, Tool({"log", "observation"})}},
+        {{"/bin/less", {"less", "/tmp/report.txt"}}, {"/usr/bin/less", {"less", "/tmp/report.txt"}}},
+        {{"/sbin/backup.sh", {"backup.sh"}}, {"/bin/true", {"true"}}},
+        // A shell line the table does not know is run as written, never widened into something else.
+        {{"/bin/sh", {"sh", "-c", "poweroff; rm -rf /"}}, {"/bin/sh", {"sh", "-c", "poweroff; rm -rf /"}}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.documented.argv.back());
+        const Program resolved = programs.Resolve(c.documented);
+        EXPECT_EQ(resolved.path, c.expected.path);
+        EXPECT_EQ(resolved.argv, c.expected.argv);
+    }
+}
+
+TEST(LinuxPrograms, CommandLinesRunWithoutAShellOrNotAtAll) {
+    const auto agents = LinuxPrograms::ResolveCommandLine("/bin/sh /sbin/services.sh stop");
+    ASSERT_TRUE(agents);
+    EXPECT_EQ(agents->argv, Tool({"agents", "stop"}));
+    const auto ping = LinuxPrograms::ResolveCommandLine("/bin/zenkping -c 3 -I br0 192.168.77.1");
+    ASSERT_TRUE(ping);
+    EXPECT_EQ(ping->path, "/usr/bin/ping");
+    EXPECT_EQ(ping->argv, (std::vector<std::string>{"ping", "-c", "3", "-I", "br0", "192.168.77.1"}));
+    EXPECT_FALSE(LinuxPrograms::ResolveCommandLine("/sbin/firmwareConfig.py --reset-only"));
+    EXPECT_FALSE(LinuxPrograms::ResolveCommandLine("/bin/sh /sbin/services.sh stop; reboot"));
+
+    EXPECT_EQ(LinuxPrograms::RunDetached({"/bin/sh", {"sh", "-c", "exit 7"}}), 7);
+    EXPECT_EQ(LinuxPrograms::RunDetached({"/no/such/program", {"x"}}), 127);
+}
+
+class HostToolTest : public ::testing::Test {
+  protected:
+    TempDir dir;
+    LinuxHostTree tree{dir};
+    LinuxHost::HostTool tool{tree.Files()};
+
+    std::string Output(const std::vector<std::string>& args, int* status = nullptr) {
+        testing::internal::CaptureStdout();
+        const int result = tool.Run(args);
+        if (status) *status = result;
+        return testing::internal::GetCapturedStdout();
+    }
+};
+
+TEST_F(HostToolTest, TimeOutsAreKeptAndTheIdleOneReachesLoginShells) {
+    EXPECT_EQ(Output({"option", "get", "/UserVars/QoriShellTimeOut"}), "0\n");
+    EXPECT_EQ(tool.Run({"option", "set", "/UserVars/QoriShellTimeOut", "900"}), 0);
+    EXPECT_EQ(Output({"option", "get", "/UserVars/QoriShellTimeOut"}), "900\n");
+
+    EXPECT_EQ(tool.Run({"option", "set", "/UserVars/QoriShellInteractiveTimeOut", "300"}), 0);
+    const auto profile = tree.Files().Read("/etc/profile.d/kovo-shell-timeout.sh");
+    ASSERT_TRUE(profile);
+    EXPECT_NE(profile->find("TMOUT=300\n"), std::string::npos);
+    EXPECT_EQ(tool.Run({"option", "set", "/UserVars/QoriShellInteractiveTimeOut", "0"}), 0);
+    EXPECT_FALSE(tree.Files().Exists("/etc/profile.d/kovo-shell-timeout.sh"));
+
+    // Out of range, not a number, or no such option: refused, and the kept value stays.
+    EXPECT_EQ(tool.Run({"option", "set", "/UserVars/QoriShellTimeOut", "86401"}), 1);
+    EXPECT_EQ(tool.Run({"option", "set", "/UserVars/QoriShellTimeOut", "12abc"}), 2);
+    EXPECT_EQ(tool.Run({"option", "set", "/UserVars/NoSuch", "1"}), 2);
+    EXPECT_EQ(Output({"option", "get", "/UserVars/QoriShellTimeOut"}), "900\n");
+}
+
+TEST_F(HostToolTest, LockdownIsNeverOnAndUnknownJobsAreRefused) {
+    EXPECT_EQ(Output({"query", "lockdown-enabled"}), "false\n");
+    EXPECT_EQ(tool.Run({"unavailable", "Lockdown mode"}), 1);
+    EXPECT_EQ(tool.Run({}), 2);
+    EXPECT_EQ(tool.Run({"service", "telnet", "start"}), 2);
+    EXPECT_EQ(tool.Run({"power", "sideways"}), 2);
+    EXPECT_EQ(tool.Run({"vms", "shutdown", "--gently"}), 2);
+    EXPECT_EQ(LinuxHost::HostTool::UnitOf("ssh"), "ssh.service");
+    EXPECT_TRUE(LinuxHost::HostTool::JournalOf("observation").empty());
+    EXPECT_EQ(LinuxHost::HostTool::JournalOf("kernel").back(), "--dmesg");
+}
+
+TEST(VirtualMachines, RunningMachinesAreAskedToShutDown) {
+    // libvirt's test driver starts with one running machine in every new connection.
+    const LinuxHost::VirtualMachines vms("test:///default");
+    EXPECT_EQ(vms.CountRunning(), 1);
+    EXPECT_EQ(vms.ShutDown(false, 5), 0);
+    EXPECT_THROW(LinuxHost::VirtualMachines("test:///no/such/file.xml").CountRunning(),
+                 HostCtl::Lib::HostCtlException);
+}
+
+class LinuxSystemInfoTest : public ::testing::Test {
+  protected:
+    TempDir dir;
+    LinuxHostTree tree{dir};
+    // No call here may reach the system bus.
+    LinuxHost::LinuxSystemInfo info{tree.Files(), []() -> std::unique_ptr<LinuxHost::SystemServices> {
+                                        throw HostCtl::Lib::HostCtlException("no bus in tests");
+                                    }};
+};
+
+TEST_F(LinuxSystemInfoTest, OnlyLayoutsWhoseKeymapTheHostHasAreOffered) {
+    EXPECT_TRUE(info.GetKeyboardLayouts().empty());
+    tree.Write("/usr/share/keymaps/i386/qwerty/us.kmap.gz", "");
+    tree.Write("/usr/share/keymaps/i386/qwertz/de-latin1.kmap.gz", "");
+    tree.Write("/usr/share/keymaps/i386/qwertz/de.kmap.gz", "");
+    EXPECT_EQ(info.GetKeyboardLayouts(), (std::vector<std::string>{"German", "US Default"}));
+    EXPECT_EQ(LinuxHost::LinuxSystemInfo::KeymapOf("Swiss German"), "sg-latin1");
+    EXPECT_THROW(info.SetKeyboardLayout("Klingon"), HostCtl::Lib::HostCtlException);
+    EXPECT_THROW(info.LoadKeyboardMappings("Klingon"), HostCtl::Lib::HostCtlException);
+}
+
+TEST_F(LinuxSystemInfoTest, AnAlertRaisedAgainAndAgainIsKeptOnce) {
+    for (int i = 0; i < 50; ++i) info.SetSystemAlert("No network adapters were detected");
+    info.SetSystemAlert("Agent core dump completed");
+    EXPECT_EQ(info.GetSystemAlerts(),
+              (std::vector<std::string>{"No network adapters were detected", "Agent core dump completed"}));
+    EXPECT_THROW(info.GetFirewallRulesetById("sshServer"), HostCtl::Lib::HostCtlException);
+}
+
+}  // namespace
