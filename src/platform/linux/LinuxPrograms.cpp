@@ -75,6 +75,9 @@ Program LinuxPrograms::Resolve(const Program& documented) const {
         if (a[1] == "/etc/init.d/QorShell") return Tool({"service", "shell", a[2]});
         if (a[1] == "-c" && a[2] == "poweroff") return Tool({"power", "off"});
         if (a[1] == "-c" && a[2] == "reboot") return Tool({"power", "reboot"});
+        // Resetting a Debian host to its first state is a reinstallation, not a console's job.
+        if (a[1] == "-c" && a[2].rfind("/sbin/firmwareConfig.py --reset-only", 0) == 0)
+            return Tool({"unavailable", "Resetting the configuration"});
     }
     if (path == "/bin/powerOffVms" || path == "/sbin/powerOffVms") {
         const bool force = a.size() == 2 && a[1] == "--terminate";

@@ -55,6 +55,8 @@ TEST(LinuxPrograms, EachDocumentedProgramBecomesTheHostsWayOfDoingItsJob) {
          {LinuxPrograms::kHostTool, Tool({"log", "observation"})}},
         {{"/bin/less", {"less", "/tmp/report.txt"}}, {"/usr/bin/less", {"less", "/tmp/report.txt"}}},
         {{"/sbin/backup.sh", {"backup.sh"}}, {"/bin/true", {"true"}}},
+        {{"/bin/sh", {"sh", "-c", "/sbin/firmwareConfig.py --reset-only > /dev/null 2>&1"}},
+         {LinuxPrograms::kHostTool, Tool({"unavailable", "Resetting the configuration"})}},
         // A shell line the table does not know is run as written, never widened into something else.
         {{"/bin/sh", {"sh", "-c", "poweroff; rm -rf /"}}, {"/bin/sh", {"sh", "-c", "poweroff; rm -rf /"}}},
     };
