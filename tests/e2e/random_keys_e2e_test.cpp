@@ -119,6 +119,9 @@ void ExpectWhole(HostConsole& host) {
         } else {
             term.Type("q");
             term.Press(Key::Escape);
+            // A lone Esc counts only once the console's Esc delay has passed with no key after it; a key
+            // sooner makes the two one Alt key, which backs out of nothing.
+            term.Pause(500ms);
         }
         term.WaitForQuiet(300ms, 20000ms);
     }
