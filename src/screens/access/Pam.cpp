@@ -2,6 +2,7 @@
 
 #include <security/pam_appl.h>
 #include <string.h>
+#include <unistd.h>
 
 #include <cstdlib>
 
@@ -30,6 +31,15 @@ void FreeResponses(pam_response* responses, int count) {
         }
     }
     free(responses);
+}
+
+// Names the terminal the operator sits at ("tty1", "ttyS0"), as login does: the host's modules log it,
+// pam_faillock records it as the source of a failure, and pam_securetty or pam_access decide by it.
+void SetTerminal(pam_handle_t* handle) {
+    const char* path = ttyname(STDIN_FILENO);
+    if (!path) return;
+    if (strncmp(path, "/dev/", 5) == 0) path += 5;
+    pam_set_item(handle, PAM_TTY, path);
 }
 
 }  // namespace
@@ -66,6 +76,7 @@ int PamAuthenticate(const std::string& user, const std::string& password) {
     pam_handle_t* handle = nullptr;
     int status = pam_start(KOVO_APP, user.c_str(), &conversation, &handle);
     if (status == PAM_SUCCESS) {
+        SetTerminal(handle);
         status = pam_authenticate(handle, PAM_SILENT);
         if (status == PAM_SUCCESS) status = pam_acct_mgmt(handle, PAM_SILENT);
     }
@@ -84,6 +95,7 @@ bool PamChangePassword(const std::string& user, const std::string& oldPassword,
         if (handle) pam_end(handle, status);
         return false;
     }
+    SetTerminal(handle);
     status = pam_authenticate(handle, PAM_SILENT);
     // An expired password still proves who the user is: that is exactly when it must be changed.
     if (status == PAM_SUCCESS || status == PAM_NEW_AUTHTOK_REQD) status = pam_acct_mgmt(handle, PAM_SILENT);
