@@ -13,6 +13,8 @@ packages=(
   clang libclang-rt-dev clang-format-14
   util-linux iproute2 dnsmasq-base less openssl openssh-client procps locales
   whiptail
+  # the Debian package (scripts/package.sh) and the check of its manual page (tests/package)
+  dpkg-dev groff-base man-db
 )
 
 missing=()
