@@ -15,6 +15,8 @@ packages=(
   whiptail
   # the Debian package (scripts/package.sh) and the check of its manual page (tests/package)
   dpkg-dev groff-base man-db
+  # the Debian 12 guest (guest/kovo-vm): its root, the x86 emulator alone, overlays, the guest agent client
+  mmdebstrap qemu-system-x86 qemu-utils e2fsprogs python3
 )
 
 missing=()
