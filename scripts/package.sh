@@ -20,7 +20,7 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DKOVO_WERROR=OFF -DB
   -DCMAKE_C_FLAGS="$cppflags $(dpkg-buildflags --get CFLAGS)" -DCMAKE_C_FLAGS_RELEASE=-DNDEBUG \
   -DCMAKE_CXX_FLAGS="$cppflags $(dpkg-buildflags --get CXXFLAGS)" -DCMAKE_CXX_FLAGS_RELEASE=-DNDEBUG \
   -DCMAKE_EXE_LINKER_FLAGS="$(dpkg-buildflags --get LDFLAGS)" >/dev/null
-cmake --build "$build" --target kovo -j "$(nproc)"
+cmake --build "$build" --target kovo kovo-host -j "$(nproc)"
 rm -f "$build"/kovo_*.deb
 cpack --config "$build/CPackConfig.cmake" -B "$build"
 deb=$(ls "$build"/kovo_*.deb)

@@ -23,6 +23,7 @@ rm -f "$dest.log"
 expected="/etc/pam.d/kovo 644
 /usr/lib/systemd/journald.conf.d/kovo.conf 644
 /usr/lib/systemd/system/kovo@.service 644
+/usr/libexec/kovo/kovo-host 755
 /usr/sbin/kovo 755
 /usr/share/man/man8/kovo.8.gz 644"
 actual=$(cd "$dest" && find . -type f -printf '/%P %m\n' | sort)

@@ -28,6 +28,8 @@ class SystemInfo {
     virtual void SetKeyboardLayout(const std::string& layout) = 0;
     virtual void SetSystemAlert(const std::string& message) = 0;
     virtual std::vector<std::string> GetSystemAlerts() = 0;
+    // Whether the host lets operators log in at its console at all (the login itself is PAM's to allow).
+    virtual bool IsConsoleLoginAllowed() = 0;
     // HostCtl::Lib::HostCtlException when the host has no ruleset of that id.
     virtual std::unique_ptr<FirewallRuleset> GetFirewallRulesetById(const std::string& id) = 0;
 };

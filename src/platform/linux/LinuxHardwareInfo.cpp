@@ -97,7 +97,7 @@ LinuxCpuInfo::Counts LinuxCpuInfo::Read() const {
     while (std::getline(lines, line)) {
         if (!CpuField(line, "processor").empty()) {
             ++counts.threads;
-            package = "0";  // a processor without "physical id" sits in the one package there is
+            package.assign(1, '0');  // a processor without "physical id" sits in the one package there is
         } else if (std::string id = CpuField(line, "physical id"); !id.empty()) {
             package = id;
             packages.insert(id);

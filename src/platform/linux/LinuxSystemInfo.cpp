@@ -130,6 +130,10 @@ std::vector<std::string> LinuxSystemInfo::GetSystemAlerts() {
     return alerts;
 }
 
+bool LinuxSystemInfo::IsConsoleLoginAllowed() {
+    return true;
+}
+
 std::unique_ptr<HostCtl::System::FirewallRuleset> LinuxSystemInfo::GetFirewallRulesetById(
     const std::string& id) {
     NotAvailable("The firewall ruleset " + id);

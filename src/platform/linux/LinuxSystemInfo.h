@@ -28,6 +28,8 @@ class LinuxSystemInfo : public HostCtl::System::SystemInfo {
     // Each alert is kept once, however often it is raised, until the host restarts.
     void SetSystemAlert(const std::string& message) override;
     std::vector<std::string> GetSystemAlerts() override;
+    // Always: who may log in is the host's PAM stack's to decide.
+    bool IsConsoleLoginAllowed() override;
     std::unique_ptr<HostCtl::System::FirewallRuleset> GetFirewallRulesetById(const std::string& id) override;
 
     // The console keymap behind a layout's name; "" for a name the console does not offer.

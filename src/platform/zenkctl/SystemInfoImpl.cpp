@@ -1,5 +1,7 @@
 #include "platform/zenkctl/SystemInfoImpl.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <ctime>
 
@@ -54,6 +56,10 @@ std::vector<std::string> SystemInfoImpl::GetSystemAlerts() {
         for (const auto& a : list) alerts.push_back(Json::Text(a, "message"));
     }
     return alerts;
+}
+
+bool SystemInfoImpl::IsConsoleLoginAllowed() {
+    return access("/var/run/halvor/show-kovo-login", F_OK) == 0;
 }
 
 std::unique_ptr<HostCtl::System::FirewallRuleset> SystemInfoImpl::GetFirewallRulesetById(

@@ -41,8 +41,6 @@ constexpr const char* kNoAdapter =
     "for "
     "a list of supported adapters.";
 constexpr const char* kNoAdapterAlert = "No compatible network adapter found.";
-// Present while the host allows logins at its console.
-constexpr const char* kLoginMarker = "/var/run/halvor/show-kovo-login";
 
 enum StringId : unsigned {
     kCustomizeSystem = 0,
@@ -240,7 +238,13 @@ int WelcomeWindow::HandleKey() {
 }
 
 bool WelcomeWindow::LoginAllowed() {
-    return access(kLoginMarker, F_OK) == 0;
+    try {
+        return _host.SystemInfo()->IsConsoleLoginAllowed();
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        // A host that cannot say keeps its console closed, as one without the permission would.
+        syslog(LOG_ERR, "Cannot tell whether console logins are allowed: %s", e.what());
+        return false;
+    }
 }
 
 void WelcomeWindow::RunSession(bool customize) {

@@ -27,7 +27,7 @@ class WelcomeWindow : public Frame {
     std::string AddressText();
 
   private:
-    static bool LoginAllowed();
+    bool LoginAllowed();
     // One login round: the login dialog, then the menu (F2) or the shutdown dialog (F12).
     void RunSession(bool customize);
     std::string ProductBlock() const;
