@@ -63,7 +63,10 @@ class Agent:
             line, newline, rest = self.buf.partition(b"\n")
             if newline:
                 self.buf = rest
-                return json.loads(line)
+                try:
+                    return json.loads(line)
+                except ValueError:
+                    continue  # the tail of a reply cut short for an earlier client
             self._fill()
 
     def sync(self):
@@ -140,6 +143,9 @@ def exec_command(args):
     except AgentError as e:
         print(f"agent: {args.command[0]}: {e}", file=sys.stderr)
         return 127
+    except AgentGone as e:
+        print(f"agent: {e}", file=sys.stderr)
+        return 255
     delay = 0.005
     try:
         while True:
