@@ -2,6 +2,8 @@
 
 #include <syslog.h>
 
+#include <mutex>
+
 #include "platform/linux/LinuxDnsConfig.h"
 #include "platform/linux/LinuxHardwareInfo.h"
 #include "platform/linux/LinuxNetworkInfo.h"
@@ -9,6 +11,7 @@
 #include "platform/linux/LinuxOptions.h"
 #include "platform/linux/LinuxSystemIdentity.h"
 #include "platform/linux/LinuxSystemInfo.h"
+#include "platform/linux/NetworkWatcher.h"
 #include "platform/linux/NotAvailable.h"
 
 namespace LinuxHost {
@@ -37,8 +40,9 @@ class NoSmartCards : public HostCtl::Hardware::SmartCardInfo {
 
 }  // namespace
 
-LinuxHostFactory::LinuxHostFactory(HostFiles files, std::shared_ptr<const KernelNetwork> kernel)
-    : _files(std::move(files)), _kernel(std::move(kernel)) {}
+LinuxHostFactory::LinuxHostFactory(HostFiles files, std::shared_ptr<const KernelNetwork> kernel,
+                                   bool followChanges)
+    : _files(std::move(files)), _kernel(std::move(kernel)), _followChanges(followChanges) {}
 
 void LinuxHostFactory::Initialize(const std::string& ident) {
     const HostCtl::Util::ProductNames names = LinuxSystemIdentity(_files).GetProductNames();
@@ -47,6 +51,10 @@ void LinuxHostFactory::Initialize(const std::string& ident) {
 }
 
 std::unique_ptr<HostCtl::Network::NetworkInfo> LinuxHostFactory::GetNetworkInfo() const {
+    // Started by the first screen that shows the network, not at start-up: by then the console waits for
+    // its signals on a thread of its own, and a change reported sooner would meet no one waiting for it.
+    static std::once_flag watching;
+    if (_followChanges) std::call_once(watching, StartNetworkWatcher);
     return std::make_unique<LinuxNetworkInfo>(_files, _kernel);
 }
 std::unique_ptr<HostCtl::Network::DnsConfig> LinuxHostFactory::GetDnsConfig() const {
@@ -126,7 +134,7 @@ int LinuxHostFactory::Exec(const std::string& commandLine) const {
 }
 
 std::unique_ptr<HostCtl::HostFactory> MakeLinuxPlatform() {
-    return std::make_unique<LinuxHostFactory>(HostFiles("/"), std::make_shared<NetlinkNetwork>());
+    return std::make_unique<LinuxHostFactory>(HostFiles("/"), std::make_shared<NetlinkNetwork>(), true);
 }
 
 }  // namespace LinuxHost

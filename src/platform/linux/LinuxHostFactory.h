@@ -15,7 +15,9 @@ namespace LinuxHost {
 class LinuxHostFactory : public HostCtl::HostFactory {
   public:
     // `files` is the host's root ("/" in production); `kernel` answers for its addresses and routes.
-    LinuxHostFactory(HostFiles files, std::shared_ptr<const KernelNetwork> kernel);
+    // `followChanges`: the console's own process is told (SIGUSR1) when the network changes.
+    LinuxHostFactory(HostFiles files, std::shared_ptr<const KernelNetwork> kernel,
+                     bool followChanges = false);
 
     void Initialize(const std::string& ident) override;
 
@@ -48,6 +50,7 @@ class LinuxHostFactory : public HostCtl::HostFactory {
   private:
     HostFiles _files;
     std::shared_ptr<const KernelNetwork> _kernel;
+    bool _followChanges;
     LinuxPrograms _programs;
 };
 
