@@ -353,6 +353,7 @@ class FaultingSystemInfo : public System::SystemInfo {
     void SetSystemAlert(const std::string& message) override { _inner->SetSystemAlert(message); }
     std::vector<std::string> GetSystemAlerts() override { return _inner->GetSystemAlerts(); }
     bool IsConsoleLoginAllowed() override { return _inner->IsConsoleLoginAllowed(); }
+    bool IsLogKept(const std::string& path) override { return _inner->IsLogKept(path); }
     std::unique_ptr<System::FirewallRuleset> GetFirewallRulesetById(const std::string& id) override {
         return _inner->GetFirewallRulesetById(id);
     }

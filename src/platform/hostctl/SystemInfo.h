@@ -28,6 +28,9 @@ class SystemInfo {
     virtual void SetKeyboardLayout(const std::string& layout) = 0;
     virtual void SetSystemAlert(const std::string& message) = 0;
     virtual std::vector<std::string> GetSystemAlerts() = 0;
+    // Whether the host keeps the log the console names by `path` ("/var/log/syslog.log"), so that the
+    // pager can show it.
+    virtual bool IsLogKept(const std::string& path) = 0;
     // Whether the host lets operators log in at its console at all (the login itself is PAM's to allow).
     virtual bool IsConsoleLoginAllowed() = 0;
     // HostCtl::Lib::HostCtlException when the host has no ruleset of that id.

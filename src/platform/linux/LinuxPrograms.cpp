@@ -43,19 +43,22 @@ Program AgentCommand(const std::string& command) {
     return Tool({"unavailable", command});
 }
 
-// The log files the pager is pointed at, by the journal's view of the same thing.
-Program Pager(const Program& documented) {
+// The log files the pager is pointed at, by the journal's view of the same lines. The others (the
+// agents this host does not run) are not kept here.
+const std::map<std::string, std::string>& JournalLogs() {
     static const std::map<std::string, std::string> logs{
         {"/var/log/syslog.log", "syslog"},
         {"/var/log/zenkernel.log", "kernel"},
         {"/var/log/sysboot.log", "boot"},
         {"/var/log/hagentd.log", "agent"},
-        {"/var/log/hostagent2.log", "central management agent"},
-        {"/var/log/haagent.log", "high availability agent"},
-        {"/var/log/obsd.log", "observation"},
     };
+    return logs;
+}
+
+Program Pager(const Program& documented) {
     if (documented.argv.size() == 2)
-        if (const auto it = logs.find(documented.argv[1]); it != logs.end()) return Tool({"log", it->second});
+        if (const auto it = JournalLogs().find(documented.argv[1]); it != JournalLogs().end())
+            return Tool({"log", it->second});
     return {"/usr/bin/less", documented.argv};
 }
 
@@ -92,6 +95,10 @@ Program LinuxPrograms::Resolve(const Program& documented) const {
     if (path == "/bin/openssl") return {"/usr/bin/openssl", a};
     if (path == "/usr/lib/halvor/openssh/bin/ssh-keygen") return {"/usr/bin/ssh-keygen", a};
     return documented;
+}
+
+bool LinuxPrograms::IsJournalLog(const std::string& path) {
+    return JournalLogs().count(path) != 0;
 }
 
 std::optional<Program> LinuxPrograms::ResolveCommandLine(const std::string& commandLine) {

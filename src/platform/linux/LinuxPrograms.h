@@ -16,6 +16,8 @@ class LinuxPrograms : public HostCtl::HostPrograms {
     static constexpr const char* kHostTool = "/usr/libexec/kovo/kovo-host";
 
     HostCtl::Program Resolve(const HostCtl::Program& documented) const override;
+    // The logs the console names that the journal keeps on this host.
+    static bool IsJournalLog(const std::string& path);
     // The platform's command lines (HostFactory::Exec) this host can run; nullopt for the others.
     static std::optional<HostCtl::Program> ResolveCommandLine(const std::string& commandLine);
     // Runs a program with no terminal and no input, in a session of its own so that no key at the console

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/linux/LinuxPrograms.h"
 #include "platform/linux/NotAvailable.h"
 #include "platform/linux/VirtualMachines.h"
 
@@ -128,6 +129,10 @@ std::vector<std::string> LinuxSystemInfo::GetSystemAlerts() {
     for (std::string line; std::getline(lines, line);)
         if (!line.empty()) alerts.push_back(line);
     return alerts;
+}
+
+bool LinuxSystemInfo::IsLogKept(const std::string& path) {
+    return LinuxPrograms::IsJournalLog(path);
 }
 
 bool LinuxSystemInfo::IsConsoleLoginAllowed() {

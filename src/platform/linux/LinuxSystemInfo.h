@@ -30,6 +30,8 @@ class LinuxSystemInfo : public HostCtl::System::SystemInfo {
     std::vector<std::string> GetSystemAlerts() override;
     // Always: who may log in is the host's PAM stack's to decide.
     bool IsConsoleLoginAllowed() override;
+    // The logs the journal holds the same lines as.
+    bool IsLogKept(const std::string& path) override;
     std::unique_ptr<HostCtl::System::FirewallRuleset> GetFirewallRulesetById(const std::string& id) override;
 
     // The console keymap behind a layout's name; "" for a name the console does not offer.

@@ -1,5 +1,6 @@
 #include "platform/zenkctl/SystemInfoImpl.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -56,6 +57,11 @@ std::vector<std::string> SystemInfoImpl::GetSystemAlerts() {
         for (const auto& a : list) alerts.push_back(Json::Text(a, "message"));
     }
     return alerts;
+}
+
+bool SystemInfoImpl::IsLogKept(const std::string& path) {
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) && access(path.c_str(), R_OK) == 0;
 }
 
 bool SystemInfoImpl::IsConsoleLoginAllowed() {

@@ -26,6 +26,8 @@ class SystemInfoImpl : public HostCtl::System::SystemInfo {
     std::vector<std::string> GetSystemAlerts() override;
     // While the host's agent leaves "/var/run/halvor/show-kovo-login" in place.
     bool IsConsoleLoginAllowed() override;
+    // A readable regular file at that path.
+    bool IsLogKept(const std::string& path) override;
 
     // HostCtlException when the host has no such ruleset.
     std::unique_ptr<HostCtl::System::FirewallRuleset> GetFirewallRulesetById(const std::string& id) override;

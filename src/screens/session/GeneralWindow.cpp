@@ -190,7 +190,13 @@ void GeneralWindow::DrawDetails() {
             text = strings.GetString(kKeyboardHelp);
             break;
         case kViewSystemLogs:
-            _logs.Refresh();
+            _logs.Refresh([this](const std::string& path) {
+                try {
+                    return _host.SystemInfo()->IsLogKept(path);
+                } catch (const HostCtl::Lib::HostCtlException&) {
+                    return false;  // a host that cannot say offers no log rather than a broken one
+                }
+            });
             text = _logs.Details(strings);
             footer.clear();
             break;

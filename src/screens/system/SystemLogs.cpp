@@ -1,8 +1,5 @@
 #include "system/SystemLogs.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "text/StringFactory.h"
 
 namespace Kovo {
@@ -35,13 +32,9 @@ std::optional<int> SystemLogs::RowForDigit(int digit, const Availability& availa
     return std::nullopt;
 }
 
-void SystemLogs::Refresh() {
-    for (int row = 0; row < kCount; ++row) {
-        const char* path = Table()[static_cast<std::size_t>(row)].path;
-        struct stat info {};
-        _available[static_cast<std::size_t>(row)] =
-            stat(path, &info) == 0 && S_ISREG(info.st_mode) && access(path, R_OK) == 0;
-    }
+void SystemLogs::Refresh(const std::function<bool(const std::string& path)>& kept) {
+    for (int row = 0; row < kCount; ++row)
+        _available[static_cast<std::size_t>(row)] = kept(Table()[static_cast<std::size_t>(row)].path);
 }
 
 std::string SystemLogs::Details(const StringFactory& strings) const {

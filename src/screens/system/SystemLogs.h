@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -27,8 +28,8 @@ class SystemLogs {
     // missing, 0 opens row 1.
     static std::optional<int> RowForDigit(int digit, const Availability& available);
 
-    // Looks at the host's files again: a log is available when it is a readable regular file.
-    void Refresh();
+    // Asks the host again which logs it keeps (by their documented paths).
+    void Refresh(const std::function<bool(const std::string& path)>& kept);
     void SetAvailable(const Availability& available) { _available = available; }
     const Availability& Available() const { return _available; }
 

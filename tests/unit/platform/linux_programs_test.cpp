@@ -51,8 +51,7 @@ TEST(LinuxPrograms, EachDocumentedProgramBecomesTheHostsWayOfDoingItsJob) {
            "600"}},
          {LinuxPrograms::kHostTool, Tool({"option", "set", "/UserVars/QoriShellTimeOut", "600"})}},
         {{"/bin/less", {"less", "/var/log/syslog.log"}}, {LinuxPrograms::kHostTool, Tool({"log", "syslog"})}},
-        {{"/bin/less", {"less", "/var/log/obsd.log"}},
-         {LinuxPrograms::kHostTool, Tool({"log", "observation"})}},
+        {{"/bin/less", {"less", "/var/log/obsd.log"}}, {"/usr/bin/less", {"less", "/var/log/obsd.log"}}},
         {{"/bin/less", {"less", "/tmp/report.txt"}}, {"/usr/bin/less", {"less", "/tmp/report.txt"}}},
         {{"/sbin/backup.sh", {"backup.sh"}}, {"/bin/true", {"true"}}},
         {{"/bin/sh", {"sh", "-c", "/sbin/firmwareConfig.py --reset-only > /dev/null 2>&1"}},
@@ -164,6 +163,10 @@ TEST_F(LinuxSystemInfoTest, AnAlertRaisedAgainAndAgainIsKeptOnce) {
     EXPECT_EQ(info.GetSystemAlerts(),
               (std::vector<std::string>{"No network adapters were detected", "Agent core dump completed"}));
     EXPECT_THROW(info.GetFirewallRulesetById("sshServer"), HostCtl::Lib::HostCtlException);
+    // The journal keeps the system, kernel, boot and agent logs; the agents this host lacks have none.
+    EXPECT_TRUE(info.IsLogKept("/var/log/syslog.log"));
+    EXPECT_TRUE(info.IsLogKept("/var/log/hagentd.log"));
+    EXPECT_FALSE(info.IsLogKept("/var/log/obsd.log"));
 }
 
 }  // namespace

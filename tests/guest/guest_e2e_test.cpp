@@ -1,0 +1,349 @@
+// The console installed from its package on a real Debian 12 host (a qemu guest), driven through the
+// guest's serial console as an operator would, and checked on the guest itself through its agent. The
+// guest boots once for the whole suite and the tests run in order, each starting where the last left
+// the console: at the welcome screen.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "HostSteps.h"
+#include "TermSession.h"
+
+using namespace std::chrono_literals;
+using KovoTerm::Key;
+using KovoTerm::TermSession;
+using KovoTerm::VirtualTerminal;
+
+namespace {
+
+using KovoE2e::kLoginTitle;
+using KovoE2e::kMenuTitle;
+using KovoE2e::kWelcomeKeys;
+constexpr const char* kInvalid = "Invalid login or password.";
+constexpr const char* kPasswordDialog = "Setting the password will prevent unauthorized access";
+constexpr const char* kFirstPassword = "Kovo-Demo1";
+constexpr const char* kSecondPassword = "Brand-New5";
+// Emulated processors boot slowly, and more slowly still on a busy machine.
+constexpr auto kBoot = 400s;
+
+std::string Quote(const std::string& text) {
+    std::string quoted = "'";
+    for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+struct Result {
+    int status = -1;
+    std::string out;
+};
+
+class Guest {
+  public:
+    Guest() : _dir(std::string(KOVO_GUEST_RUN_DIR)) {
+        std::filesystem::remove_all(_dir);
+        std::filesystem::create_directories(std::filesystem::path(_dir).parent_path());
+        KovoTerm::SpawnOptions options;
+        options.argv = {KOVO_VM, "run", "--dir", _dir, "--image", KOVO_GUEST_IMAGE};
+        options.columns = 80;
+        options.rows = 24;  // a serial line's size: nobody tells the guest another
+        options.inheritEnvironment = true;
+        term = std::make_unique<TermSession>(options);
+    }
+    ~Guest() {
+        const std::string stop = std::string(KOVO_VM) + " stop " + Quote(_dir) + " >/dev/null 2>&1";
+        if (std::system(stop.c_str()) != 0) std::fprintf(stderr, "guest: stop failed\n");
+    }
+
+    // A command as root in the guest, through its agent; its output and status.
+    Result Exec(const std::vector<std::string>& command) const {
+        std::string line = std::string(KOVO_VM) + " exec " + Quote(_dir) + " --";
+        for (const std::string& word : command) line += " " + Quote(word);
+        Result result;
+        FILE* pipe = popen((line + " 2>&1").c_str(), "r");
+        if (!pipe) return result;
+        char buffer[4096];
+        for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) result.out.append(buffer, n);
+        const int status = pclose(pipe);
+        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return result;
+    }
+    std::string Shell(const std::string& script) const { return Exec({"sh", "-c", script}).out; }
+
+    std::unique_ptr<TermSession> term;
+
+  private:
+    std::string _dir;
+};
+
+std::string Trim(std::string text) {
+    while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
+    return text;
+}
+
+class DebianGuest : public ::testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        guest = new Guest();
+        booted = guest->term->WaitForText(kWelcomeKeys, kBoot) && guest->term->WaitForQuiet(1s, 60s);
+    }
+    static void TearDownTestSuite() {
+        delete guest;
+        guest = nullptr;
+    }
+    void SetUp() override { ASSERT_TRUE(booted) << guest->term->Dump(); }
+
+    TermSession& Term() { return *guest->term; }
+    // At the welcome screen, settled: a screen still drawing discards keys typed ahead.
+    bool AtWelcome() {
+        auto& term = Term();
+        for (int i = 0; i < 5 && !term.Screen().Contains(kWelcomeKeys); ++i) {
+            term.Press(Key::Escape);
+            term.Pause(600ms);  // longer than the console's Esc delay
+            term.WaitForQuiet(500ms, 20s);
+        }
+        return term.WaitForText(kWelcomeKeys, 30s) && term.WaitForQuiet(500ms, 30s);
+    }
+    bool OpenLogin(Key key = Key::F2) {
+        auto& term = Term();
+        if (!AtWelcome()) return false;
+        term.Press(key);
+        if (!term.WaitForText(kLoginTitle, 30s) || !term.WaitForQuiet(500ms, 30s)) return false;
+        if (term.Screen().Contains("Configured Keyboard")) term.Press(Key::Down);
+        return true;
+    }
+    void Submit(const std::string& secret) {
+        Term().Press(Key::Enter);  // the name field holds root
+        Term().Type(secret);
+        Term().Press(Key::Enter);
+    }
+    static bool MenuShown(const VirtualTerminal& s) {
+        return s.Contains(kMenuTitle) && !s.Contains(kLoginTitle);
+    }
+    bool LogIn(const std::string& secret) {
+        if (!OpenLogin()) return false;
+        Submit(secret);
+        return Term().WaitFor(MenuShown, 60s) && Term().WaitForQuiet(500ms, 30s);
+    }
+    bool Acknowledge(const std::string& text) {
+        auto& term = Term();
+        if (!term.WaitForText(text, 60s) || !term.WaitForQuiet(500ms, 30s)) return false;
+        term.Press(Key::Enter);
+        return term.WaitForTextGone(text, 30s) && term.WaitForQuiet(500ms, 30s);
+    }
+    // Moves the menu's selection down to `entry`, which the right pane then names.
+    bool Select(const std::string& entry) {
+        auto& term = Term();
+        for (int i = 0; i < 16; ++i) {
+            if (!term.WaitForQuiet(300ms, 30s)) return false;
+            if (term.Screen().RowText(1).find(entry, 40) != std::string::npos) return true;
+            term.Press(Key::Down);
+        }
+        return false;
+    }
+    // The console that the host started after `since` bytes of the serial line: running, and drawn.
+    bool ConsoleBack(size_t since) {
+        auto& term = Term();
+        const bool active = term.WaitUntil(
+            [&] { return Trim(guest->Shell("systemctl is-active kovo@ttyS0.service")) == "active"; }, kBoot,
+            2000ms);
+        // Its own drawing, not what the last one left on the screen.
+        return active &&
+               term.WaitUntil(
+                   [&] { return term.Output().find("<F2> Customize System", since) != std::string::npos; },
+                   120s) &&
+               term.WaitForText(kWelcomeKeys, 120s) && term.WaitForQuiet(1s, 60s);
+    }
+    static Guest* guest;
+    static bool booted;
+    static std::string password;
+};
+
+Guest* DebianGuest::guest = nullptr;
+bool DebianGuest::booted = false;
+std::string DebianGuest::password = kFirstPassword;
+
+TEST_F(DebianGuest, TheIdleScreenShowsTheGuestsOwnIdentityAndLease) {
+    auto& term = Term();
+    EXPECT_TRUE(term.WaitForText("Debian GNU/Linux " + Trim(guest->Shell("cat /etc/debian_version")), 30s))
+        << term.Dump();
+    EXPECT_TRUE(term.Screen().Contains("QEMU Standard PC (i440FX + PIIX, 1996)")) << term.Dump();
+    const std::string model =
+        Trim(guest->Shell("sed -n 's/^model name[[:space:]]*: //p' /proc/cpuinfo | head -1"));
+    ASSERT_FALSE(model.empty());
+    EXPECT_TRUE(term.Screen().Contains(model)) << model << "\n" << term.Dump();
+    EXPECT_TRUE(term.Screen().Contains("MiB Memory") || term.Screen().Contains("GiB Memory")) << term.Dump();
+    // The lease the lab gave the interface the default route leaves by, marked as one; the screen follows
+    // it even when the console drew before the lease came.
+    std::smatch route, address;
+    std::string routes;
+    ASSERT_TRUE(term.WaitUntil(
+        [&] {
+            return (routes = guest->Shell("ip -4 -o route show default")).find(" dev ") != std::string::npos;
+        },
+        120s, 2000ms))
+        << "no lease: " << routes;
+    ASSERT_TRUE(std::regex_search(routes, route, std::regex("dev ([a-z0-9]+)"))) << routes;
+    const std::string addresses = guest->Shell("ip -4 -o addr show scope global dev " + route[1].str());
+    ASSERT_TRUE(std::regex_search(addresses, address, std::regex("inet (192\\.168\\.77\\.[0-9]+)/")))
+        << addresses;
+    EXPECT_TRUE(term.WaitForText("https://" + address[1].str() + "/ (DHCP)", 60s)) << term.Dump();
+}
+
+TEST_F(DebianGuest, WrongPasswordsAreRefusedThenTheRightOneLogsIn) {
+    auto& term = Term();
+    ASSERT_TRUE(OpenLogin()) << term.Dump();
+    term.Press(Key::Enter);
+    for (const char* wrong : {"Wrong-One1", "Wrong-Two2", "Wrong-Six3"}) {
+        term.Type(wrong);
+        term.Press(Key::Enter);
+        ASSERT_TRUE(Acknowledge(kInvalid)) << term.Dump();
+        ASSERT_TRUE(term.WaitForText(kLoginTitle, 30s)) << term.Dump();
+    }
+    // The host's own PAM stack counted them against the console's terminal.
+    EXPECT_NE(guest->Shell("faillock --user root").find("ttyS0"), std::string::npos);
+    term.Type(password);
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitFor(MenuShown, 60s)) << term.Dump();
+    const std::string journal = guest->Shell("journalctl -b -t KOVO --no-pager -o cat");
+    size_t failures = 0;
+    for (size_t at = 0; (at = journal.find("Authentication of user root failed", at)) != std::string::npos;
+         ++at)
+        ++failures;
+    EXPECT_EQ(failures, 3u) << journal;
+    EXPECT_NE(journal.find("Authentication of user root succeeded"), std::string::npos) << journal;
+    // A success clears the count, so the next mistakes start again from none.
+    EXPECT_EQ(guest->Shell("faillock --user root").find("ttyS0"), std::string::npos);
+}
+
+TEST_F(DebianGuest, APasswordChangedFromTheMenuIsTheOneTheNextLoginNeeds) {
+    auto& term = Term();
+    if (!MenuShown(term.Screen())) {
+        ASSERT_TRUE(LogIn(password)) << term.Dump();
+    }
+    const std::string before = guest->Shell("grep '^root:' /etc/shadow");
+    term.Press(Key::Enter);  // Configure Password, the first entry
+    ASSERT_TRUE(term.WaitForText(kPasswordDialog, 30s) && term.WaitForQuiet(500ms, 30s)) << term.Dump();
+    for (const std::string& text : {password, std::string(kSecondPassword), std::string(kSecondPassword)}) {
+        term.Type(text);
+        term.Press(Key::Enter);
+    }
+    ASSERT_TRUE(term.WaitForTextGone(kPasswordDialog, 60s)) << term.Dump();
+    ASSERT_TRUE(term.WaitFor(MenuShown, 30s)) << term.Dump();
+    EXPECT_NE(guest->Shell("grep '^root:' /etc/shadow"), before);
+
+    ASSERT_TRUE(OpenLogin()) << term.Dump();
+    Submit(password);
+    ASSERT_TRUE(Acknowledge(kInvalid)) << term.Dump();
+    term.Type(kSecondPassword);
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitFor(MenuShown, 60s)) << term.Dump();
+    password = kSecondPassword;
+}
+
+TEST_F(DebianGuest, SshTurnedOffAndOnIsWhatSystemdRuns) {
+    auto& term = Term();
+    if (!MenuShown(term.Screen())) {
+        ASSERT_TRUE(LogIn(password)) << term.Dump();
+    }
+    ASSERT_EQ(Trim(guest->Shell("systemctl is-active ssh.service")), "active");
+    ASSERT_TRUE(Select("Troubleshooting Options")) << term.Dump();
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForText("Troubleshooting Mode Options", 30s) && term.WaitForQuiet(500ms, 30s))
+        << term.Dump();
+    term.Press(Key::Down);
+    ASSERT_TRUE(term.WaitForText("Disable SSH", 30s)) << term.Dump();
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForText("Enable SSH", 120s)) << term.Dump();
+    EXPECT_EQ(Trim(guest->Shell("systemctl is-active ssh.service")), "inactive");
+    EXPECT_EQ(Trim(guest->Shell("systemctl is-enabled ssh.service")), "disabled");
+    ASSERT_TRUE(term.WaitForQuiet(500ms, 30s));
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForText("Disable SSH", 120s)) << term.Dump();
+    EXPECT_EQ(Trim(guest->Shell("systemctl is-active ssh.service")), "active");
+    EXPECT_EQ(Trim(guest->Shell("systemctl is-enabled ssh.service")), "enabled");
+    term.Press(Key::Escape);
+    EXPECT_TRUE(term.WaitFor(MenuShown, 30s)) << term.Dump();
+}
+
+TEST_F(DebianGuest, TheSystemLogIsTheJournalInThePager) {
+    auto& term = Term();
+    if (!MenuShown(term.Screen())) {
+        ASSERT_TRUE(LogIn(password)) << term.Dump();
+    }
+    ASSERT_TRUE(Select("View System Logs")) << term.Dump();
+    // The logs the journal keeps, numbered; 1 is the journal of this boot.
+    ASSERT_TRUE(term.WaitForText("<1> Syslog", 30s) && term.WaitForQuiet(500ms, 30s)) << term.Dump();
+    EXPECT_FALSE(term.Screen().Contains("(obsd)")) << term.Dump();
+    term.Type("1");
+    // The journal's own first line, and the console's own log lines in it.
+    EXPECT_TRUE(term.WaitForText("kovo-guest kernel: Linux version", 60s)) << term.Dump();
+    term.Type("q");
+    EXPECT_TRUE(term.WaitForTextGone("kernel: Linux version", 30s)) << term.Dump();
+    EXPECT_TRUE(term.WaitFor(MenuShown, 30s) && term.WaitForQuiet(500ms, 30s)) << term.Dump();
+    term.Press(Key::Escape);
+    EXPECT_TRUE(term.WaitForText(kWelcomeKeys, 30s)) << term.Dump();
+}
+
+TEST_F(DebianGuest, ThirtyCtrlCInThreeSecondsLeaveTheConsoleOnItsLine) {
+    auto& term = Term();
+    ASSERT_TRUE(AtWelcome()) << term.Dump();
+    const std::string firstPid = Trim(guest->Shell("systemctl show -p MainPID --value kovo@ttyS0.service"));
+    for (int i = 0; i < 30; ++i) {
+        term.SendRaw("\x03");
+        term.Pause(100ms);
+    }
+    term.Pause(5s);
+    EXPECT_EQ(Trim(guest->Shell("systemctl is-active kovo@ttyS0.service")), "active");
+    EXPECT_NE(Trim(guest->Shell("systemctl show -p MainPID --value kovo@ttyS0.service")), firstPid);
+    EXPECT_NE(Trim(guest->Shell("systemctl show -p NRestarts --value kovo@ttyS0.service")), "0");
+    // A console that draws again after the storm, and takes keys.
+    term.Press(Key::Enter);
+    EXPECT_TRUE(term.WaitForText(kWelcomeKeys, 60s)) << term.Dump();
+    ASSERT_TRUE(OpenLogin()) << term.Dump();
+    term.Press(Key::Escape);
+    EXPECT_TRUE(term.WaitForTextGone(kLoginTitle, 30s)) << term.Dump();
+}
+
+TEST_F(DebianGuest, RestartBootsTheHostAndTheConsoleComesBack) {
+    auto& term = Term();
+    const std::string boot = Trim(guest->Shell("cat /proc/sys/kernel/random/boot_id"));
+    ASSERT_TRUE(OpenLogin(Key::F12)) << term.Dump();
+    Submit(password);
+    ASSERT_TRUE(term.WaitForText("Forcefully terminate running VMs", 60s) && term.WaitForQuiet(500ms, 30s))
+        << term.Dump();
+    const size_t before = term.Output().size();
+    term.Press(Key::F11);
+    // Asked of the agent until the guest answers from a new boot.
+    std::string now = boot;
+    for (auto end = std::chrono::steady_clock::now() + kBoot;
+         (now == boot || now.empty()) && std::chrono::steady_clock::now() < end;) {
+        term.Pause(3s);
+        const Result r = guest->Exec({"cat", "/proc/sys/kernel/random/boot_id"});
+        now = r.status == 0 ? Trim(r.out) : "";
+    }
+    ASSERT_NE(now, boot) << term.Dump();
+    EXPECT_TRUE(ConsoleBack(before)) << term.Dump();
+}
+
+TEST_F(DebianGuest, ShutDownTurnsTheGuestOff) {
+    auto& term = Term();
+    ASSERT_TRUE(OpenLogin(Key::F12)) << term.Dump();
+    Submit(password);
+    ASSERT_TRUE(term.WaitForText("Forcefully terminate running VMs", 60s) && term.WaitForQuiet(500ms, 30s))
+        << term.Dump();
+    term.Press(Key::F2);
+    // The launcher ends when qemu does, which it does when the guest powers off.
+    const auto exit = term.WaitExit(kBoot);
+    ASSERT_TRUE(exit.has_value()) << term.Dump();
+    EXPECT_TRUE(exit->IsExitCode(0)) << term.Dump();
+}
+
+}  // namespace
