@@ -180,6 +180,10 @@ TEST_F(DebianGuest, TheIdleScreenShowsTheGuestsOwnIdentityAndLease) {
     ASSERT_FALSE(model.empty());
     EXPECT_TRUE(term.Screen().Contains(model)) << model << "\n" << term.Dump();
     EXPECT_TRUE(term.Screen().Contains("MiB Memory") || term.Screen().Contains("GiB Memory")) << term.Dump();
+}
+
+TEST_F(DebianGuest, TheIdleScreenFollowsTheLease) {
+    auto& term = Term();
     // The lease the lab gave the interface the default route leaves by, marked as one; the screen follows
     // it even when the console drew before the lease came.
     std::smatch route, address;

@@ -55,11 +55,16 @@ const std::map<std::string, std::string>& JournalLogs() {
     return logs;
 }
 
+// The pager's own options (its prompt, say) go with the log, which is always the last word.
 Program Pager(const Program& documented) {
-    if (documented.argv.size() == 2)
-        if (const auto it = JournalLogs().find(documented.argv[1]); it != JournalLogs().end())
-            return Tool({"log", it->second});
-    return {"/usr/bin/less", documented.argv};
+    const std::vector<std::string>& a = documented.argv;
+    if (a.size() >= 2)
+        if (const auto it = JournalLogs().find(a.back()); it != JournalLogs().end()) {
+            std::vector<std::string> args{"log", it->second};
+            args.insert(args.end(), a.begin() + 1, a.end() - 1);
+            return Tool(args);
+        }
+    return {"/usr/bin/less", a};
 }
 
 bool IsTimeoutSet(const std::vector<std::string>& a) {

@@ -51,6 +51,8 @@ TEST(LinuxPrograms, EachDocumentedProgramBecomesTheHostsWayOfDoingItsJob) {
            "600"}},
          {LinuxPrograms::kHostTool, Tool({"option", "set", "/UserVars/QoriShellTimeOut", "600"})}},
         {{"/bin/less", {"less", "/var/log/syslog.log"}}, {LinuxPrograms::kHostTool, Tool({"log", "syslog"})}},
+        {{"/bin/less", {"less", "-cfP", "<Q> Quit", "/var/log/zenkernel.log"}},
+         {LinuxPrograms::kHostTool, Tool({"log", "kernel", "-cfP", "<Q> Quit"})}},
         {{"/bin/less", {"less", "/var/log/obsd.log"}}, {"/usr/bin/less", {"less", "/var/log/obsd.log"}}},
         {{"/bin/less", {"less", "/tmp/report.txt"}}, {"/usr/bin/less", {"less", "/tmp/report.txt"}}},
         {{"/sbin/backup.sh", {"backup.sh"}}, {"/bin/true", {"true"}}},

@@ -90,7 +90,7 @@ int HostTool::Run(const std::vector<std::string>& args) {
             return kDone;
         }
         if (job == "option") return Option({args.begin() + 1, args.end()});
-        if (job == "log" && args.size() == 2) return Log(args[1]);
+        if (job == "log" && args.size() >= 2) return Log(args[1], {args.begin() + 2, args.end()});
         if (job == "unavailable" && args.size() == 2) {
             std::cerr << args[1] << " is not available on this host\n";
             return kFailed;
@@ -181,17 +181,37 @@ int HostTool::Option(const std::vector<std::string>& args) {
     return Usage("option get PATH or option set PATH SECONDS");
 }
 
-int HostTool::Log(const std::string& name) {
+int HostTool::Log(const std::string& name, const std::vector<std::string>& pagerOptions) {
     const std::vector<std::string> journal = JournalOf(name);
     if (journal.empty()) return Page("The " + name + " log is not kept on this host.\n");
-    // The journal pages through less, with less's own keys and no exit on Ctrl-C.
-    setenv("SYSTEMD_PAGER", "less", 1);
-    setenv("SYSTEMD_LESS", "RSM", 1);
+    // The journal writes into a pipe that less pages with the console's own options; less takes its keys
+    // from the terminal.
+    int pipeFds[2];
+    if (pipe(pipeFds) != 0) return kFailed;
+    const pid_t writer = fork();
+    if (writer < 0) return kFailed;
+    if (writer == 0) {
+        dup2(pipeFds[1], STDOUT_FILENO);
+        close(pipeFds[0]);
+        close(pipeFds[1]);
+        std::vector<char*> argv;
+        for (const std::string& word : journal) argv.push_back(const_cast<char*>(word.c_str()));
+        argv.push_back(const_cast<char*>("--no-pager"));
+        argv.push_back(nullptr);
+        execv("/usr/bin/journalctl", argv.data());
+        _exit(127);
+    }
+    dup2(pipeFds[0], STDIN_FILENO);
+    close(pipeFds[0]);
+    close(pipeFds[1]);
+    std::vector<std::string> words{"less"};
+    words.insert(words.end(), pagerOptions.begin(), pagerOptions.end());
+    words.push_back("-");
     std::vector<char*> argv;
-    for (const std::string& word : journal) argv.push_back(const_cast<char*>(word.c_str()));
+    for (const std::string& word : words) argv.push_back(const_cast<char*>(word.c_str()));
     argv.push_back(nullptr);
-    execv("/usr/bin/journalctl", argv.data());
-    perror("kovo-host: journalctl");
+    execv("/usr/bin/less", argv.data());
+    perror("kovo-host: less");
     return kFailed;
 }
 

@@ -17,7 +17,7 @@ namespace LinuxHost {
 //   agents start|stop
 //   query lockdown-enabled|lockdown-possible
 //   option get PATH | option set PATH SECONDS
-//   log syslog|kernel|boot|agent|NAME
+//   log syslog|kernel|boot|agent|NAME [LESS-OPTIONS...]
 //   unavailable WHAT
 //
 // Exit status: 0 done; 1 failed; 2 a command it does not know; 3 (service status) not running.
@@ -38,7 +38,7 @@ class HostTool {
     int Vms(const std::vector<std::string>& args);
     int Agents(const std::string& action);
     int Option(const std::vector<std::string>& args);
-    int Log(const std::string& name);
+    int Log(const std::string& name, const std::vector<std::string>& pagerOptions);
     HostFiles _files;
 };
 
