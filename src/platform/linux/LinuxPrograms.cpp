@@ -3,11 +3,14 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <map>
 #include <sstream>
 #include <vector>
+
+#include "platform/linux/Argv.h"
 
 namespace LinuxHost {
 
@@ -120,14 +123,19 @@ std::optional<Program> LinuxPrograms::ResolveCommandLine(const std::string& comm
     return std::nullopt;
 }
 
-int LinuxPrograms::RunDetached(const Program& program) {
+int LinuxPrograms::RunDetached(const Program& program, std::string* errors) {
+    int errorPipe[2] = {-1, -1};
+    if (errors && pipe2(errorPipe, O_CLOEXEC) != 0) return 127;
     posix_spawn_file_actions_t actions;
     posix_spawnattr_t attributes;
     posix_spawn_file_actions_init(&actions);
     posix_spawnattr_init(&attributes);
     posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    if (errors)
+        posix_spawn_file_actions_adddup2(&actions, errorPipe[1], 2);
+    else
+        posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
     sigset_t none, all;
     sigemptyset(&none);
     sigfillset(&all);
@@ -135,13 +143,24 @@ int LinuxPrograms::RunDetached(const Program& program) {
     posix_spawnattr_setsigdefault(&attributes, &all);
     posix_spawnattr_setflags(&attributes,
                              POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSID);
-    std::vector<char*> argv;
-    for (const std::string& word : program.argv) argv.push_back(const_cast<char*>(word.c_str()));
-    argv.push_back(nullptr);
+    Argv argv(program.argv);
     pid_t pid = -1;
     const int spawned = posix_spawn(&pid, program.path.c_str(), &actions, &attributes, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
+    if (errors) {
+        close(errorPipe[1]);
+        // Read to the end before waiting, so a child with much to say never blocks on a full pipe.
+        char buffer[512];
+        while (spawned == 0) {
+            const ssize_t n = read(errorPipe[0], buffer, sizeof buffer);
+            if (n > 0)
+                errors->append(buffer, static_cast<std::size_t>(n));
+            else if (n == 0 || errno != EINTR)
+                break;
+        }
+        close(errorPipe[0]);
+    }
     if (spawned != 0) return 127;
     int status = 0;
     while (waitpid(pid, &status, 0) < 0)

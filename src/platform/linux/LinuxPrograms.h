@@ -21,8 +21,9 @@ class LinuxPrograms : public HostCtl::HostPrograms {
     // The platform's command lines (HostFactory::Exec) this host can run; nullopt for the others.
     static std::optional<HostCtl::Program> ResolveCommandLine(const std::string& commandLine);
     // Runs a program with no terminal and no input, in a session of its own so that no key at the console
-    // reaches it, and waits: its exit status, or 127 when it could not start.
-    static int RunDetached(const HostCtl::Program& program);
+    // reaches it, and waits: its exit status, or 127 when it could not start. What it says on standard
+    // error goes to `errors` when given.
+    static int RunDetached(const HostCtl::Program& program, std::string* errors = nullptr);
 };
 
 }  // namespace LinuxHost

@@ -11,7 +11,6 @@
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/linux/LinuxPrograms.h"
 #include "platform/linux/NotAvailable.h"
-#include "platform/linux/VirtualMachines.h"
 
 namespace LinuxHost {
 
@@ -144,8 +143,25 @@ std::unique_ptr<HostCtl::System::FirewallRuleset> LinuxSystemInfo::GetFirewallRu
     NotAvailable("The firewall ruleset " + id);
 }
 
+LinuxResourceInfo::LinuxResourceInfo(std::string hostTool) : _hostTool(std::move(hostTool)) {}
+
 bool LinuxResourceInfo::HasRunningVirtualMachines() {
-    return VirtualMachines().CountRunning() > 0;
+    constexpr int kRunning = 0, kNoneRunning = 3;
+    std::string errors;
+    const int status = LinuxPrograms::RunDetached({_hostTool, {"kovo-host", "vms", "running"}}, &errors);
+    if (status == kRunning) return true;
+    if (status == kNoneRunning) return false;
+    // The tool's own last words ("kovo-host: The hypervisor service does not answer: ..."), without its
+    // name; libraries may have said more before them.
+    while (!errors.empty() && errors.back() == '\n') errors.pop_back();
+    const std::string prefix = "kovo-host: ";
+    const std::size_t said = errors.rfind("\n" + prefix);
+    if (said != std::string::npos)
+        errors.erase(0, said + 1 + prefix.size());
+    else if (errors.rfind(prefix, 0) == 0)
+        errors.erase(0, prefix.size());
+    throw HostCtl::Lib::HostCtlException(errors.empty() ? "Cannot ask the host which virtual machines run"
+                                                        : errors);
 }
 
 }  // namespace LinuxHost

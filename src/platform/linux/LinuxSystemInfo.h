@@ -6,6 +6,7 @@
 #include "platform/hostctl/ResourceInfo.h"
 #include "platform/hostctl/SystemInfo.h"
 #include "platform/linux/HostFiles.h"
+#include "platform/linux/LinuxPrograms.h"
 #include "platform/linux/SystemServices.h"
 
 namespace LinuxHost {
@@ -42,10 +43,15 @@ class LinuxSystemInfo : public HostCtl::System::SystemInfo {
     Services _services;
 };
 
-// Whether the host's hypervisor service runs any virtual machine.
+// Whether the host's hypervisor service runs any virtual machine. The host tool asks it, so the console
+// itself never loads the hypervisor's client library.
 class LinuxResourceInfo : public HostCtl::Resource::ResourceInfo {
   public:
+    explicit LinuxResourceInfo(std::string hostTool = LinuxPrograms::kHostTool);
     bool HasRunningVirtualMachines() override;
+
+  private:
+    std::string _hostTool;
 };
 
 }  // namespace LinuxHost

@@ -10,8 +10,8 @@
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/linux/LinuxPrograms.h"
 #include "platform/linux/LinuxSystemInfo.h"
-#include "platform/linux/VirtualMachines.h"
 #include "platform/linux/hosttool/HostTool.h"
+#include "platform/linux/hosttool/VirtualMachines.h"
 
 using HostCtl::Program;
 using LinuxHost::LinuxPrograms;
@@ -136,6 +136,26 @@ TEST(VirtualMachines, RunningMachinesAreAskedToShutDown) {
     EXPECT_EQ(vms.ShutDown(false, 5), 0);
     EXPECT_THROW(LinuxHost::VirtualMachines("test:///no/such/file.xml").CountRunning(),
                  HostCtl::Lib::HostCtlException);
+}
+
+// The console asks the host tool, in a process of its own, and tells its three answers apart.
+TEST(LinuxResourceInfo, TheHostToolSaysWhetherMachinesRunOrWhyItCannotTell) {
+    const auto running = [](const char* uri, const std::string& tool = KOVO_HOST_TOOL) {
+        setenv("LIBVIRT_DEFAULT_URI", uri, 1);
+        struct Unset {
+            ~Unset() { unsetenv("LIBVIRT_DEFAULT_URI"); }
+        } unset;
+        return LinuxHost::LinuxResourceInfo(tool).HasRunningVirtualMachines();
+    };
+    EXPECT_TRUE(running("test:///default"));
+    EXPECT_FALSE(running("test://" KOVO_FIXTURES "/libvirt-no-machines.xml"));
+    try {
+        running("test:///no/such/file.xml");
+        ADD_FAILURE() << "a hypervisor that cannot be asked is not a host without machines";
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        EXPECT_EQ(std::string(e.what()).rfind("The hypervisor service does not answer: ", 0), 0u) << e.what();
+    }
+    EXPECT_THROW(running("test:///default", "/no/such/kovo-host"), HostCtl::Lib::HostCtlException);
 }
 
 class LinuxSystemInfoTest : public ::testing::Test {

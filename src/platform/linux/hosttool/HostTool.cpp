@@ -4,13 +4,15 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/linux/Argv.h"
 #include "platform/linux/LinuxOptions.h"
 #include "platform/linux/SystemServices.h"
-#include "platform/linux/VirtualMachines.h"
+#include "platform/linux/hosttool/VirtualMachines.h"
 
 namespace LinuxHost {
 
@@ -132,10 +134,13 @@ int HostTool::Power(const std::string& action) {
 }
 
 int HostTool::Vms(const std::vector<std::string>& args) {
+    const char* uri = getenv("LIBVIRT_DEFAULT_URI");
+    const VirtualMachines vms(uri && *uri ? uri : VirtualMachines::kSystemUri);
+    if (args.size() == 1 && args[0] == "running") return vms.CountRunning() > 0 ? kDone : kNotRunning;
     if (args.empty() || args[0] != "shutdown" || args.size() > 2 ||
         (args.size() == 2 && args[1] != "--force"))
-        return Usage("vms shutdown [--force]");
-    const int left = VirtualMachines().ShutDown(args.size() == 2, kGraceSeconds);
+        return Usage("vms running or vms shutdown [--force]");
+    const int left = vms.ShutDown(args.size() == 2, kGraceSeconds);
     if (left == 0) return kDone;
     std::cerr << left << " virtual machine(s) still running\n";
     return kFailed;
@@ -194,11 +199,9 @@ int HostTool::Log(const std::string& name, const std::vector<std::string>& pager
         dup2(pipeFds[1], STDOUT_FILENO);
         close(pipeFds[0]);
         close(pipeFds[1]);
-        std::vector<char*> argv;
-        for (const std::string& word : journal) argv.push_back(const_cast<char*>(word.c_str()));
-        argv.push_back(const_cast<char*>("--no-pager"));
-        argv.push_back(nullptr);
-        execv("/usr/bin/journalctl", argv.data());
+        std::vector<std::string> words = journal;
+        words.push_back("--no-pager");
+        execv("/usr/bin/journalctl", Argv(words).data());
         _exit(127);
     }
     dup2(pipeFds[0], STDIN_FILENO);
@@ -207,10 +210,7 @@ int HostTool::Log(const std::string& name, const std::vector<std::string>& pager
     std::vector<std::string> words{"less"};
     words.insert(words.end(), pagerOptions.begin(), pagerOptions.end());
     words.push_back("-");
-    std::vector<char*> argv;
-    for (const std::string& word : words) argv.push_back(const_cast<char*>(word.c_str()));
-    argv.push_back(nullptr);
-    execv("/usr/bin/less", argv.data());
+    execv("/usr/bin/less", Argv(words).data());
     perror("kovo-host: less");
     return kFailed;
 }

@@ -13,14 +13,14 @@ namespace LinuxHost {
 //
 //   service ssh|shell status|start|stop|restart|enable|disable
 //   power off|reboot
-//   vms shutdown [--force]
+//   vms running | vms shutdown [--force]     (libvirt's LIBVIRT_DEFAULT_URI, else qemu:///system)
 //   agents start|stop
 //   query lockdown-enabled|lockdown-possible
 //   option get PATH | option set PATH SECONDS
 //   log syslog|kernel|boot|agent|NAME [LESS-OPTIONS...]
 //   unavailable WHAT
 //
-// Exit status: 0 done; 1 failed; 2 a command it does not know; 3 (service status) not running.
+// Exit status: 0 done; 1 failed; 2 a command it does not know; 3 (service status, vms running) not running.
 class HostTool {
   public:
     // The host's files: "/" on a host; the options file is the one the console's platform reads.

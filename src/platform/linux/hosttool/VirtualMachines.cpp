@@ -1,4 +1,4 @@
-#include "platform/linux/VirtualMachines.h"
+#include "platform/linux/hosttool/VirtualMachines.h"
 
 #include <libvirt/libvirt.h>
 #include <libvirt/virterror.h>
