@@ -38,7 +38,13 @@ TEST(PlatformFailure, UnderTheLoginsKeyboardDialogLeavesTheLoginActiveAndWorking
     EXPECT_TRUE(
         host->WaitForSyslog({"user.err", "Unable to change the keyboard layout: mappings unreadable"}))
         << host->Syslog();
+    // The host's refusal is shown over the login until the operator has read it.
     ASSERT_TRUE(host->Term().WaitForTextGone(kKeyboardDialogText)) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForText("mappings unreadable")) << host->Term().Dump();
+    EXPECT_TRUE(host->Term().Screen().Contains("Configure Keyboard")) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+    host->Term().Press(Key::Enter);
+    ASSERT_TRUE(host->Term().WaitForTextGone("mappings unreadable")) << host->Term().Dump();
     EXPECT_TRUE(host->Term().WaitFor(LoginBodyActive)) << "login left greyed\n" << host->Term().Dump();
     EXPECT_EQ(StoreValue(*host, "/system/keyboard/layout"), "\"US Default\"");
 

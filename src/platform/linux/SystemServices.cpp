@@ -177,7 +177,7 @@ void SystemServices::SetConsoleKeymap(const std::string& keymap) {
     Call call;
     // No toggle keymap; convert=false leaves the graphical layout alone; not interactive: no prompts.
     const int result = sd_bus_call_method(_bus, "org.freedesktop.locale1", "/org/freedesktop/locale1",
-                                          "org.freedesktop.locale1", "SetVConsoleKeymap", &call.error,
+                                          "org.freedesktop.locale1", "SetVConsoleKeyboard", &call.error,
                                           &call.reply, "ssbb", keymap.c_str(), "", 0, 0);
     if (result < 0) call.Fail("Cannot set the keyboard layout " + keymap, result);
 }

@@ -36,6 +36,7 @@ enum StringId : unsigned {
     kInvalidLogin = 146,
     kNoPermission = 147,
     kExpired = 148,
+    kConfigureKeyboard = 15,
 };
 
 constexpr const char* kLoginFailedEvent = "@&!*@*@(obs.user.kovo.login.failed)";
@@ -171,6 +172,8 @@ void LoginDialog::ChangeKeyboard() {
         keyboard.RunModal();
     } catch (const HostCtl::Lib::HostCtlException& e) {
         syslog(LOG_ERR, "Unable to change the keyboard layout: %s", e.what());
+        // The operator asked for a layout; the host's answer is theirs to see, not only the log's.
+        MessageDialog(this, kConfigureKeyboard, e.what()).RunModal();
     }
     // Show the layout the host uses now, whatever the dialog managed to do.
     _keyboard->SetText(KeyboardText());
