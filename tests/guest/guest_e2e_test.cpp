@@ -4,6 +4,7 @@
 // the console: at the welcome screen.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -28,6 +29,7 @@ using KovoE2e::kLoginTitle;
 using KovoE2e::kMenuTitle;
 using KovoE2e::kWelcomeKeys;
 constexpr const char* kInvalid = "Invalid login or password.";
+constexpr const char* kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 constexpr const char* kPasswordDialog = "Setting the password will prevent unauthorized access";
 constexpr const char* kFirstPassword = "Kovo-Demo1";
 constexpr const char* kSecondPassword = "Brand-New5";
@@ -64,8 +66,22 @@ class Guest {
 
     // A command as root in the guest, through its agent; its output and status.
     Result Exec(const std::vector<std::string>& command) const {
-        std::string line = std::string(KOVO_VM) + " exec " + Quote(_dir) + " --";
-        for (const std::string& word : command) line += " " + Quote(word);
+        std::vector<std::string> words{"--"};
+        words.insert(words.end(), command.begin(), command.end());
+        return Vm("exec", words);
+    }
+    std::string Shell(const std::string& script) const { return Exec({"sh", "-c", script}).out; }
+    // Keys pressed on the guest's own keyboard, which reach its foreground virtual console.
+    bool Keys(const std::vector<std::string>& keys) const { return Vm("keys", keys).status == 0; }
+    // The text of virtual console `vt`, a line per row.
+    std::string Screen(int vt) const { return Vm("screen", {std::to_string(vt)}).out; }
+
+    std::unique_ptr<TermSession> term;
+
+  private:
+    Result Vm(const std::string& verb, const std::vector<std::string>& words) const {
+        std::string line = std::string(KOVO_VM) + " " + verb + " " + Quote(_dir);
+        for (const std::string& word : words) line += " " + Quote(word);
         Result result;
         FILE* pipe = popen((line + " 2>&1").c_str(), "r");
         if (!pipe) return result;
@@ -75,11 +91,7 @@ class Guest {
         result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
         return result;
     }
-    std::string Shell(const std::string& script) const { return Exec({"sh", "-c", script}).out; }
 
-    std::unique_ptr<TermSession> term;
-
-  private:
     std::string _dir;
 };
 
@@ -138,13 +150,15 @@ class DebianGuest : public ::testing::Test {
         term.Press(Key::Enter);
         return term.WaitForTextGone(text, 30s) && term.WaitForQuiet(500ms, 30s);
     }
-    // Moves the menu's selection down to `entry`, which the right pane then names.
-    bool Select(const std::string& entry) {
+    // Moves the menu's selection down (or up) to `entry`, which the right pane's title then starts with.
+    bool Select(const std::string& entry, Key direction = Key::Down) {
         auto& term = Term();
         for (int i = 0; i < 16; ++i) {
             if (!term.WaitForQuiet(300ms, 30s)) return false;
-            if (term.Screen().RowText(1).find(entry, 40) != std::string::npos) return true;
-            term.Press(Key::Down);
+            const std::string row = term.Screen().RowText(1);
+            const std::size_t title = row.find_first_of(kLetters, std::min<std::size_t>(row.size(), 40));
+            if (title != std::string::npos && row.compare(title, entry.size(), entry) == 0) return true;
+            term.Press(direction);
         }
         return false;
     }
@@ -280,6 +294,47 @@ TEST_F(DebianGuest, SshTurnedOffAndOnIsWhatSystemdRuns) {
     EXPECT_TRUE(term.WaitFor(MenuShown, 30s)) << term.Dump();
 }
 
+TEST_F(DebianGuest, TheLocalShellAndItsIdleTimeOutAreTheHostsOwn) {
+    auto& term = Term();
+    if (!MenuShown(term.Screen())) {
+        ASSERT_TRUE(LogIn(password)) << term.Dump();
+    }
+    ASSERT_NE(Trim(guest->Shell("systemctl is-active getty@tty2.service")), "active");
+    ASSERT_TRUE(Select("Troubleshooting Options")) << term.Dump();
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForText("Enable Qori Shell", 30s) && term.WaitForQuiet(500ms, 30s)) << term.Dump();
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForText("Disable Qori Shell", 120s) && term.WaitForQuiet(500ms, 30s)) << term.Dump();
+    // The local shell is the login prompt on the second console.
+    EXPECT_EQ(Trim(guest->Shell("systemctl is-active getty@tty2.service")), "active");
+    EXPECT_EQ(Trim(guest->Shell("systemctl is-enabled getty@tty2.service")), "enabled");
+
+    // Each key once the screen has settled from the last one.
+    const auto press = [&](Key key) {
+        term.Press(key);
+        return term.WaitForQuiet(300ms, 30s);
+    };
+    // The idle time-out, the second field of the time-outs dialog, is every login shell's.
+    ASSERT_TRUE(Select("Modify Qori Shell and SSH timeouts")) << term.Dump();
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForText("Availability timeout", 30s) && term.WaitForQuiet(500ms, 30s))
+        << term.Dump();
+    ASSERT_TRUE(press(Key::Down));
+    for (int i = 0; i < 5; ++i) ASSERT_TRUE(press(Key::Backspace));
+    term.Type("5");
+    ASSERT_TRUE(press(Key::Enter));
+    ASSERT_TRUE(term.WaitForTextGone("Availability timeout", 60s)) << term.Dump();
+    EXPECT_EQ(Trim(guest->Shell("bash -lc 'echo $TMOUT'")), "300");
+
+    ASSERT_TRUE(Select("Qori Shell", Key::Up)) << term.Dump();
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForText("Enable Qori Shell", 120s)) << term.Dump();
+    EXPECT_EQ(Trim(guest->Shell("systemctl is-active getty@tty2.service")), "inactive");
+    EXPECT_EQ(Trim(guest->Shell("systemctl is-enabled getty@tty2.service")), "disabled");
+    term.Press(Key::Escape);
+    EXPECT_TRUE(term.WaitFor(MenuShown, 30s)) << term.Dump();
+}
+
 TEST_F(DebianGuest, TheSystemLogIsTheJournalInThePager) {
     auto& term = Term();
     if (!MenuShown(term.Screen())) {
@@ -297,6 +352,41 @@ TEST_F(DebianGuest, TheSystemLogIsTheJournalInThePager) {
     EXPECT_TRUE(term.WaitFor(MenuShown, 30s) && term.WaitForQuiet(500ms, 30s)) << term.Dump();
     term.Press(Key::Escape);
     EXPECT_TRUE(term.WaitForText(kWelcomeKeys, 30s)) << term.Dump();
+}
+
+// The layout is offered only where the operator sits at the machine's keyboard: on a virtual console,
+// driven here by keys on the guest's own keyboard and read back from the console's screen memory.
+// Left out until the platform sets layouts the Debian way: Debian 12's locale service refuses the
+// keymaps of console-data ("Keymap be-latin1 is not installed": it knows only *.map files), and the
+// console shows that refusal.
+TEST_F(DebianGuest, DISABLED_AKeyboardLayoutChosenOnTheFirstConsoleIsWhatItsKeysType) {
+    auto& term = Term();
+    const auto shows = [&](const std::string& text) {
+        return term.WaitUntil([&] { return guest->Screen(1).find(text) != std::string::npos; }, 120s, 1000ms);
+    };
+    ASSERT_EQ(guest->Exec({"systemctl", "start", "kovo@tty1.service"}).status, 0);
+    ASSERT_TRUE(shows(kWelcomeKeys)) << guest->Screen(1);
+    ASSERT_TRUE(guest->Keys({"f2"}));
+    ASSERT_TRUE(shows("Configured Keyboard (US Default)")) << guest->Screen(1);
+    // Enter on the keyboard line, which has the focus; the top of the list is the first layout.
+    ASSERT_TRUE(guest->Keys({"ret"}));
+    ASSERT_TRUE(shows("If you are having difficulty using your keyboard")) << guest->Screen(1);
+    ASSERT_TRUE(guest->Keys(std::vector<std::string>(40, "up")));
+    ASSERT_TRUE(guest->Keys({"spc", "ret"}));
+    ASSERT_TRUE(shows("Configured Keyboard (Belgian)")) << guest->Screen(1);
+
+    const std::string status = guest->Shell("localectl status");
+    EXPECT_NE(status.find("VC Keymap: be-latin1"), std::string::npos) << status;
+    EXPECT_EQ(Trim(guest->Shell("grep '^KEYMAP=' /etc/vconsole.conf")), "KEYMAP=be-latin1");
+    // The keymap is the console's: on an AZERTY keyboard the keys a US layout calls Q and A type a, q.
+    ASSERT_TRUE(guest->Keys({"down", "backspace", "backspace", "backspace", "backspace", "backspace"}));
+    ASSERT_TRUE(guest->Keys({"q", "a", "z"}));
+    EXPECT_TRUE(shows("aqw")) << guest->Screen(1);
+    EXPECT_NE(
+        guest->Shell("journalctl -b -t KOVO --no-pager -o cat").find("Keyboard Layout changed to Belgian"),
+        std::string::npos);
+    // The tests that follow drive the serial line's console alone.
+    EXPECT_EQ(guest->Exec({"systemctl", "stop", "kovo@tty1.service"}).status, 0);
 }
 
 TEST_F(DebianGuest, ThirtyCtrlCInThreeSecondsLeaveTheConsoleOnItsLine) {
