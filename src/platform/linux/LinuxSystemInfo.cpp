@@ -16,98 +16,96 @@ namespace LinuxHost {
 
 namespace {
 
-// The console's layout names and the keymaps a Debian host's console data has for them.
-const std::vector<std::pair<std::string, std::string>> kLayouts{
-    {"Belgian", "be-latin1"},
-    {"Brazilian", "br-abnt2"},
-    {"Croatian", "croat"},
-    {"Czechoslovakian", "cz-lat2"},
-    {"Danish", "dk-latin1"},
-    {"Default", "defkeymap"},
-    {"Estonian", "et"},
-    {"Finnish", "fi"},
-    {"French", "fr-latin9"},
-    {"German", "de-latin1"},
-    {"Greek", "gr"},
-    {"Icelandic", "is-latin1"},
-    {"Italian", "it"},
-    {"Japanese", "jp106"},
-    {"Latin American", "la-latin1"},
-    {"Norwegian", "no-latin1"},
-    {"Polish", "pl"},
-    {"Portuguese", "pt-latin1"},
-    {"Russian", "ru"},
-    {"Slovenian", "slovene"},
-    {"Spanish", "es"},
-    {"Swedish", "se-latin1"},
-    {"Swiss French", "fr_CH-latin1"},
-    {"Swiss German", "sg-latin1"},
-    {"Turkish", "trq"},
-    {"US Default", "us"},
-    {"US Dvorak", "dvorak"},
-    {"Ukrainian", "ua"},
-    {"United Kingdom", "uk"},
+// The console's layout names and the XKB layouts (and variants) a Debian host's keyboard data has for them.
+// The kernel's own keymap is the US layout, so "Default" has no row of its own.
+struct Layout {
+    const char* name;
+    const char* xkb;
+    const char* variant;
+};
+const Layout kLayouts[] = {
+    {"Belgian", "be", ""},      {"Brazilian", "br", ""},
+    {"Croatian", "hr", ""},     {"Czechoslovakian", "cz", ""},
+    {"Danish", "dk", ""},       {"Estonian", "ee", ""},
+    {"Finnish", "fi", ""},      {"French", "fr", ""},
+    {"German", "de", ""},       {"Greek", "gr", ""},
+    {"Icelandic", "is", ""},    {"Italian", "it", ""},
+    {"Japanese", "jp", ""},     {"Latin American", "latam", ""},
+    {"Norwegian", "no", ""},    {"Polish", "pl", ""},
+    {"Portuguese", "pt", ""},   {"Russian", "ru", ""},
+    {"Slovenian", "si", ""},    {"Spanish", "es", ""},
+    {"Swedish", "se", ""},      {"Swiss French", "ch", "fr"},
+    {"Swiss German", "ch", ""}, {"Turkish", "tr", ""},
+    {"US Default", "us", ""},   {"US Dvorak", "us", "dvorak"},
+    {"Ukrainian", "ua", ""},    {"United Kingdom", "gb", ""},
 };
 
-// Where console keymaps live, by distribution.
-const char* const kKeymapDirs[] = {"/usr/share/keymaps", "/usr/share/kbd/keymaps", "/usr/lib/kbd/keymaps"};
-
-// Every keymap name under the keymap folders (i386/qwerty/us.kmap.gz is "us").
-std::vector<std::string> InstalledKeymaps(const HostFiles& files) {
-    std::vector<std::string> names;
-    for (const char* dir : kKeymapDirs) {
-        std::error_code error;
-        const auto root = files.Under(dir);
-        for (std::filesystem::recursive_directory_iterator it(root, error), end; !error && it != end;
-             it.increment(error)) {
-            std::string name = it->path().filename().string();
-            for (const char* suffix : {".gz", ".kmap", ".map"})
-                if (name.size() > strlen(suffix) &&
-                    name.compare(name.size() - strlen(suffix), std::string::npos, suffix) == 0)
-                    name.erase(name.size() - strlen(suffix));
-            names.push_back(std::move(name));
-        }
-    }
-    return names;
+const Layout* Find(const std::string& name) {
+    for (const Layout& layout : kLayouts)
+        if (name == layout.name) return &layout;
+    return nullptr;
 }
+
+// Where the host's XKB layouts are, and the tool that makes a console keymap of the host's keyboard
+// configuration and loads it (console-setup).
+constexpr const char* kXkbSymbols = "/usr/share/X11/xkb/symbols/";
+constexpr const char* kSetupcon = "/bin/setupcon";
+// A keyboard configuration without a model gets the usual one.
+constexpr const char* kDefaultModel = "pc105";
 
 }  // namespace
 
 LinuxSystemInfo::LinuxSystemInfo(HostFiles files, Services services)
     : _files(std::move(files)), _services(std::move(services)) {}
 
-std::string LinuxSystemInfo::KeymapOf(const std::string& layout) {
-    for (const auto& [name, keymap] : kLayouts)
-        if (name == layout) return keymap;
-    return {};
+std::string LinuxSystemInfo::LayoutName(const std::string& xkb, const std::string& variant) {
+    // Without a layout of its own the host keeps the kernel's keymap, which is the US layout.
+    if (xkb.empty()) return "US Default";
+    for (const Layout& layout : kLayouts)
+        if (xkb == layout.xkb && variant == layout.variant) return layout.name;
+    // A layout the console has no name for is shown as the host calls it.
+    return variant.empty() ? xkb : xkb + "(" + variant + ")";
 }
 
 std::string LinuxSystemInfo::GetKeyboardLayout() {
-    const std::string keymap = _services()->ConsoleKeymap();
-    // Without a keymap of its own the console keeps the kernel's, which is the US layout.
-    if (keymap.empty()) return "US Default";
-    for (const auto& [name, map] : kLayouts)
-        if (map == keymap) return name;
-    return keymap;
+    const SystemServices::Keyboard keyboard = _services()->GetKeyboard();
+    return LayoutName(keyboard.layout, keyboard.variant);
 }
 
 std::vector<std::string> LinuxSystemInfo::GetKeyboardLayouts() {
-    const std::vector<std::string> installed = InstalledKeymaps(_files);
     std::vector<std::string> layouts;
-    for (const auto& [name, keymap] : kLayouts)
-        if (std::find(installed.begin(), installed.end(), keymap) != installed.end()) layouts.push_back(name);
+    // A layout the consoles cannot be given is not offered.
+    std::error_code error;
+    if (!std::filesystem::exists(_files.Under(kSetupcon), error)) return layouts;
+    for (const Layout& layout : kLayouts)
+        if (std::filesystem::exists(_files.Under(kXkbSymbols + std::string(layout.xkb)), error))
+            layouts.push_back(layout.name);
     return layouts;
 }
 
 void LinuxSystemInfo::LoadKeyboardMappings(const std::string& layout) {
-    // Setting the layout loads it into every console; here it is only checked.
-    if (KeymapOf(layout).empty()) throw HostCtl::Lib::HostCtlException("Unknown keyboard layout: " + layout);
+    // The consoles load the layout once the host's configuration holds it; here it is only checked.
+    if (!Find(layout)) throw HostCtl::Lib::HostCtlException("Unknown keyboard layout: " + layout);
 }
 
 void LinuxSystemInfo::SetKeyboardLayout(const std::string& layout) {
-    const std::string keymap = KeymapOf(layout);
-    if (keymap.empty()) throw HostCtl::Lib::HostCtlException("Unknown keyboard layout: " + layout);
-    _services()->SetConsoleKeymap(keymap);
+    const Layout* chosen = Find(layout);
+    if (!chosen) throw HostCtl::Lib::HostCtlException("Unknown keyboard layout: " + layout);
+    auto services = _services();
+    SystemServices::Keyboard keyboard = services->GetKeyboard();
+    keyboard.layout = chosen->xkb;
+    keyboard.variant = chosen->variant;
+    if (keyboard.model.empty()) keyboard.model = kDefaultModel;
+    services->SetKeyboard(keyboard);
+    // Every console, now; at boot the host's keyboard set-up does the same from the same file.
+    std::string errors;
+    const int status =
+        LinuxPrograms::RunDetached({kSetupcon, {"setupcon", "--force", "--keyboard-only"}}, &errors);
+    if (status != 0) {
+        while (!errors.empty() && errors.back() == '\n') errors.pop_back();
+        throw HostCtl::Lib::HostCtlException("The consoles did not take the layout " + layout +
+                                             (errors.empty() ? "" : ": " + errors));
+    }
 }
 
 void LinuxSystemInfo::SetSystemAlert(const std::string& message) {

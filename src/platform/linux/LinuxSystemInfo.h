@@ -11,7 +11,8 @@
 
 namespace LinuxHost {
 
-// Keyboard layouts as console keymaps set through the locale service, and the host's alerts. A Linux host
+// Keyboard layouts as the host's keyboard configuration, kept by the locale service and put on the
+// consoles by console-setup, and the host's alerts. A Linux host
 // has no firewall rulesets of the console's kind.
 class LinuxSystemInfo : public HostCtl::System::SystemInfo {
   public:
@@ -22,7 +23,7 @@ class LinuxSystemInfo : public HostCtl::System::SystemInfo {
     LinuxSystemInfo(HostFiles files, Services services);
 
     std::string GetKeyboardLayout() override;
-    // The layouts whose keymap this host has, in the console's order.
+    // The layouts this host has and can put on its consoles, in the console's order.
     std::vector<std::string> GetKeyboardLayouts() override;
     void LoadKeyboardMappings(const std::string& layout) override;
     void SetKeyboardLayout(const std::string& layout) override;
@@ -35,8 +36,8 @@ class LinuxSystemInfo : public HostCtl::System::SystemInfo {
     bool IsLogKept(const std::string& path) override;
     std::unique_ptr<HostCtl::System::FirewallRuleset> GetFirewallRulesetById(const std::string& id) override;
 
-    // The console keymap behind a layout's name; "" for a name the console does not offer.
-    static std::string KeymapOf(const std::string& layout);
+    // The console's name for the host's XKB layout and variant.
+    static std::string LayoutName(const std::string& xkb, const std::string& variant);
 
   private:
     HostFiles _files;

@@ -161,25 +161,29 @@ void SystemServices::Reboot() {
     if (result < 0) call.Fail("The host refused to restart", result);
 }
 
-std::string SystemServices::ConsoleKeymap() {
-    Call call;
-    char* keymap = nullptr;
-    const int result =
-        sd_bus_get_property_string(_bus, "org.freedesktop.locale1", "/org/freedesktop/locale1",
-                                   "org.freedesktop.locale1", "VConsoleKeymap", &call.error, &keymap);
-    if (result < 0) call.Fail("Cannot read the keyboard layout", result);
-    std::string text = keymap;
-    free(keymap);
-    return text;
+SystemServices::Keyboard SystemServices::GetKeyboard() {
+    const auto property = [this](const char* name) {
+        Call call;
+        char* value = nullptr;
+        const int result =
+            sd_bus_get_property_string(_bus, "org.freedesktop.locale1", "/org/freedesktop/locale1",
+                                       "org.freedesktop.locale1", name, &call.error, &value);
+        if (result < 0) call.Fail("Cannot read the keyboard layout", result);
+        std::string text = value;
+        free(value);
+        return text;
+    };
+    return {property("X11Layout"), property("X11Model"), property("X11Variant"), property("X11Options")};
 }
 
-void SystemServices::SetConsoleKeymap(const std::string& keymap) {
+void SystemServices::SetKeyboard(const Keyboard& keyboard) {
     Call call;
-    // No toggle keymap; convert=false leaves the graphical layout alone; not interactive: no prompts.
-    const int result = sd_bus_call_method(_bus, "org.freedesktop.locale1", "/org/freedesktop/locale1",
-                                          "org.freedesktop.locale1", "SetVConsoleKeyboard", &call.error,
-                                          &call.reply, "ssbb", keymap.c_str(), "", 0, 0);
-    if (result < 0) call.Fail("Cannot set the keyboard layout " + keymap, result);
+    // convert=false: the console keymap is the host's to derive; not interactive: no prompts.
+    const int result = sd_bus_call_method(
+        _bus, "org.freedesktop.locale1", "/org/freedesktop/locale1", "org.freedesktop.locale1",
+        "SetX11Keyboard", &call.error, &call.reply, "ssssbb", keyboard.layout.c_str(), keyboard.model.c_str(),
+        keyboard.variant.c_str(), keyboard.options.c_str(), 0, 0);
+    if (result < 0) call.Fail("Cannot set the keyboard layout " + keyboard.layout, result);
 }
 
 }  // namespace LinuxHost

@@ -34,9 +34,13 @@ class SystemServices {
     void PowerOff();
     void Reboot();
 
-    // The console keymap ("us", "de-latin1", ...), and setting it for every console now and at boot.
-    std::string ConsoleKeymap();
-    void SetConsoleKeymap(const std::string& keymap);
+    // The host's keyboard as the locale service keeps it: the XKB settings that a Debian host writes to
+    // /etc/default/keyboard and builds its consoles' keymap from. Setting it changes no console by itself.
+    struct Keyboard {
+        std::string layout, model, variant, options;
+    };
+    Keyboard GetKeyboard();
+    void SetKeyboard(const Keyboard& keyboard);
 
     static constexpr int kSettleSeconds = 90;
 

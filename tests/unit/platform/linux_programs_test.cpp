@@ -168,15 +168,27 @@ class LinuxSystemInfoTest : public ::testing::Test {
                                     }};
 };
 
-TEST_F(LinuxSystemInfoTest, OnlyLayoutsWhoseKeymapTheHostHasAreOffered) {
+TEST_F(LinuxSystemInfoTest, OnlyLayoutsTheHostHasAndCanPutOnItsConsolesAreOffered) {
+    tree.Write("/usr/share/X11/xkb/symbols/us", "");
+    tree.Write("/usr/share/X11/xkb/symbols/ch", "");
+    tree.Write("/usr/share/X11/xkb/symbols/de", "");
+    // Without console-setup no console would follow the choice.
     EXPECT_TRUE(info.GetKeyboardLayouts().empty());
-    tree.Write("/usr/share/keymaps/i386/qwerty/us.kmap.gz", "");
-    tree.Write("/usr/share/keymaps/i386/qwertz/de-latin1.kmap.gz", "");
-    tree.Write("/usr/share/keymaps/i386/qwertz/de.kmap.gz", "");
-    EXPECT_EQ(info.GetKeyboardLayouts(), (std::vector<std::string>{"German", "US Default"}));
-    EXPECT_EQ(LinuxHost::LinuxSystemInfo::KeymapOf("Swiss German"), "sg-latin1");
+    tree.Write("/bin/setupcon", "");
+    EXPECT_EQ(info.GetKeyboardLayouts(), (std::vector<std::string>{"German", "Swiss French", "Swiss German",
+                                                                   "US Default", "US Dvorak"}));
     EXPECT_THROW(info.SetKeyboardLayout("Klingon"), HostCtl::Lib::HostCtlException);
     EXPECT_THROW(info.LoadKeyboardMappings("Klingon"), HostCtl::Lib::HostCtlException);
+}
+
+TEST(LinuxKeyboardLayout, TheHostsLayoutAndVariantGetTheConsolesNameOrKeepTheirOwn) {
+    using LinuxHost::LinuxSystemInfo;
+    EXPECT_EQ(LinuxSystemInfo::LayoutName("ch", "fr"), "Swiss French");
+    EXPECT_EQ(LinuxSystemInfo::LayoutName("ch", ""), "Swiss German");
+    EXPECT_EQ(LinuxSystemInfo::LayoutName("us", "dvorak"), "US Dvorak");
+    EXPECT_EQ(LinuxSystemInfo::LayoutName("", ""), "US Default");
+    EXPECT_EQ(LinuxSystemInfo::LayoutName("us", "intl"), "us(intl)");
+    EXPECT_EQ(LinuxSystemInfo::LayoutName("fo", ""), "fo");
 }
 
 TEST_F(LinuxSystemInfoTest, AnAlertRaisedAgainAndAgainIsKeptOnce) {
