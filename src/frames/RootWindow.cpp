@@ -29,12 +29,12 @@ RootWindow::RootWindow(Frame* parent) : Frame(parent, 0, 0, COLS, LINES, kBlack,
     FramePane(_left);
     FramePane(_right);
     _leftTitle = new TextArea(_left, 3, 1, half - 6, 1, -1, kBlack);
-    // Inside the pane's frame and above its footer: the list erases its whole area each time it draws,
-    // so an area reaching the border column or the footer row would wipe them.
+    // Inside the pane's frame and above its footer: the list and the details erase their whole area each
+    // time they draw, so an area reaching the border column or the footer row would wipe them.
     _list = new ItemList(_left, 2, 4, half - 3, LINES - 7);
     _leftFooter = new TextArea(_left, 2, LINES - 3, half - 3, 1, -1, kBlack);
     _rightTitle = new TextArea(_right, 2, 1, half - 6, 1, -1, kWhite);
-    _details = new TextArea(_right, 2, 4, half - 4, LINES - 6, -1, kLightGrey);
+    _details = new TextArea(_right, 2, 4, half - 4, LINES - 7, -1, kLightGrey);
     _rightFooter = new TextArea(_right, 1, LINES - 3, half - 3, 1, -1, kWhite);
 }
 
