@@ -1,5 +1,6 @@
 #include "frames/Dialog.h"
 
+#include <algorithm>
 #include <cctype>
 
 #include "terminal/Colors.h"
@@ -10,6 +11,7 @@
 #include "text/Item.h"
 #include "text/ItemList.h"
 #include "text/LabelItem.h"
+#include "text/MarkupLayout.h"
 #include "text/RadioItem.h"
 #include "text/StringFactory.h"
 #include "text/TextArea.h"
@@ -56,7 +58,34 @@ bool AcceptsKey(FieldKeys keys, int key) {
     return false;
 }
 
-Dialog::Dialog(Frame* parent, const DialogLayout& layout)
+namespace {
+
+// The text a layout names for its body; "" when the dialog sets its own.
+std::string BodyOf(const DialogLayout& layout) {
+    return layout.bodyId != 0 ? GetStringFactory("en_US")->GetString(layout.bodyId) : std::string();
+}
+
+}  // namespace
+
+DialogLayout Dialog::FitToBody(DialogLayout layout, const std::string& body) {
+    if (body.empty()) return layout;
+    const std::string lines = LayoutMarkup(body, layout.width - 6, {});
+    const int rows = static_cast<int>(std::count(lines.begin(), lines.end(), '\n')) + 1;
+    const int missing = rows - (layout.headerHeight - 4);
+    const int grow = std::min(missing, LINES - layout.height);
+    if (grow > 0) {
+        layout.headerHeight += grow;
+        layout.height += grow;
+    }
+    return layout;
+}
+
+Dialog::Dialog(Frame* parent, const DialogLayout& layout) : Dialog(parent, layout, BodyOf(layout)) {}
+
+Dialog::Dialog(Frame* parent, const DialogLayout& given, const std::string& body)
+    : Dialog(parent, FitToBody(given, body), body, 0) {}
+
+Dialog::Dialog(Frame* parent, const DialogLayout& layout, const std::string& body, int)
     : Frame(parent, (COLS - layout.width) / 2, (LINES - layout.height) / 2, layout.width, layout.height,
             kBlack, kWhite) {
     const int width = layout.width;
@@ -71,7 +100,7 @@ Dialog::Dialog(Frame* parent, const DialogLayout& layout)
     _footer = new TextArea(_body, 2, bodyHeight - 2, width - 4, 1, -1, kBlack);
     if (bodyHeight - 4 >= 1) _content = _body->AddChild(2, 1, width - 4, bodyHeight - 4, kYellow, kDarkGrey);
     if (layout.titleId != 0) SetTitle(Strings()->GetString(layout.titleId));
-    if (layout.bodyId != 0) SetText(Strings()->GetString(layout.bodyId));
+    if (!body.empty()) SetText(body);
     SetFooter(layout.footer);
 }
 

@@ -50,8 +50,15 @@ bool AcceptsKey(FieldKeys keys, int key);
 // go to the focused field if its class takes them.
 class Dialog : public Frame {
   public:
+    // The header grows (and the dialog with it, as far as the screen allows) when the body text, the
+    // layout's or `body`, needs more rows than the layout gives it: a text cut short can mislead, and
+    // advice often comes last.
     Dialog(Frame* parent, const DialogLayout& layout);
+    Dialog(Frame* parent, const DialogLayout& layout, const std::string& body);
     ~Dialog() override;
+
+    // `layout` with the header tall enough for `body`.
+    static DialogLayout FitToBody(DialogLayout layout, const std::string& body);
 
     void SetActive(bool active) override;
     // Draws the items and runs the key loop until the dialog closes; returns its result.
@@ -114,6 +121,8 @@ class Dialog : public Frame {
     const std::vector<RadioItem*>& Radios() const { return _radios; }
 
   private:
+    // The dialog made to a layout already fitted to its body.
+    Dialog(Frame* parent, const DialogLayout& layout, const std::string& body, int fitted);
     struct Field;
     bool Edit(int key);
 

@@ -38,6 +38,8 @@ TEST(NetworkUplinks, EveryAdapterUncheckedLeavesNoUplinkAndTheMacAsItWas) {
     auto host = MakeHost("default");
     ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
     ASSERT_TRUE(OpenFromMenu(*host, 0, kAdaptersMark)) << host->Term().Dump();
+    // The whole explanation, down to its last words.
+    EXPECT_TRUE(host->Term().Screen().Contains("load-balancing.")) << host->Term().Dump();
     // Both uplinks, the first two rows, unchecked.
     Toggle(*host);
     Press(*host, Key::Down);

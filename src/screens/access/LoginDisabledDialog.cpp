@@ -11,10 +11,10 @@ namespace {
 constexpr unsigned kTitle = 139, kDisabled = 140;
 }  // namespace
 
+// The host's full name can be long: given at construction, the text makes the dialog as tall as it needs.
 LoginDisabledDialog::LoginDisabledDialog(Frame* parent, HostAccess& host)
-    : Dialog(parent, {60, 9, 6, kTitle, 0, Footer::kOk}) {
-    SetText(std::string(Strings()->GetString(kDisabled)) + HostNameAndDomain(host));
-}
+    : Dialog(parent, {60, 9, 6, kTitle, 0, Footer::kOk},
+             std::string(GetStringFactory("en_US")->GetString(kDisabled)) + HostNameAndDomain(host)) {}
 
 bool LoginDisabledDialog::OnKey(int key) {
     if (IsEnter(key) || key == kEsc) Close(0);

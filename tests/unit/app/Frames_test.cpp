@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <string>
+#include <tuple>
 
 #include "../support/OffscreenCurses.h"
 #include "frames/Dialog.h"
@@ -63,6 +65,34 @@ TEST_F(Frames, BodyOfFourRowsOrLessHasNoContentWindow) {
     EXPECT_EQ(fourRows.Content(), nullptr);
     ProbeDialog fiveRows(&root, 70, 12, 7, nullptr);
     EXPECT_NE(fiveRows.Content(), nullptr);
+}
+
+// A body text never loses its last words to a header too short for it: the dialog grows instead.
+TEST_F(Frames, DialogGrowsItsHeaderToShowTheWholeBody) {
+    const std::string threeRows(150, 'x');
+    const DialogLayout given{72, 20, 6, 0, 0, ""};
+    for (const auto& [body, header, height] : {std::tuple{std::string("Fits on one row."), 6, 20},
+                                               std::tuple{threeRows.substr(0, 100), 6, 20},  // two rows of 66
+                                               std::tuple{threeRows, 7, 21}}) {
+        const DialogLayout fitted = Dialog::FitToBody(given, body);
+        EXPECT_EQ(fitted.headerHeight, header) << body.size();
+        EXPECT_EQ(fitted.height, height) << body.size();
+    }
+    // No taller than the screen: 25 rows here.
+    const DialogLayout tall = Dialog::FitToBody(given, std::string(66 * 30, 'x'));
+    EXPECT_EQ(tall.height, LINES);
+    EXPECT_EQ(tall.headerHeight, 6 + LINES - 20);
+
+    ScreenFrame root;
+    class BodyDialog : public Dialog {
+      public:
+        BodyDialog(Frame* parent, const std::string& body) : Dialog(parent, {72, 20, 6, 0, 0, ""}, body) {}
+        int HandleKey() override { return 0; }
+    } dialog(&root, threeRows + " load-balancing.");
+    EXPECT_EQ(dialog.Header()->Height(), 7);
+    std::string shown;
+    for (int row = 3; row < 6; ++row) shown += Row(dialog.Header()->Handle(), row);
+    EXPECT_NE(shown.find("load-balancing."), std::string::npos) << shown;
 }
 
 TEST_F(Frames, TooLargeDialogGetsNegativeOrigin) {
@@ -161,8 +191,10 @@ class TestMenu : public RootWindow {
     int HandleKey() override { return 0; }
     void UpdateDetails() override {}
     using RootWindow::Details;
+    using RootWindow::LeftFooter;
     using RootWindow::LeftPane;
     using RootWindow::List;
+    using RootWindow::RightFooter;
     using RootWindow::RightPane;
     using RootWindow::StatusLine;
 };
@@ -176,11 +208,13 @@ TEST_F(Frames, MenuWindowSplitsTheScreenIntoPanes) {
     EXPECT_EQ(menu.StatusLine()->Y(), 24);
     EXPECT_EQ(menu.List()->X(), 2);
     EXPECT_EQ(menu.List()->Y(), 4);
-    // Inside the frame and above the footer row, so redrawing the list never wipes either.
+    // Inside the frame and above the footer rows, so redrawing the list or the details (on every move of
+    // the selection) never wipes a frame or a key line.
     EXPECT_EQ(menu.List()->Width(), 37);
-    EXPECT_EQ(menu.List()->Height(), 18);
+    EXPECT_EQ(menu.List()->Y() + menu.List()->Height(), menu.LeftFooter()->Y());
     EXPECT_EQ(menu.Details()->X(), 42);
     EXPECT_EQ(menu.Details()->Width(), 36);
+    EXPECT_EQ(menu.Details()->Y() + menu.Details()->Height(), menu.RightFooter()->Y());
     // Boxed panes with a rule under the title row.
     EXPECT_EQ(mvwinch(menu.LeftPane()->Handle(), 0, 0) & A_CHARTEXT, ACS_ULCORNER & A_CHARTEXT);
     EXPECT_EQ(mvwinch(menu.RightPane()->Handle(), 2, 5) & A_CHARTEXT, ACS_HLINE & A_CHARTEXT);
