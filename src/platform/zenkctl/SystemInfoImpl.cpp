@@ -44,9 +44,16 @@ void SystemInfoImpl::SetKeyboardLayout(const std::string& layout) {
 }
 
 void SystemInfoImpl::SetSystemAlert(const std::string& message) {
+    // Raised again each time the welcome screen is drawn: one entry, and no write of the store, for an
+    // alert already raised.
+    const std::vector<std::string> raised = GetSystemAlerts();
+    if (std::find(raised.begin(), raised.end(), message) != raised.end()) return;
     const auto now = static_cast<int64_t>(std::time(nullptr));
     _store->Update([&](json& d) {
-        Json::ArrayAt(d, Store::Schema::kAlerts).push_back({{"message", message}, {"time", now}});
+        json& alerts = Json::ArrayAt(d, Store::Schema::kAlerts);
+        for (const auto& alert : alerts)
+            if (Json::Text(alert, "message") == message) return;
+        alerts.push_back({{"message", message}, {"time", now}});
     });
 }
 

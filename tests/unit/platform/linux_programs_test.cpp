@@ -191,11 +191,7 @@ TEST(LinuxKeyboardLayout, TheHostsLayoutAndVariantGetTheConsolesNameOrKeepTheirO
     EXPECT_EQ(LinuxSystemInfo::LayoutName("fo", ""), "fo");
 }
 
-TEST_F(LinuxSystemInfoTest, AnAlertRaisedAgainAndAgainIsKeptOnce) {
-    for (int i = 0; i < 50; ++i) info.SetSystemAlert("No network adapters were detected");
-    info.SetSystemAlert("Agent core dump completed");
-    EXPECT_EQ(info.GetSystemAlerts(),
-              (std::vector<std::string>{"No network adapters were detected", "Agent core dump completed"}));
+TEST_F(LinuxSystemInfoTest, NoFirewallRulesetsAndTheJournalsLogs) {
     EXPECT_THROW(info.GetFirewallRulesetById("sshServer"), HostCtl::Lib::HostCtlException);
     // The journal keeps the system, kernel, boot and agent logs; the agents this host lacks have none.
     EXPECT_TRUE(info.IsLogKept("/var/log/syslog.log"));
