@@ -1,13 +1,24 @@
 #pragma once
 
+#include <cctype>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/hostctl/Pnic.h"
 #include "platform/hostctl/ZenkNic.h"
 
 namespace HostCtl::Network {
+
+// A name the kernel would give an interface: 1 to 15 bytes, not "." or "..", no '/', ':' or blank. A
+// platform refuses any other name its host's configuration holds.
+inline bool IsValidInterfaceName(std::string_view name) {
+    if (name.empty() || name.size() > 15 || name == "." || name == "..") return false;
+    for (char c : name)
+        if (c == '/' || c == ':' || c == '\0' || std::isspace(static_cast<unsigned char>(c))) return false;
+    return true;
+}
 
 // The host's network as a whole: its physical NICs, the management interface and the settings that
 // belong to no single interface.

@@ -7,9 +7,9 @@
 
 #include <cerrno>
 #include <map>
-#include <sstream>
 #include <vector>
 
+#include "platform/hostctl/ShellWords.h"
 #include "platform/linux/Argv.h"
 
 namespace LinuxHost {
@@ -110,9 +110,10 @@ bool LinuxPrograms::IsJournalLog(const std::string& path) {
 }
 
 std::optional<Program> LinuxPrograms::ResolveCommandLine(const std::string& commandLine) {
-    std::istringstream stream(commandLine);
-    std::vector<std::string> words;
-    for (std::string word; stream >> word;) words.push_back(word);
+    // Its words as a shell would read them; a line that asks a shell for more runs nowhere.
+    const std::optional<std::vector<std::string>> split = HostCtl::SplitShellWords(commandLine);
+    if (!split) return std::nullopt;
+    std::vector<std::string> words = *split;
     if (words.size() == 3 && words[0] == "/bin/sh" && words[1] == "/sbin/services.sh" &&
         (words[2] == "stop" || words[2] == "start"))
         return Tool({"agents", words[2]});

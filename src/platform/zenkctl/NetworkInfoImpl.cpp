@@ -2,6 +2,7 @@
 
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/Portset.h"
+#include "platform/hostctl/ShellWords.h"
 #include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/NetworkJson.h"
 #include "platform/zenkctl/PnicImpl.h"
@@ -31,7 +32,11 @@ void NetworkInfoImpl::UpdateManagementInterface() {
     const auto snapshot = _store->Snapshot();
     const json& document = *snapshot;
     const json* nic = Json::ManagementNic(document);
-    _management = nic ? Json::Text(*nic, "name") : std::string();
+    const std::string name = nic ? Json::Text(*nic, "name") : std::string();
+    if (!name.empty() && !HostCtl::Network::IsValidInterfaceName(name))
+        throw HostCtlException("Host configuration names the management interface " +
+                               HostCtl::QuoteShellWord(name) + ", which is not an interface name");
+    _management = name;
     _looked = true;
 }
 

@@ -1,6 +1,8 @@
 #include "platform/zenkctl/ZenkNicImpl.h"
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/NetworkInfo.h"
+#include "platform/hostctl/ShellWords.h"
 #include "platform/store/StoreSchema.h"
 #include "platform/zenkctl/NetworkJson.h"
 #include "platform/zenkctl/ZenkNicRuntime.h"
@@ -12,7 +14,12 @@ using namespace HostCtl::Network;
 namespace ZenkCtl::Network {
 
 ZenkNicImpl::ZenkNicImpl(std::string name, std::shared_ptr<Store::HostStore> store)
-    : _name(std::move(name)), _store(std::move(store)) {}
+    : _name(std::move(name)), _store(std::move(store)) {
+    if (!HostCtl::Network::IsValidInterfaceName(_name))
+        throw HostCtl::Lib::HostCtlException("Host configuration names an interface " +
+                                             HostCtl::QuoteShellWord(_name) +
+                                             ", which is not an interface name");
+}
 
 bool ZenkNicImpl::IsStale() const {
     return _stale || _generation != _store->Generation();

@@ -20,6 +20,7 @@
 #include "network/NetworkLog.h"
 #include "platform/hostctl/HostsFile.h"
 #include "platform/hostctl/Ipv6Address.h"
+#include "platform/hostctl/ShellWords.h"
 
 namespace Kovo {
 
@@ -139,7 +140,10 @@ std::string NetworkTest::PingTarget(const std::string& address, const std::strin
 }
 
 std::string NetworkTest::PingCommand(const std::string& interface, const std::string& target) {
-    return std::string("/bin/zenkping -c 3 ") + (interface.empty() ? "" : "-I ") + interface + " " + target;
+    // The interface and the target come from the host's configuration; a shell may read this line.
+    using HostCtl::QuoteShellWord;
+    return std::string("/bin/zenkping -c 3 ") + (interface.empty() ? "" : "-I " + QuoteShellWord(interface)) +
+           " " + QuoteShellWord(target);
 }
 
 TestResult NetworkTest::StartPing(HostAccess& host, const std::string& command) {

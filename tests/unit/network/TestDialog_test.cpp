@@ -3,8 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstring>
+
 #include "RecordingNetwork.h"
 #include "network/NetworkTest.h"
+#include "platform/hostctl/ShellWords.h"
 
 namespace Kovo {
 namespace {
@@ -78,6 +82,26 @@ TEST(PingCommand, LinkLocalTargetsGoOutThroughTheManagementInterface) {
 
     EXPECT_EQ(NetworkTest::PingCommand("zk0", "fe80::1%zk0"), "/bin/zenkping -c 3 -I zk0 fe80::1%zk0");
     EXPECT_EQ(NetworkTest::PingCommand("", "10.20.30.1"), "/bin/zenkping -c 3  10.20.30.1");
+}
+
+// The host's configuration names the interface; whatever it holds, a shell reading the line sees the
+// words the console meant and runs nothing else.
+TEST(PingCommand, AShellReadsTheInterfaceAndTargetAsOneWordEach) {
+    for (const std::string interface :
+         {"zk0;echo INJECTED;#", "$(echo INJECTED)", "`echo INJECTED`", "a'b"}) {
+        const std::string target = NetworkTest::PingTarget("fe80::1", interface);
+        std::string line = NetworkTest::PingCommand(interface, target);
+        ASSERT_EQ(line.rfind("/bin/zenkping ", 0), 0u) << line;
+        // The same words, printed one per line by the shell in place of the ping.
+        line.replace(0, std::strlen("/bin/zenkping"), "printf '%s\\n'");
+        FILE* shell = popen(("sh -c " + HostCtl::QuoteShellWord(line)).c_str(), "r");
+        ASSERT_NE(shell, nullptr);
+        std::string out;
+        char buffer[256];
+        for (size_t n; (n = fread(buffer, 1, sizeof buffer, shell)) > 0;) out.append(buffer, n);
+        EXPECT_EQ(pclose(shell), 0);
+        EXPECT_EQ(out, "-c\n3\n-I\n" + interface + "\nfe80::1%" + interface + "\n") << line;
+    }
 }
 
 }  // namespace

@@ -76,6 +76,15 @@ TEST_F(NetworkTest, ManagementInterfaceLookupAndStaticRunningState) {
     EXPECT_THROW(mgmt->GetIpConfig(), HostCtlException);
 }
 
+// Names reach the host's programs: one the kernel could never give an interface is refused on reading.
+TEST_F(NetworkTest, AnInterfaceNameNoKernelWouldGiveIsRefused) {
+    store->Update([](json& d) { d["network"]["zenkNics"][0]["name"] = "zk0;echo INJECTED;#"; });
+    NetworkInfoImpl info(store);
+    EXPECT_THROW(info.GetManagementInterfaceName(), HostCtlException);
+    EXPECT_THROW(info.GetManagementInterface(), HostCtlException);
+    EXPECT_THROW(ZenkNicImpl("zk0/../x", store), HostCtlException);
+}
+
 TEST_F(NetworkTest, DhcpTakesTheLeaseItsGatewayAndItsDnsAndDisableClearsAddresses) {
     ZenkNicImpl nic("zk0", store);
     IpConfig config = nic.GetConfiguredIpConfig();
