@@ -1,6 +1,7 @@
 #include "text/InputItem.h"
 
 #include <curses.h>
+#include <string.h>
 
 #include <algorithm>
 #include <cctype>
@@ -9,6 +10,8 @@
 
 namespace Kovo {
 namespace {
+
+constexpr std::size_t kSecretRoom = 256;
 
 std::string PadRight(std::string text, int width) {
     if (static_cast<int>(text.size()) < width)
@@ -25,18 +28,54 @@ InputItem::InputItem(std::string label, std::string text, int fieldWidth)
       _fieldWidth(fieldWidth),
       _cursor(static_cast<int>(_text.size())) {}
 
+InputItem::~InputItem() {
+    Wipe();
+}
+
+void InputItem::SetMasked(bool masked) {
+    _masked = masked;
+    // Most secrets fit, so typing one never leaves a copy in a buffer that was given up.
+    if (_masked) _text.reserve(kSecretRoom);
+}
+
+void InputItem::Wipe() {
+    if (!_masked) return;
+    // The whole buffer, not just the value: an erase leaves nothing behind, but a shorter value does.
+    _text.resize(_text.capacity());
+    explicit_bzero(_text.data(), _text.size());
+    _text.clear();
+}
+
+void InputItem::MakeRoom() {
+    if (!_masked || _text.size() < _text.capacity()) return;
+    std::string larger;
+    larger.reserve(_text.capacity() * 2);
+    larger = _text;
+    Wipe();
+    _text.swap(larger);
+}
+
 void InputItem::OnSelect() {
     _replace = true;
 }
 
 void InputItem::SetValue(std::string text) {
-    _text = std::move(text);
+    if (_masked) {
+        Wipe();
+        // Into the field's own buffer; the caller's copy is the caller's to wipe.
+        _text.reserve(text.size());
+        _text.assign(text);
+        explicit_bzero(text.data(), text.size());
+    } else {
+        _text = std::move(text);
+    }
     _cursor = static_cast<int>(_text.size());
     _offset = 0;
     _replace = true;
 }
 
 void InputItem::Clear() {
+    Wipe();
     _text.clear();
     _cursor = 0;
     _offset = 0;
@@ -91,6 +130,7 @@ void InputItem::EditKey(int key) {
         default:
             if (_replace) Clear();
             if (key >= 0 && key <= 255 && std::isprint(key)) {
+                MakeRoom();
                 _text.insert(_text.begin() + _cursor, static_cast<char>(key));
                 ++_cursor;
             }

@@ -12,7 +12,9 @@ class InputItem : public Item {
   public:
     // A field width of -1 takes half the line's width minus one.
     InputItem(std::string label, std::string text, int fieldWidth);
-    ~InputItem() override = default;
+    // A masked field's value is a secret: its memory is wiped whenever the value is cleared, replaced,
+    // moved to a larger buffer or destroyed.
+    ~InputItem() override;
 
     void OnSelect() override;
     void Draw(TextArea& area) override;
@@ -22,7 +24,7 @@ class InputItem : public Item {
 
     void SetValue(std::string text);
     const std::string& GetValue() const { return _text; }
-    void SetMasked(bool masked) { _masked = masked; }
+    void SetMasked(bool masked);
     const std::string& Label() const { return _label; }
 
     int Cursor() const { return _cursor; }
@@ -31,6 +33,10 @@ class InputItem : public Item {
 
   private:
     void Clear();
+    // Overwrites the value's whole buffer when the field is masked.
+    void Wipe();
+    // Room for one more character without a reallocation that would leave a copy of a secret behind.
+    void MakeRoom();
 
     std::string _label;
     std::string _text;
