@@ -5,13 +5,17 @@
 #include <linux/kd.h>
 #include <linux/vt.h>
 #include <sys/ioctl.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <syslog.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <memory>
 #include <string>
 
@@ -30,9 +34,34 @@ namespace Kovo {
 namespace {
 
 bool g_paletteReset = false;
+// The terminal's attributes as the console found them, given back at an unexpected end.
+termios g_found{};
+bool g_foundSaved = false;
 
 void EndCurses() {
     endwin();
+}
+
+// An exception that leaves a thread, or a noexcept function: the same end as one that leaves main.
+[[noreturn]] void EndOnTerminate() {
+    std::string reason = "terminated";
+    try {
+        if (const std::exception_ptr escaped = std::current_exception()) std::rethrow_exception(escaped);
+    } catch (const std::exception& e) {
+        reason = e.what();
+    } catch (...) {
+        reason = "an exception of unknown type";
+    }
+    EndUnexpectedly(reason);
+    _exit(1);
+}
+
+// Secrets pass through the console's memory: it is never written to a core file, and no process of
+// another user may attach to it.
+void Harden() {
+    prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
+    const rlimit none{0, 0};
+    setrlimit(RLIMIT_CORE, &none);
 }
 
 bool IsLinuxConsole(int fd) {
@@ -195,7 +224,28 @@ void ResetPalette() {
     fflush(stdout);
 }
 
-int KovoMain(int argc, char** argv) {
+void EndUnexpectedly(const std::string& reason) {
+    syslog(LOG_CRIT, "KOVO ended by an unexpected error: %s", reason.c_str());
+    if (stdscr && !isendwin()) endwin();
+    if (g_foundSaved) tcsetattr(1, TCSANOW, &g_found);
+    ResetPalette();
+}
+
+int RunToTheEnd(const std::function<int()>& console) {
+    g_foundSaved = tcgetattr(1, &g_found) == 0;
+    try {
+        return console();
+    } catch (const std::exception& e) {
+        EndUnexpectedly(e.what());
+    } catch (...) {
+        EndUnexpectedly("an exception of unknown type");
+    }
+    return 1;
+}
+
+namespace {
+
+int RunConsole(int argc, char** argv) {
     // Never destroyed: threads nobody joins may still reach the host while the process ends.
     static HostAccess* const host = [] {
         std::unique_ptr<HostCtl::HostFactory> chosen = ChooseHostPlatform();
@@ -264,6 +314,14 @@ int KovoMain(int argc, char** argv) {
     endwin();
     ResetPalette();
     return 0;
+}
+
+}  // namespace
+
+int KovoMain(int argc, char** argv) {
+    Harden();
+    std::set_terminate(EndOnTerminate);
+    return RunToTheEnd([argc, argv] { return RunConsole(argc, argv); });
 }
 
 }  // namespace Kovo

@@ -1,13 +1,24 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "terminal/Session.h"
 
 namespace Kovo {
 
-// The process entry: start-up, then the welcome window for the life of the process.
+// The process entry: start-up, then the welcome window for the life of the process. The process is
+// never dumped (secrets pass through its memory), and whatever escapes the console ends it through
+// EndUnexpectedly.
 int KovoMain(int argc, char** argv);
+
+// Runs `console`; an exception that escapes it ends the console through EndUnexpectedly, with status 1.
+int RunToTheEnd(const std::function<int()>& console);
+
+// The end of a console that failed in a way nothing caught: the reason goes to the log at critical
+// priority, and the terminal is given back as the console found it (curses ended, its attributes and
+// palette restored), so the host's next console, or its login prompt, gets a usable terminal.
+void EndUnexpectedly(const std::string& reason);
 
 // The virtual console number of argv[1], 1 to 63; -1 (after logging) for anything else.
 int ParseVtArgument(const char* arg);

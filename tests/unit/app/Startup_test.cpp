@@ -1,13 +1,19 @@
 #include "main/Startup.h"
 
+#include <curses.h>
 #include <gtest/gtest.h>
+#include <pty.h>
 #include <sys/wait.h>
+#include <syslog.h>
+#include <termios.h>
 #include <unistd.h>
+#include <utmp.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -116,6 +122,47 @@ TEST_F(PidFile, DeadZeroNegativeOrGarbageIsOverwritten) {
         GuardPidFile(path_.c_str());
         EXPECT_EQ(Read(), std::to_string(getpid())) << "after " << stale;
     }
+}
+
+// An error nothing caught, in a child on a terminal of its own that curses has put in raw mode: the
+// child ends with status 1, says why in the log, and the terminal is as the child found it.
+TEST(UnexpectedEnd, GivesTheTerminalBackAndLogsTheReason) {
+    int master = -1, terminal = -1;
+    ASSERT_EQ(openpty(&master, &terminal, nullptr, nullptr, nullptr), 0);
+    termios before{};
+    ASSERT_EQ(tcgetattr(terminal, &before), 0);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        if (login_tty(terminal) != 0) _exit(4);
+        openlog("KOVO", LOG_PERROR, LOG_USER);  // the log's line on the terminal too
+        const int status = RunToTheEnd([]() -> int {
+            SCREEN* screen = newterm("xterm", stdout, stdin);
+            if (!screen) _exit(3);
+            raw();
+            noecho();
+            throw std::runtime_error("the host's answer made no sense");
+        });
+        _exit(status);
+    }
+    close(terminal);
+    std::string said;
+    char buffer[512];
+    for (ssize_t n; (n = read(master, buffer, sizeof buffer)) > 0;)
+        said.append(buffer, static_cast<size_t>(n));
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status)) << status;
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_NE(said.find("KOVO ended by an unexpected error: the host's answer made no sense"),
+              std::string::npos)
+        << said;
+    termios after{};
+    ASSERT_EQ(tcgetattr(master, &after), 0);
+    EXPECT_EQ(after.c_lflag & (ICANON | ECHO | ISIG), before.c_lflag & (ICANON | ECHO | ISIG));
+    EXPECT_EQ(after.c_iflag, before.c_iflag);
+    EXPECT_EQ(after.c_oflag, before.c_oflag);
+    close(master);
 }
 
 }  // namespace
