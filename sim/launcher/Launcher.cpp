@@ -257,19 +257,48 @@ int Launcher::Boot(const HostLayout& layout, Supervisor::Config config) {
         _exit(RestartPolicy::ExitCode(ForwardUntilEnd(init, signals)));
     }
 
-    // A console killed while the host went down cannot restore the terminal; the launcher does.
+    // A console killed while the host went down cannot restore the terminal; the launcher does, after
+    // taking back the foreground the host's group had (from the background: SIGTTOU held back).
     struct termios terminal {};
     const bool haveTerminal = ::tcgetattr(STDIN_FILENO, &terminal) == 0;
+    const bool foreground = haveTerminal && ::tcgetpgrp(STDIN_FILENO) == ::getpgrp();
     const int status = ForwardUntilEnd(maker, signals);
-    if (haveTerminal) ::tcsetattr(STDIN_FILENO, TCSANOW, &terminal);
+    if (haveTerminal) {
+        sigset_t ttou, held;
+        sigemptyset(&ttou);
+        sigaddset(&ttou, SIGTTOU);
+        ::sigprocmask(SIG_BLOCK, &ttou, &held);
+        if (foreground) ::tcsetpgrp(STDIN_FILENO, ::getpgrp());
+        ::tcsetattr(STDIN_FILENO, TCSANOW, &terminal);
+        ::sigprocmask(SIG_SETMASK, &held, nullptr);
+    }
     ::unlink(layout.State("init.pid").c_str());
     ::unlink(layout.State("console.pid").c_str());
     ::sigprocmask(SIG_SETMASK, &previous, nullptr);
     return RestartPolicy::ExitCode(status);
 }
 
+namespace {
+
+// The host's processes are a process group of the host's own, in the terminal's foreground, as a real
+// host's console is: the console can then name its group to take the terminal back from a program it
+// lent it to. Ctrl-C still reaches the supervisor, which is in the group.
+void TakeTheTerminal() {
+    sigset_t ttou, previous;
+    sigemptyset(&ttou);
+    sigaddset(&ttou, SIGTTOU);
+    ::sigprocmask(SIG_BLOCK, &ttou, &previous);
+    // Only a host started in the foreground takes it (one run in the background leaves the terminal be).
+    const bool foreground = ::isatty(STDIN_FILENO) && ::tcgetpgrp(STDIN_FILENO) == ::getpgrp();
+    if (foreground && ::setpgid(0, 0) == 0) ::tcsetpgrp(STDIN_FILENO, ::getpgrp());
+    ::sigprocmask(SIG_SETMASK, &previous, nullptr);
+}
+
+}  // namespace
+
 int Launcher::RunInit(const HostLayout& layout, Supervisor::Config config) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    TakeTheTerminal();
     try {
         const nlohmann::json scenario = LoadScenario(layout.State("scenario.json"));
         const std::string beside = fs::path(SelfPath()).parent_path().string();

@@ -109,6 +109,9 @@ bool Drain(Fd& fd, Capture& capture) {
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);  // the console's signal thread owns signals, children don't
     signal(SIGPIPE, SIG_DFL);
+    // A session of its own, without the console's terminal: a key meant for the console (Ctrl-C) never
+    // interrupts a host program half-way, nor does the terminal hanging up.
+    setsid();
     static char pythonHome[] = "PYTHONHOME=/";
     char* const env[] = {pythonHome, nullptr};
     execve(program, const_cast<char* const*>(argv), env);
@@ -277,10 +280,27 @@ int RunCaptured(const std::string& program, const std::vector<std::string>& argv
     return status;
 }
 
+namespace {
+
+// Gives the terminal's foreground back to the console's own process group. The console is in the
+// background while it does so, which would stop it with SIGTTOU unless this thread holds that back.
+void TakeTerminalBack() {
+    sigset_t ttou, old;
+    sigemptyset(&ttou);
+    sigaddset(&ttou, SIGTTOU);
+    pthread_sigmask(SIG_BLOCK, &ttou, &old);
+    tcsetpgrp(STDIN_FILENO, getpgrp());
+    pthread_sigmask(SIG_SETMASK, &old, nullptr);
+}
+
+}  // namespace
+
 int RunOnTerminal(const char* program, const char* const argv[]) {
     const HostProgram host(program, argv);
     posix_spawnattr_t attributes;
+    posix_spawn_file_actions_t actions;
     posix_spawnattr_init(&attributes);
+    posix_spawn_file_actions_init(&actions);
     // The console blocks its signals for the signal thread; the program must get them the ordinary way.
     sigset_t none, defaults;
     sigemptyset(&none);
@@ -289,10 +309,23 @@ int RunOnTerminal(const char* program, const char* const argv[]) {
         sigaddset(&defaults, signal);
     posix_spawnattr_setsigmask(&attributes, &none);
     posix_spawnattr_setsigdefault(&attributes, &defaults);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    short flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
+    // The program gets the terminal as a process group of its own in the foreground: the keys it reads
+    // there (Ctrl-C ends the pager's follow mode) reach it and not the console, which takes the terminal
+    // back when it ends.
+    // (Only where the console can name its own group to take the terminal back: a group made outside
+    // its PID namespace shows as 0.)
+    const bool ownsTerminal = isatty(STDIN_FILENO) && getpgrp() > 0 && tcgetpgrp(STDIN_FILENO) == getpgrp();
+    if (ownsTerminal) {
+        flags |= POSIX_SPAWN_SETPGROUP;
+        posix_spawnattr_setpgroup(&attributes, 0);
+        posix_spawn_file_actions_addtcsetpgrp_np(&actions, STDIN_FILENO);
+    }
+    posix_spawnattr_setflags(&attributes, flags);
     pid_t pid = -1;
     const int error =
-        posix_spawn(&pid, host.Path(), nullptr, &attributes, const_cast<char* const*>(host.Argv()), environ);
+        posix_spawn(&pid, host.Path(), &actions, &attributes, const_cast<char* const*>(host.Argv()), environ);
+    posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
     if (error != 0) {
         errno = error;
@@ -301,8 +334,17 @@ int RunOnTerminal(const char* program, const char* const argv[]) {
     }
     int status = 0;
     pid_t ended;
-    while ((ended = waitpid(pid, &status, 0)) < 0 && errno == EINTR) {
+    for (;;) {
+        ended = waitpid(pid, &status, WUNTRACED);
+        if (ended < 0 && errno == EINTR) continue;
+        // Suspended (Ctrl-Z): nothing would ever bring it back to the front, so it goes on at once.
+        if (ended == pid && WIFSTOPPED(status)) {
+            kill(-pid, SIGCONT);
+            continue;
+        }
+        break;
     }
+    if (ownsTerminal) TakeTerminalBack();
     return ended == pid && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

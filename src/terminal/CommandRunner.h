@@ -15,7 +15,8 @@ namespace Kovo {
 void InstallHostPrograms(const HostCtl::HostPrograms* programs);
 
 // Runs a host program as a child: pipes for its three standard streams, the environment
-// "PYTHONHOME=/" alone, no other descriptor of ours, optional input, captured output cut to the given
+// "PYTHONHOME=/" alone, no other descriptor of ours, a session of its own (no key at the console's
+// terminal interrupts it, and it outlives a hang-up), optional input, captured output cut to the given
 // capacities (lengths are in/out: capacity in, bytes stored out; buffers may be null) and an optional
 // time-out in seconds (0 or less waits without limit). Returns the exit status, or -1 when the program
 // could not be started or did not end normally.
@@ -29,8 +30,10 @@ int RunCaptured(const std::string& program, const std::vector<std::string>& argv
                 std::string& error, int capacity);
 
 // A program that takes over the console's terminal, such as the log pager: it keeps the console's
-// standard streams and environment and gets the console's signals the ordinary way. Waits for it and
-// returns its exit status, or -1 when it could not be started or did not end normally.
+// standard streams and environment and gets signals the ordinary way, as a process group of its own in
+// the terminal's foreground, so the keys it reads (Ctrl-C among them) are its own. Waits for it (one that
+// suspends itself is continued), takes the terminal back, and returns its exit status, or -1 when it
+// could not be started or did not end normally.
 int RunOnTerminal(const char* program, const char* const argv[]);
 
 // A command line through "/bin/sh -c": no input, no capture, no time-out.

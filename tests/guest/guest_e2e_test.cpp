@@ -358,9 +358,17 @@ TEST_F(DebianGuest, TheSystemLogIsTheJournalInThePager) {
     term.Type("1");
     // The journal's own first line, and the console's own log lines in it.
     EXPECT_TRUE(term.WaitForText("kovo-guest kernel: Linux version", 60s)) << term.Dump();
+    // Follow mode, left the only way it can be: Ctrl-C, which is the pager's and not the console's.
+    const std::string pid = Trim(guest->Shell("systemctl show -p MainPID --value kovo@ttyS0.service"));
+    ASSERT_TRUE(term.WaitForQuiet(500ms, 30s));
+    term.Type("F");
+    term.Pause(1s);
+    term.SendRaw("\x03");
+    ASSERT_TRUE(term.WaitForQuiet(500ms, 30s));
     term.Type("q");
     EXPECT_TRUE(term.WaitForTextGone("kernel: Linux version", 30s)) << term.Dump();
     EXPECT_TRUE(term.WaitFor(MenuShown, 30s) && term.WaitForQuiet(500ms, 30s)) << term.Dump();
+    EXPECT_EQ(Trim(guest->Shell("systemctl show -p MainPID --value kovo@ttyS0.service")), pid);
     term.Press(Key::Escape);
     EXPECT_TRUE(term.WaitForText(kWelcomeKeys, 30s)) << term.Dump();
 }

@@ -107,7 +107,7 @@ const HostCtl::HostPrograms& HalvorHostFactory::Programs() const {
 }
 
 int HalvorHostFactory::Exec(const std::string& commandLine) const {
-    return Util::ZenkCtl_Exec(commandLine, false, true, false);
+    return Util::ZenkCtl_Exec(commandLine, false, true);
 }
 
 }  // namespace ZenkCtl

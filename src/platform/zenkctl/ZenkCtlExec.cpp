@@ -32,7 +32,7 @@ void LogLines(int fd) {
 
 }  // namespace
 
-int ZenkCtl_Exec(const std::string& command, bool logOutput, bool wait, bool detach) {
+int ZenkCtl_Exec(const std::string& command, bool logOutput, bool wait) {
     posix_spawn_file_actions_t actions;
     posix_spawnattr_t attributes;
     posix_spawn_file_actions_init(&actions);
@@ -48,8 +48,8 @@ int ZenkCtl_Exec(const std::string& command, bool logOutput, bool wait, bool det
         posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
     }
     posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    short flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
-    if (detach) flags |= POSIX_SPAWN_SETSID;
+    // Every command in a session of its own: no key at the console's terminal interrupts it.
+    const short flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSID;
     sigset_t none, all;
     sigemptyset(&none);
     sigfillset(&all);

@@ -10,7 +10,8 @@ namespace ZenkCtl::Util {
 //              otherwise both go to /dev/null.
 //   wait:      wait for the command and return its exit status (0-255; -1 when it could not be started
 //              or ended by a signal); otherwise return 0 as soon as it has started.
-//   detach:    run it in a session of its own, so it outlives the caller and its terminal.
-int ZenkCtl_Exec(const std::string& command, bool logOutput, bool wait, bool detach);
+// Every command runs in a session of its own: it outlives the caller and its terminal, and no key at that
+// terminal interrupts it.
+int ZenkCtl_Exec(const std::string& command, bool logOutput, bool wait);
 
 }  // namespace ZenkCtl::Util

@@ -1,8 +1,6 @@
 #include "system/LogPager.h"
 
 #include <curses.h>
-#include <pthread.h>
-#include <signal.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -52,15 +50,8 @@ int LogPager::Show(const std::string& file) const {
         result = RunOnTerminal(_program.c_str(), argv);
     }
 
+    // The runner has given the terminal's foreground back to the console.
     if (haveSaved) tcsetattr(STDOUT_FILENO, TCSANOW, &saved);
-    // The pager may have taken the terminal's foreground; the console needs it for its keys. SIGTTOU is
-    // held so that asking from the background cannot stop the console.
-    sigset_t ttou, previous;
-    sigemptyset(&ttou);
-    sigaddset(&ttou, SIGTTOU);
-    pthread_sigmask(SIG_BLOCK, &ttou, &previous);
-    tcsetpgrp(STDOUT_FILENO, getpgid(0));
-    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
     // The pager leaves the keypad in its own mode; switching it off and on sends ours again.
     keypad(stdscr, FALSE);
     keypad(stdscr, TRUE);

@@ -133,19 +133,19 @@ TEST_F(SystemTest, KeyboardAlertsFirewallAndVms) {
 }
 
 TEST(ZenkCtlExecTest, ReturnsExitStatusAndRunsDetachedCommands) {
-    EXPECT_EQ(ZenkCtl_Exec("exit 0", false, true, false), 0);
-    EXPECT_EQ(ZenkCtl_Exec("exit 3", false, true, false), 3);
-    EXPECT_EQ(ZenkCtl_Exec("echo logged; exit 4", true, true, false), 4);
-    EXPECT_EQ(ZenkCtl_Exec("kill -9 $$", false, true, false), -1);
-    EXPECT_EQ(ZenkCtl_Exec("/no/such/program", false, true, false), 127);
+    EXPECT_EQ(ZenkCtl_Exec("exit 0", false, true), 0);
+    EXPECT_EQ(ZenkCtl_Exec("exit 3", false, true), 3);
+    EXPECT_EQ(ZenkCtl_Exec("echo logged; exit 4", true, true), 4);
+    EXPECT_EQ(ZenkCtl_Exec("kill -9 $$", false, true), -1);
+    EXPECT_EQ(ZenkCtl_Exec("/no/such/program", false, true), 127);
     // The environment is the fixed one, not the caller's.
     setenv("KOVO_LEAK", "1", 1);
-    EXPECT_EQ(ZenkCtl_Exec("test -z \"$KOVO_LEAK\"", false, true, false), 0);
+    EXPECT_EQ(ZenkCtl_Exec("test -z \"$KOVO_LEAK\"", false, true), 0);
     unsetenv("KOVO_LEAK");
 
     TempDir dir;
     const std::string marker = dir.File("ran");
-    EXPECT_EQ(ZenkCtl_Exec("touch " + marker, false, false, true), 0);
+    EXPECT_EQ(ZenkCtl_Exec("touch " + marker, false, false), 0);
     // Wait (with a generous deadline) for the background command to leave its mark.
     for (int i = 0; i < 1000 && access(marker.c_str(), F_OK) != 0; ++i) usleep(10000);
     EXPECT_EQ(access(marker.c_str(), F_OK), 0);

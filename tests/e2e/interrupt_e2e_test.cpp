@@ -1,0 +1,76 @@
+// Ctrl-C is the console's key (it ends the console, which the host starts again). It never reaches a
+// program the console runs: a host command goes on to its end, and the pager, which has a use for
+// Ctrl-C of its own, hands the terminal back to the same console.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "HostSteps.h"
+
+using namespace KovoE2e;
+
+namespace {
+
+constexpr int kSystemLogsDowns = 7;
+constexpr const char* kPagerPrompt = "<Q> Quit </> RegExp Search <H> Help";
+
+std::vector<std::string> FileLines(const std::string& path) {
+    std::ifstream in(path);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
+
+TEST(CtrlC, DuringAHostCommandLetsItFinish) {
+    auto host = MakeHost("default");
+    const pid_t console = host->WaitForConsole();
+    ASSERT_GT(console, 0);
+    ASSERT_TRUE(
+        ReplaceHostProgram(*host, "/usr/sbin/firmwareConfig.py",
+                           "echo started > /var/log/went; while [ ! -e /run/go-on ]; do sleep 0.02; done; "
+                           "echo finished >> /var/log/went"));
+    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(*host, kResetDowns, "Reset System Configuration now?")) << host->Term().Dump();
+    host->Term().Press(Key::F11);
+    const std::string record = host->HostDir() + "/upper/var/log/went";
+    ASSERT_TRUE(host->Term().WaitUntil([&] { return FileLines(record).size() == 1; }))
+        << "the reset command did not start\n"
+        << host->Term().Dump();
+
+    host->Term().SendRaw("\x03");
+    // Long enough for an interrupt to have ended the command, had it reached it.
+    host->Term().Pause(500ms);
+    ASSERT_TRUE(HostConsole::WriteHostFile(console, "/run/go-on", "go\n"));
+    EXPECT_TRUE(host->Term().WaitUntil([&] { return FileLines(record).size() == 2; }))
+        << "the command was cut short";
+    EXPECT_EQ(FileLines(record), (std::vector<std::string>{"started", "finished"}));
+}
+
+TEST(CtrlC, InThePagerIsThePagersAndTheSessionGoesOn) {
+    auto host = MakeHost("default");
+    const pid_t console = host->WaitForConsole();
+    ASSERT_GT(console, 0);
+    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(*host, kSystemLogsDowns, "<1> Syslog")) << host->Term().Dump();
+    host->Term().Type("1");
+    ASSERT_TRUE(host->Term().WaitForText(kPagerPrompt)) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+    // Follow mode, left the only way it can be: Ctrl-C. Then the pager's own quit.
+    host->Term().Type("F");
+    host->Term().Pause(300ms);
+    host->Term().SendRaw("\x03");
+    ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+    host->Term().Type("q");
+    ASSERT_TRUE(host->Term().WaitFor(MenuShown)) << host->Term().Dump();
+    // The same console, still logged in, still taking keys.
+    host->Term().Pause(500ms);
+    EXPECT_EQ(host->WaitForConsole(), console);
+    EXPECT_FALSE(host->Term().WaitExit(200ms).has_value());
+    host->Term().Press(Key::Down);
+    EXPECT_TRUE(host->Term().WaitFor(MenuShown)) << host->Term().Dump();
+    EXPECT_TRUE(host->SyslogLines({"Starting KOVO"}).size() == 1u) << host->Syslog();
+}
+
+}  // namespace
