@@ -16,7 +16,8 @@ TEST(ShellWords, PlainWordsStayAsTheyAreAndTheRestComeBackWhole) {
     EXPECT_EQ(QuoteShellWord("zk0;echo INJECTED;#"), "'zk0;echo INJECTED;#'");
     EXPECT_EQ(QuoteShellWord("a'b"), "'a'\\''b'");
     EXPECT_EQ(QuoteShellWord(""), "''");
-    const std::vector<std::string> words{"/bin/zenkping", "-I", "zk0;echo INJECTED;#", "$(reboot)", "a'b", "", "x y"};
+    const std::vector<std::string> words{
+        "/bin/zenkping", "-I", "zk0;echo INJECTED;#", "$(reboot)", "a'b", "", "x y"};
     std::string line;
     for (const std::string& word : words) line += (line.empty() ? "" : " ") + QuoteShellWord(word);
     EXPECT_EQ(SplitShellWords(line), words) << line;
@@ -33,7 +34,8 @@ TEST(ShellWords, ALineThatAsksAShellForMoreIsNotSplit) {
 TEST(InterfaceNames, OnlyNamesTheKernelWouldGiveAnInterface) {
     for (const char* name : {"zk0", "ens3", "br-lab.10", "a", "fifteen-chars-x", "zk0;reboot"})
         EXPECT_TRUE(HostCtl::Network::IsValidInterfaceName(name)) << name;
-    for (const char* name : {"", ".", "..", "sixteen-chars-xx", "zk0;echo INJECTED;#", "a/b", "zk0:1", "tab\tx"})
+    for (const char* name :
+         {"", ".", "..", "sixteen-chars-xx", "zk0;echo INJECTED;#", "a/b", "zk0:1", "tab\tx"})
         EXPECT_FALSE(HostCtl::Network::IsValidInterfaceName(name)) << name;
 }
 
