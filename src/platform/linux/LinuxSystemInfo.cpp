@@ -92,7 +92,8 @@ void LinuxSystemInfo::SetKeyboardLayout(const std::string& layout) {
     const Layout* chosen = Find(layout);
     if (!chosen) throw HostCtl::Lib::HostCtlException("Unknown keyboard layout: " + layout);
     auto services = _services();
-    SystemServices::Keyboard keyboard = services->GetKeyboard();
+    const SystemServices::Keyboard before = services->GetKeyboard();
+    SystemServices::Keyboard keyboard = before;
     keyboard.layout = chosen->xkb;
     keyboard.variant = chosen->variant;
     if (keyboard.model.empty()) keyboard.model = kDefaultModel;
@@ -102,6 +103,12 @@ void LinuxSystemInfo::SetKeyboardLayout(const std::string& layout) {
     const int status =
         LinuxPrograms::RunDetached({kSetupcon, {"setupcon", "--force", "--keyboard-only"}}, &errors);
     if (status != 0) {
+        // Not half a change: the consoles kept the old layout, so the host's configuration keeps it too.
+        try {
+            services->SetKeyboard(before);
+        } catch (const HostCtl::Lib::HostCtlException& e) {
+            errors += std::string("\nThe previous layout could not be put back: ") + e.what();
+        }
         while (!errors.empty() && errors.back() == '\n') errors.pop_back();
         throw HostCtl::Lib::HostCtlException("The consoles did not take the layout " + layout +
                                              (errors.empty() ? "" : ": " + errors));
