@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,9 +17,6 @@ using KovoTerm::ProcessTree;
 
 namespace {
 
-// Entries below Configure Password down to View System Logs (blank lines are skipped).
-constexpr int kSystemLogsDowns = 7;
-constexpr const char* kPagerPrompt = "<Q> Quit </> RegExp Search <H> Help";
 // Far above the few milliseconds a clean end takes, far below what a spinning key loop burns before
 // the host's grace period runs out.
 constexpr auto kCpuBound = 500ms;
@@ -39,13 +35,6 @@ std::optional<std::chrono::milliseconds> CpuUntilGone(HostConsole& host, pid_t c
         30s, 5ms);
     if (!gone) return std::nullopt;
     return most;
-}
-
-std::vector<std::string> FileLines(const std::string& path) {
-    std::ifstream in(path);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    return lines;
 }
 
 // After the terminal hung up, the console ends with status 0 (the launcher runs it once and exits with
@@ -95,17 +84,8 @@ TEST(TerminalHangUp, DuringAHostCommand) {
     auto host = MakeHost("default");
     const pid_t console = host->WaitForConsole();
     ASSERT_GT(console, 0);
-    ASSERT_TRUE(
-        ReplaceHostProgram(*host, "/usr/sbin/firmwareConfig.py",
-                           "echo started > /var/log/went; while [ ! -e /run/go-on ]; do sleep 0.02; done; "
-                           "echo finished >> /var/log/went"));
-    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
-    ASSERT_TRUE(OpenFromMenu(*host, kResetDowns, "Reset System Configuration now?")) << host->Term().Dump();
-    host->Term().Press(Key::F11);
-    const std::string record = host->HostDir() + "/upper/var/log/went";
-    ASSERT_TRUE(host->Term().WaitUntil([&] { return FileLines(record).size() == 1; }))
-        << "the reset command did not start\n"
-        << host->Term().Dump();
+    const std::string record = StartHeldReset(*host);
+    ASSERT_FALSE(record.empty()) << "the reset command did not start\n" << host->Term().Dump();
 
     host->Term().HangUp();
     ASSERT_TRUE(HostConsole::WriteHostFile(console, "/run/go-on", "go\n"));

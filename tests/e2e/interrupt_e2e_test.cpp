@@ -3,7 +3,6 @@
 // Ctrl-C of its own, hands the terminal back to the same console.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -13,31 +12,12 @@ using namespace KovoE2e;
 
 namespace {
 
-constexpr int kSystemLogsDowns = 7;
-constexpr const char* kPagerPrompt = "<Q> Quit </> RegExp Search <H> Help";
-
-std::vector<std::string> FileLines(const std::string& path) {
-    std::ifstream in(path);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    return lines;
-}
-
 TEST(CtrlC, DuringAHostCommandLetsItFinish) {
     auto host = MakeHost("default");
     const pid_t console = host->WaitForConsole();
     ASSERT_GT(console, 0);
-    ASSERT_TRUE(
-        ReplaceHostProgram(*host, "/usr/sbin/firmwareConfig.py",
-                           "echo started > /var/log/went; while [ ! -e /run/go-on ]; do sleep 0.02; done; "
-                           "echo finished >> /var/log/went"));
-    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
-    ASSERT_TRUE(OpenFromMenu(*host, kResetDowns, "Reset System Configuration now?")) << host->Term().Dump();
-    host->Term().Press(Key::F11);
-    const std::string record = host->HostDir() + "/upper/var/log/went";
-    ASSERT_TRUE(host->Term().WaitUntil([&] { return FileLines(record).size() == 1; }))
-        << "the reset command did not start\n"
-        << host->Term().Dump();
+    const std::string record = StartHeldReset(*host);
+    ASSERT_FALSE(record.empty()) << "the reset command did not start\n" << host->Term().Dump();
 
     host->Term().SendRaw("\x03");
     // Long enough for an interrupt to have ended the command, had it reached it.

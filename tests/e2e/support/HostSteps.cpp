@@ -132,6 +132,26 @@ size_t CommandCount(const HostConsole& host, const std::vector<std::string>& par
     return count;
 }
 
+std::vector<std::string> FileLines(const std::string& path) {
+    std::ifstream in(path);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
+
+std::string StartHeldReset(HostConsole& host) {
+    if (!ReplaceHostProgram(host, "/usr/sbin/firmwareConfig.py",
+                            "echo started > /var/log/went; while [ ! -e /run/go-on ]; do sleep 0.02; done; "
+                            "echo finished >> /var/log/went"))
+        return "";
+    if (!LogIn(host, "", kRootPassword) ||
+        !OpenFromMenu(host, kResetDowns, "Reset System Configuration now?"))
+        return "";
+    host.Term().Press(Key::F11);
+    const std::string record = host.HostDir() + "/upper/var/log/went";
+    return host.Term().WaitUntil([&] { return FileLines(record).size() == 1; }) ? record : "";
+}
+
 bool ReplaceHostProgram(HostConsole& host, const std::string& path, const std::string& script) {
     const std::string body = "rm -f " + path + " && printf '%s\\n' '#!/bin/sh' '" + script + "' > " + path +
                              " && chmod 755 " + path;

@@ -34,6 +34,9 @@ inline constexpr const char* kTroubleshootingTitle = "Troubleshooting Mode Optio
 inline constexpr int kLockdownDowns = 1;
 inline constexpr int kTroubleshootingDowns = 6;
 inline constexpr int kResetDowns = 9;
+// Entries below Configure Password down to View System Logs (blank lines are skipped).
+inline constexpr int kSystemLogsDowns = 7;
+inline constexpr const char* kPagerPrompt = "<Q> Quit </> RegExp Search <H> Help";
 
 // JSON pointer and JSON value pairs.
 using StoreChanges = std::vector<std::pair<std::string, std::string>>;
@@ -74,6 +77,13 @@ bool WaitForSyslogCount(HostConsole& host, const std::vector<std::string>& parts
 size_t CommandCount(const HostConsole& host, const std::vector<std::string>& parts);
 // Replaces a host program with a script of its own (inside the host, so only the host's disk changes).
 bool ReplaceHostProgram(HostConsole& host, const std::string& path, const std::string& script);
+
+// The lines of a file of this machine (a host's record seen through its upper directory).
+std::vector<std::string> FileLines(const std::string& path);
+// Logs in and starts the configuration reset with the host's reset program replaced by one that records
+// "started", waits until "/run/go-on" exists in the host and records "finished". Returns the record's
+// path once "started" is in it; "" when the reset did not start.
+std::string StartHeldReset(HostConsole& host);
 
 // No secret anywhere an operator or an administrator could read it.
 void ExpectSecretNowhere(HostConsole& host, const std::string& secret);
