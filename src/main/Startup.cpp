@@ -23,6 +23,7 @@
 #include "frames/Frame.h"
 #include "frames/HostAccess.h"
 #include "main/HostPlatformChoice.h"
+#include "network/NetworkTest.h"
 #include "session/WelcomeWindow.h"
 #include "terminal/Colors.h"
 #include "terminal/CommandRunner.h"
@@ -277,8 +278,6 @@ int RunConsole(int argc, char** argv) {
     tcgetattr(1, &orig_termios);
     usingKeyboard = DecideTerminal(IsLinuxConsole(1));
 
-    openlog("KOVO", LOG_PID, LOG_USER);
-    setlogmask(LOG_UPTO(LOG_INFO));
     syslog(LOG_INFO, "Starting KOVO");
 
     GuardPidFile(KOVO_PID_FILE);
@@ -321,6 +320,11 @@ int RunConsole(int argc, char** argv) {
 int KovoMain(int argc, char** argv) {
     Harden();
     std::set_terminate(EndOnTerminate);
+    openlog("KOVO", LOG_PID, LOG_USER);
+    setlogmask(LOG_UPTO(LOG_INFO));
+    // A console killed during a resolve test left the host's name out of the hosts file: it goes back
+    // before anything else runs.
+    NetworkTest::PutBackLeftoverHosts();
     return RunToTheEnd([argc, argv] { return RunConsole(argc, argv); });
 }
 

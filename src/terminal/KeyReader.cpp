@@ -49,6 +49,7 @@ char SignalByte(int sig) {
         case SIGINT:
         case SIGQUIT:
         case SIGTERM:
+        case SIGHUP:  // a serial or SSH terminal going away
             return 4;
         default:
             return 0;
@@ -83,7 +84,7 @@ void StartSignalThread() {
         exit(1);
     }
     sigemptyset(&Session::_signalSet);
-    for (int sig : {SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGWINCH})
+    for (int sig : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGUSR1, SIGUSR2, SIGWINCH})
         sigaddset(&Session::_signalSet, sig);
     int rc = pthread_sigmask(SIG_BLOCK, &Session::_signalSet, nullptr);
     if (rc != 0) {

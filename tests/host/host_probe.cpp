@@ -5,7 +5,7 @@
 //   host_probe value <variable>            -> the variable's value as markup shows it
 //   host_probe resolve <name> [locked]     -> "result=<n> same=<true|false>": the network test's resolve
 //                                             test, the hosts file compared before and after; "locked"
-//                                             holds the backup as another console's test would
+//                                             holds the backup's lock as another console's test would
 #include <fcntl.h>
 #include <sys/file.h>
 #include <syslog.h>
@@ -19,6 +19,7 @@
 
 #include "frames/HostAccess.h"
 #include "main/HostPlatformChoice.h"
+#include "network/HostsFileBackup.h"
 #include "network/NetworkTest.h"
 #include "terminal/CommandRunner.h"
 #include "text/HostPlatform.h"
@@ -59,7 +60,8 @@ int main(int argc, char** argv) {
         };
         const std::string before = hosts();
         if (argc == 4) {
-            const int other = open("/etc/hosts.backup", O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+            const int other =
+                open(Kovo::HostsFileBackup::Paths().lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
             if (other < 0 || flock(other, LOCK_EX) != 0) return 2;
         }
         const int result = Kovo::NetworkTest::Resolve(host, argv[2]);

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/WholeFile.h"
 
 namespace LinuxHost {
 
@@ -47,15 +48,11 @@ json Load(const std::filesystem::path& file) {
 void Save(const std::filesystem::path& file, const json& document) {
     std::error_code error;
     std::filesystem::create_directories(file.parent_path(), error);
-    const std::filesystem::path temporary = file.string() + ".new";
-    {
-        std::ofstream out(temporary, std::ios::trunc);
-        out << document.dump(2) << "\n";
-        out.flush();
-        if (!out) throw HostCtlException("The console's options cannot be written: " + temporary.string());
+    try {
+        HostCtl::WriteWholeFile(file.string(), document.dump(2) + "\n");
+    } catch (const std::system_error& e) {
+        throw HostCtlException("The console's options cannot be written: " + e.code().message());
     }
-    std::filesystem::rename(temporary, file, error);
-    if (error) throw HostCtlException("The console's options cannot be written: " + error.message());
 }
 
 class FileOption : public HostCtl::Adv::Option {

@@ -1,19 +1,10 @@
 #include "platform/zenkctl/HostsFile.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <strings.h>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <sstream>
 #include <vector>
 
-#include "platform/hostctl/HostCtlException.h"
-
-using HostCtl::Lib::HostCtlException;
+#include "platform/hostctl/WholeFile.h"
 
 namespace ZenkCtl::Network {
 
@@ -57,47 +48,10 @@ std::string HostsFile::RemoveName(const std::string& text, const std::string& na
 
 bool HostsFile::RemoveEntryByHostName(const std::string& name) {
     if (name.empty()) return false;
-    std::ifstream in(_path, std::ios::binary);
-    if (!in) throw HostCtlException("Cannot read " + _path + ": " + std::strerror(errno));
-    std::stringstream buffer;
-    buffer << in.rdbuf();
     bool found = false;
-    const std::string text = RemoveName(buffer.str(), name, found);
-    if (!found) return false;
-
-    const std::string temp = _path + ".kovo-tmp";
-    const int fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (fd < 0) throw HostCtlException("Cannot write " + _path + ": " + std::strerror(errno));
-    size_t done = 0;
-    bool ok = true;
-    while (done < text.size()) {
-        const ssize_t n = ::write(fd, text.data() + done, text.size() - done);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) {
-            ok = false;
-            break;
-        }
-        done += static_cast<size_t>(n);
-    }
-    struct stat st {};
-    if (ok && ::stat(_path.c_str(), &st) == 0) (void)::fchmod(fd, st.st_mode & 07777);
-    ok = ok && ::fsync(fd) == 0;
-    ok = (::close(fd) == 0) && ok;
-    if (ok && ::rename(temp.c_str(), _path.c_str()) != 0 && (errno == EBUSY || errno == EXDEV)) {
-        // The hosts file is a mount point (a bind-mounted file cannot be renamed over): write in place.
-        ::unlink(temp.c_str());
-        std::ofstream inPlace(_path, std::ios::binary | std::ios::trunc);
-        inPlace << text;
-        inPlace.flush();
-        if (!inPlace) throw HostCtlException("Cannot write " + _path + ": " + std::strerror(errno));
-        return true;
-    }
-    if (!ok || ::access(temp.c_str(), F_OK) == 0) {
-        const int err = errno;
-        ::unlink(temp.c_str());
-        throw HostCtlException("Cannot write " + _path + ": " + std::strerror(err));
-    }
-    return true;
+    const std::string text = RemoveName(HostCtl::ReadWholeFile(_path), name, found);
+    if (found) HostCtl::WriteWholeFile(_path, text);
+    return found;
 }
 
 }  // namespace ZenkCtl::Network

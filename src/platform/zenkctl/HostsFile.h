@@ -11,7 +11,7 @@ namespace ZenkCtl::Network {
 class HostsFile : public HostCtl::Network::HostsFile {
   public:
     explicit HostsFile(std::string path = "/etc/hosts");
-    // True when the name was found. HostCtlException when the file cannot be read or written.
+    // True when the name was found. std::system_error when the file cannot be read or written.
     bool RemoveEntryByHostName(const std::string& name) override;
     // The rewritten text; exposed for tests and fuzzing.
     static std::string RemoveName(const std::string& text, const std::string& name, bool& found);

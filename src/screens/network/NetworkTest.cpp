@@ -1,24 +1,19 @@
 #include "network/NetworkTest.h"
 
-#include <fcntl.h>
 #include <netdb.h>
-#include <sys/file.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <condition_variable>
 #include <cstdlib>
-#include <cstring>
-#include <filesystem>
 #include <functional>
 #include <mutex>
 #include <system_error>
 #include <thread>
 
+#include "network/HostsFileBackup.h"
 #include "network/LinkLocal.h"
 #include "network/NetworkLog.h"
-#include "platform/hostctl/HostsFile.h"
 #include "platform/hostctl/Ipv6Address.h"
 #include "platform/hostctl/ShellWords.h"
 
@@ -26,22 +21,15 @@ namespace Kovo {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-constexpr const char* kHosts = "/etc/hosts";
-constexpr const char* kBackup = "/etc/hosts.backup";
-
 // Who may touch the hosts file. A resolve test takes the host's name out of it; until the backup is put
-// back the name is "in flight", and an ending console puts it back itself. Only one test at a time may
-// have a name out, or the second would back up a file already missing the first's name: within this
-// console the guard sees to that, and a lock on the backup keeps out the tests of other consoles.
+// back the name is out, and an ending console puts it back itself. Only one test at a time may have a
+// name out, or the second would back up a file already missing the first's name: within this console
+// the guard sees to that, and the backup's lock keeps out the tests of other consoles.
 struct HostsGuard {
     std::mutex mutex;
     std::condition_variable idle;
-    bool inFlight = false;
+    HostsFileBackup backup;
     bool ending = false;  // no test may take a name out any more
-    bool stuck = false;   // the backup could not be put back: it is the only whole copy
-    int backupLock = -1;
 };
 
 // Never destroyed: a test thread may still be running while the process ends.
@@ -50,65 +38,13 @@ HostsGuard& Guard() {
     return *guard;
 }
 
-// The functions below are called with the guard held.
-
-void ReleaseBackup(HostsGuard& guard) {
-    if (guard.backupLock >= 0) ::close(guard.backupLock);
-    guard.backupLock = -1;
-}
-
-// The backup in place of the hosts file, in one rename so that no reader sees half a file. False
-// (logged) when it cannot be done; the backup then stays locked and no test touches the file again.
-bool PutBackHosts(HostsGuard& guard) {
-    const std::string temp = std::string(kHosts) + ".kovo-restore";
-    std::error_code error;
-    fs::copy_file(kBackup, temp, fs::copy_options::overwrite_existing, error);
-    if (!error) fs::rename(temp, kHosts, error);
-    if (error) {
-        LogError(std::string("failed to restore /etc/hosts: ") + error.message());
-        guard.stuck = true;
-        return false;
-    }
-    guard.inFlight = false;
-    ReleaseBackup(guard);
-    return true;
-}
-
-// Backs the hosts file up and takes `name` out of it; false (logged) when the test cannot run.
 bool TakeNameOut(HostsGuard& guard, HostAccess& host, const std::string& name) {
-    if (guard.stuck) {
-        LogError("/etc/hosts was not put back after an earlier resolve test; it is left alone");
-        return false;
-    }
-    const int lock = ::open(kBackup, O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    if (lock < 0) {
-        LogError(std::string("failed to backup /etc/hosts: ") + std::strerror(errno));
-        return false;
-    }
-    if (::flock(lock, LOCK_EX | LOCK_NB) != 0) {
-        ::close(lock);
-        LogError("failed to backup /etc/hosts: another console is testing name resolution");
-        return false;
-    }
-    guard.backupLock = lock;
-    std::error_code error;
-    fs::copy_file(kHosts, kBackup, fs::copy_options::overwrite_existing, error);
-    if (error) {
-        LogError(std::string("failed to backup /etc/hosts: ") + error.message());
-        ReleaseBackup(guard);
-        return false;
-    }
     try {
-        guard.inFlight = host.HostsFile()->RemoveEntryByHostName(name);
+        return guard.backup.TakeNameOut(*host.HostsFile(), name);
     } catch (const std::exception& e) {
-        // An entry left in place would answer for the name servers and pass a test that should fail.
         LogFailure("Unable to take " + name + " out of /etc/hosts: ", e);
-        ReleaseBackup(guard);
         return false;
     }
-    // Without an entry nothing is out, and nothing is put back over what the host may write meanwhile.
-    if (!guard.inFlight) ReleaseBackup(guard);
-    return true;
 }
 
 // Runs `work` on a thread nobody joins; whatever it throws counts as a failure, never as an end of the
@@ -154,7 +90,8 @@ int NetworkTest::Resolve(HostAccess& host, const std::string& name) {
     HostsGuard& guard = Guard();
     {
         std::unique_lock lock(guard.mutex);
-        guard.idle.wait(lock, [&] { return !guard.inFlight || guard.ending || guard.stuck; });
+        guard.idle.wait(lock,
+                        [&] { return !guard.backup.NameOut() || guard.backup.Stuck() || guard.ending; });
         if (guard.ending || !TakeNameOut(guard, host, name)) return 1;
     }
     addrinfo* found = nullptr;
@@ -163,10 +100,16 @@ int NetworkTest::Resolve(HostAccess& host, const std::string& name) {
     {
         std::lock_guard lock(guard.mutex);
         // The ending console may have put it back already.
-        if (guard.inFlight) PutBackHosts(guard);
+        guard.backup.PutBack();
     }
     guard.idle.notify_all();
     return resolved ? 0 : 1;
+}
+
+bool NetworkTest::PutBackLeftoverHosts() {
+    HostsGuard& guard = Guard();
+    std::lock_guard lock(guard.mutex);
+    return guard.backup.PutBackLeftover();
 }
 
 TestResult NetworkTest::StartResolve(HostAccess& host, const std::string& name) {
@@ -179,7 +122,7 @@ void NetworkTest::RestoreHostsForExit() {
     HostsGuard& guard = Guard();
     std::lock_guard lock(guard.mutex);
     guard.ending = true;
-    if (guard.inFlight && PutBackHosts(guard))
+    if (guard.backup.NameOut() && guard.backup.PutBack())
         LogInfo("Put back /etc/hosts after an interrupted resolve test");
     guard.idle.notify_all();
 }

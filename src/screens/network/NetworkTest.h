@@ -33,6 +33,9 @@ class NetworkTest {
     static TestResult StartResolve(HostAccess& host, const std::string& name);
     // The resolve test's work, on the calling thread: 0 when the name resolved.
     static int Resolve(HostAccess& host, const std::string& name);
+    // At start-up: puts back the hosts file a killed console's resolve test left without the host's
+    // name. True when it did.
+    static bool PutBackLeftoverHosts();
     // Puts back a hosts file a running resolve test has taken the name out of, and lets no further
     // test start. Runs when the console ends, however it ends (registered with atexit).
     static void RestoreHostsForExit();
