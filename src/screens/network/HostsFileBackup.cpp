@@ -75,7 +75,9 @@ bool HostsFileBackup::PutBackLeftover() {
     // Checked again under the lock: the console that held it may have put its backup back meanwhile.
     const bool leftover = IsRegularFile(_paths.backup);
     const bool restored = leftover && Restore(error);
-    if (restored) LogInfo("Put back " + _paths.hosts + " from " + _paths.backup + " left by an interrupted resolve test");
+    if (restored)
+        LogInfo("Put back " + _paths.hosts + " from " + _paths.backup +
+                " left by an interrupted resolve test");
     if (leftover && !restored) {
         LogError("failed to restore " + _paths.hosts + ": " + error);
         _stuck = true;

@@ -130,7 +130,8 @@ TEST_F(HostsFileBackupTest, ABackupThatCannotBeMadeOrPutBackLeavesTheFileAlone) 
     EXPECT_EQ(log, (std::vector<std::string>{
                        "error: failed to backup " + paths.hosts + ": Is a directory",
                        "error: failed to restore " + paths.hosts + ": Is a directory",
-                       "error: " + paths.hosts + " was not put back after an earlier resolve test; it is left alone",
+                       "error: " + paths.hosts +
+                           " was not put back after an earlier resolve test; it is left alone",
                    }));
 }
 

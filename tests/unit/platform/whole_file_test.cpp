@@ -45,7 +45,8 @@ TEST(WholeFile, AFailureNamesTheFileAndKeepsItsReason) {
         ADD_FAILURE() << "a missing file was read";
     } catch (const std::system_error& e) {
         EXPECT_EQ(e.code().value(), ENOENT);
-        EXPECT_EQ(std::string(e.what()), "Cannot read " + dir.File("missing") + ": No such file or directory");
+        EXPECT_EQ(std::string(e.what()),
+                  "Cannot read " + dir.File("missing") + ": No such file or directory");
     }
     // A directory in the way: nothing is written, nothing left beside it.
     std::filesystem::create_directory(dir.File("taken"));
