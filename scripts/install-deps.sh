@@ -6,13 +6,15 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config git
   libncurses-dev ncurses-term libpam0g-dev
-  libboost-filesystem-dev libboost-system-dev libboost-regex-dev nlohmann-json3-dev
+  # Boost.Regex is header-only from 1.76: no shared library and no ICU to load at start-up
+  libboost1.81-dev nlohmann-json3-dev
   libmnl-dev libsystemd-dev libvirt-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libvterm-dev libfaketime faketime
   clang libclang-rt-dev clang-format-14
   util-linux iproute2 dnsmasq-base less openssl openssh-client procps locales
-  whiptail
+  # the start-up benchmark's yardsticks (bench/)
+  whiptail dialog
   # the Debian package (scripts/package.sh) and the check of its manual page (tests/package)
   dpkg-dev groff-base man-db
   # the Debian 12 guest (guest/kovo-vm): its root, the x86 emulator alone, overlays, the guest agent client

@@ -1,11 +1,10 @@
 #include "platform/linux/LinuxNic.h"
 
-#include <systemd/sd-hwdb.h>
-
 #include <cstdlib>
 
 #include "platform/linux/NotAvailable.h"
 #include "platform/linux/RunningAddresses.h"
+#include "platform/linux/Systemd.h"
 
 namespace LinuxHost {
 
@@ -19,11 +18,16 @@ std::string NetPath(const std::string& name, const char* attribute) {
 std::string ModelOf(const std::string& modalias) {
     if (modalias.empty()) return {};
     sd_hwdb* hwdb = nullptr;
-    if (sd_hwdb_new(&hwdb) < 0) return {};
+    try {
+        if (Systemd::HwdbNew(&hwdb) < 0) return {};
+    } catch (const std::exception&) {
+        return {};  // no hardware database to ask: the model stays unknown
+    }
     const char* model = nullptr;
     std::string result;
-    if (sd_hwdb_get(hwdb, modalias.c_str(), "ID_MODEL_FROM_DATABASE", &model) >= 0 && model) result = model;
-    sd_hwdb_unref(hwdb);
+    if (Systemd::HwdbGet(hwdb, modalias.c_str(), "ID_MODEL_FROM_DATABASE", &model) >= 0 && model)
+        result = model;
+    Systemd::HwdbUnref(hwdb);
     return result;
 }
 

@@ -1,6 +1,5 @@
 #include "platform/linux/SystemServices.h"
 
-#include <systemd/sd-bus.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -8,6 +7,7 @@
 #include <thread>
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/linux/Systemd.h"
 
 namespace LinuxHost {
 
@@ -23,8 +23,8 @@ struct Call {
     sd_bus_error error = SD_BUS_ERROR_NULL;
     sd_bus_message* reply = nullptr;
     ~Call() {
-        sd_bus_error_free(&error);
-        sd_bus_message_unref(reply);
+        Systemd::ErrorFree(&error);
+        Systemd::MessageUnref(reply);
     }
     [[noreturn]] void Fail(const std::string& what, int result) const {
         const char* reason = error.message ? error.message : strerror(-result);
@@ -35,33 +35,32 @@ struct Call {
 }  // namespace
 
 SystemServices::SystemServices() {
-    const int result = sd_bus_open_system(&_bus);
+    const int result = Systemd::BusOpenSystem(&_bus);
     if (result < 0)
         throw HostCtl::Lib::HostCtlException(std::string("The host's system bus cannot be reached: ") +
                                              strerror(-result));
 }
 
 SystemServices::~SystemServices() {
-    sd_bus_flush_close_unref(_bus);
+    Systemd::BusFlushCloseUnref(_bus);
 }
 
 std::string SystemServices::UnitPath(const std::string& unit) {
     Call call;
     // LoadUnit answers for units that are not running too, and for names the host does not know (their
     // state then reads "inactive" and their load state "not-found").
-    const int result = sd_bus_call_method(_bus, kSystemd, kSystemdPath, kManager, "LoadUnit", &call.error,
-                                          &call.reply, "s", unit.c_str());
+    const int result = Systemd::CallMethod(_bus, kSystemd, kSystemdPath, kManager, "LoadUnit", &call.error,
+                                           &call.reply, "s", unit.c_str());
     if (result < 0) call.Fail("Cannot look up " + unit, result);
     const char* path = nullptr;
-    if (sd_bus_message_read(call.reply, "o", &path) < 0 || !path)
-        call.Fail("Cannot look up " + unit, -EBADMSG);
+    if (Systemd::Read(call.reply, "o", &path) < 0 || !path) call.Fail("Cannot look up " + unit, -EBADMSG);
     return path;
 }
 
 std::string SystemServices::UnitProperty(const std::string& unit, const char* property) {
     Call call;
     char* value = nullptr;
-    const int result = sd_bus_get_property_string(_bus, kSystemd, UnitPath(unit).c_str(), kUnit, property,
+    const int result = Systemd::GetPropertyString(_bus, kSystemd, UnitPath(unit).c_str(), kUnit, property,
                                                   &call.error, &value);
     if (result < 0) call.Fail("Cannot read " + unit, result);
     std::string text = value;
@@ -80,8 +79,8 @@ bool SystemServices::IsInstalled(const std::string& unit) {
 void SystemServices::Settle(const std::string& unit, const char* method, bool wantActive) {
     {
         Call call;
-        const int result = sd_bus_call_method(_bus, kSystemd, kSystemdPath, kManager, method, &call.error,
-                                              &call.reply, "ss", unit.c_str(), "replace");
+        const int result = Systemd::CallMethod(_bus, kSystemd, kSystemdPath, kManager, method, &call.error,
+                                               &call.reply, "ss", unit.c_str(), "replace");
         if (result < 0) call.Fail(std::string("Cannot ") + (wantActive ? "start " : "stop ") + unit, result);
     }
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(kSettleSeconds);
@@ -108,12 +107,11 @@ void SystemServices::Restart(const std::string& unit) {
 
 bool SystemServices::IsEnabled(const std::string& unit) {
     Call call;
-    const int result = sd_bus_call_method(_bus, kSystemd, kSystemdPath, kManager, "GetUnitFileState",
-                                          &call.error, &call.reply, "s", unit.c_str());
+    const int result = Systemd::CallMethod(_bus, kSystemd, kSystemdPath, kManager, "GetUnitFileState",
+                                           &call.error, &call.reply, "s", unit.c_str());
     if (result < 0) call.Fail("Cannot read whether " + unit + " starts at boot", result);
     const char* state = nullptr;
-    if (sd_bus_message_read(call.reply, "s", &state) < 0 || !state)
-        call.Fail("Cannot read " + unit, -EBADMSG);
+    if (Systemd::Read(call.reply, "s", &state) < 0 || !state) call.Fail("Cannot read " + unit, -EBADMSG);
     return strcmp(state, "enabled") == 0 || strcmp(state, "enabled-runtime") == 0 ||
            strcmp(state, "alias") == 0;
 }
@@ -121,8 +119,8 @@ bool SystemServices::IsEnabled(const std::string& unit) {
 void SystemServices::Enable(const std::string& unit) {
     {
         Call call;
-        const int result = sd_bus_call_method(_bus, kSystemd, kSystemdPath, kManager, "EnableUnitFiles",
-                                              &call.error, &call.reply, "asbb", 1, unit.c_str(), 0, 0);
+        const int result = Systemd::CallMethod(_bus, kSystemd, kSystemdPath, kManager, "EnableUnitFiles",
+                                               &call.error, &call.reply, "asbb", 1, unit.c_str(), 0, 0);
         if (result < 0) call.Fail("Cannot make " + unit + " start at boot", result);
     }
     Reload();
@@ -131,8 +129,8 @@ void SystemServices::Enable(const std::string& unit) {
 void SystemServices::Disable(const std::string& unit) {
     {
         Call call;
-        const int result = sd_bus_call_method(_bus, kSystemd, kSystemdPath, kManager, "DisableUnitFiles",
-                                              &call.error, &call.reply, "asb", 1, unit.c_str(), 0);
+        const int result = Systemd::CallMethod(_bus, kSystemd, kSystemdPath, kManager, "DisableUnitFiles",
+                                               &call.error, &call.reply, "asb", 1, unit.c_str(), 0);
         if (result < 0) call.Fail("Cannot stop " + unit + " from starting at boot", result);
     }
     Reload();
@@ -141,23 +139,23 @@ void SystemServices::Disable(const std::string& unit) {
 void SystemServices::Reload() {
     Call call;
     const int result =
-        sd_bus_call_method(_bus, kSystemd, kSystemdPath, kManager, "Reload", &call.error, &call.reply, "");
+        Systemd::CallMethod(_bus, kSystemd, kSystemdPath, kManager, "Reload", &call.error, &call.reply, "");
     if (result < 0) call.Fail("Cannot reload the service manager", result);
 }
 
 void SystemServices::PowerOff() {
     Call call;
     const int result =
-        sd_bus_call_method(_bus, "org.freedesktop.login1", "/org/freedesktop/login1",
-                           "org.freedesktop.login1.Manager", "PowerOff", &call.error, &call.reply, "b", 0);
+        Systemd::CallMethod(_bus, "org.freedesktop.login1", "/org/freedesktop/login1",
+                            "org.freedesktop.login1.Manager", "PowerOff", &call.error, &call.reply, "b", 0);
     if (result < 0) call.Fail("The host refused to shut down", result);
 }
 
 void SystemServices::Reboot() {
     Call call;
     const int result =
-        sd_bus_call_method(_bus, "org.freedesktop.login1", "/org/freedesktop/login1",
-                           "org.freedesktop.login1.Manager", "Reboot", &call.error, &call.reply, "b", 0);
+        Systemd::CallMethod(_bus, "org.freedesktop.login1", "/org/freedesktop/login1",
+                            "org.freedesktop.login1.Manager", "Reboot", &call.error, &call.reply, "b", 0);
     if (result < 0) call.Fail("The host refused to restart", result);
 }
 
@@ -166,7 +164,7 @@ SystemServices::Keyboard SystemServices::GetKeyboard() {
         Call call;
         char* value = nullptr;
         const int result =
-            sd_bus_get_property_string(_bus, "org.freedesktop.locale1", "/org/freedesktop/locale1",
+            Systemd::GetPropertyString(_bus, "org.freedesktop.locale1", "/org/freedesktop/locale1",
                                        "org.freedesktop.locale1", name, &call.error, &value);
         if (result < 0) call.Fail("Cannot read the keyboard layout", result);
         std::string text = value;
@@ -179,7 +177,7 @@ SystemServices::Keyboard SystemServices::GetKeyboard() {
 void SystemServices::SetKeyboard(const Keyboard& keyboard) {
     Call call;
     // convert=false: the console keymap is the host's to derive; not interactive: no prompts.
-    const int result = sd_bus_call_method(
+    const int result = Systemd::CallMethod(
         _bus, "org.freedesktop.locale1", "/org/freedesktop/locale1", "org.freedesktop.locale1",
         "SetX11Keyboard", &call.error, &call.reply, "ssssbb", keyboard.layout.c_str(), keyboard.model.c_str(),
         keyboard.variant.c_str(), keyboard.options.c_str(), 0, 0);

@@ -1,11 +1,11 @@
 #include "access/Pam.h"
 
-#include <security/pam_appl.h>
 #include <string.h>
 #include <unistd.h>
 
 #include <cstdlib>
 
+#include "access/PamLibrary.h"
 #include "terminal/Session.h"
 
 namespace Kovo {
@@ -39,7 +39,7 @@ void SetTerminal(pam_handle_t* handle) {
     const char* path = ttyname(STDIN_FILENO);
     if (!path) return;
     if (strncmp(path, "/dev/", 5) == 0) path += 5;
-    pam_set_item(handle, PAM_TTY, path);
+    PamLibrary::SetItem(handle, PAM_TTY, path);
 }
 
 }  // namespace
@@ -74,13 +74,13 @@ int PamAuthenticate(const std::string& user, const std::string& password) {
     PamSecrets secrets{password, {}, false};
     const pam_conv conversation{PamAnswerConversation, &secrets};
     pam_handle_t* handle = nullptr;
-    int status = pam_start(KOVO_APP, user.c_str(), &conversation, &handle);
+    int status = PamLibrary::Start(KOVO_APP, user.c_str(), &conversation, &handle);
     if (status == PAM_SUCCESS) {
         SetTerminal(handle);
-        status = pam_authenticate(handle, PAM_SILENT);
-        if (status == PAM_SUCCESS) status = pam_acct_mgmt(handle, PAM_SILENT);
+        status = PamLibrary::Authenticate(handle, PAM_SILENT);
+        if (status == PAM_SUCCESS) status = PamLibrary::AcctMgmt(handle, PAM_SILENT);
     }
-    if (handle) pam_end(handle, status);
+    if (handle) PamLibrary::End(handle, status);
     return status;
 }
 
@@ -90,24 +90,25 @@ bool PamChangePassword(const std::string& user, const std::string& oldPassword,
     pamConvRespCount = 0;
     const pam_conv conversation{PamAnswerConversation, &secrets};
     pam_handle_t* handle = nullptr;
-    int status = pam_start(KOVO_APP, user.c_str(), &conversation, &handle);
+    int status = PamLibrary::Start(KOVO_APP, user.c_str(), &conversation, &handle);
     if (status != PAM_SUCCESS) {
-        if (handle) pam_end(handle, status);
+        if (handle) PamLibrary::End(handle, status);
         return false;
     }
     SetTerminal(handle);
-    status = pam_authenticate(handle, PAM_SILENT);
+    status = PamLibrary::Authenticate(handle, PAM_SILENT);
     // An expired password still proves who the user is: that is exactly when it must be changed.
-    if (status == PAM_SUCCESS || status == PAM_NEW_AUTHTOK_REQD) status = pam_acct_mgmt(handle, PAM_SILENT);
+    if (status == PAM_SUCCESS || status == PAM_NEW_AUTHTOK_REQD)
+        status = PamLibrary::AcctMgmt(handle, PAM_SILENT);
     if (status == PAM_SUCCESS || status == PAM_NEW_AUTHTOK_REQD) {
-        status = pam_chauthtok(handle, PAM_SILENT);
+        status = PamLibrary::Chauthtok(handle, PAM_SILENT);
         if (status == PAM_SUCCESS) {
-            status = pam_setcred(handle, PAM_REFRESH_CRED);
-            pam_end(handle, status);
+            status = PamLibrary::Setcred(handle, PAM_REFRESH_CRED);
+            PamLibrary::End(handle, status);
             return status == PAM_SUCCESS;
         }
     }
-    pam_end(handle, status);
+    PamLibrary::End(handle, status);
     return false;
 }
 
