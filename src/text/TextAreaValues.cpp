@@ -3,9 +3,9 @@
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
-#include <sstream>
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/TextFields.h"
 #include "terminal/CommandRunner.h"
 #include "text/HostPlatform.h"
 #include "text/TextArea.h"
@@ -40,10 +40,8 @@ std::string SshFingerprint(const char* keyFile) {
         return {};
     }
     // "<bits> <fingerprint> <comment> (<type>)": the second word.
-    std::istringstream words(r.out);
-    std::string bits, fingerprint;
-    words >> bits >> fingerprint;
-    return fingerprint;
+    const std::vector<std::string> words = HostCtl::Words(r.out);
+    return words.size() >= 2 ? words[1] : std::string();
 }
 
 HostCtl::Util::SysinfoVersionRecord ReadVersionRecord() {

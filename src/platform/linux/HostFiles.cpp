@@ -1,8 +1,13 @@
 #include "platform/linux/HostFiles.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
-#include <fstream>
-#include <sstream>
+#include <cerrno>
+
+#include "platform/hostctl/TextFields.h"
 
 namespace LinuxHost {
 
@@ -13,13 +18,23 @@ std::filesystem::path HostFiles::Under(const std::string& path) const {
 }
 
 std::optional<std::string> HostFiles::Read(const std::string& path) const {
-    std::ifstream in(Under(path), std::ios::binary);
-    if (!in) return std::nullopt;
-    std::ostringstream text;
-    text << in.rdbuf();
-    // Reading a directory opens but fails; an unreadable sysfs attribute fails the same way.
-    if (in.bad()) return std::nullopt;
-    return text.str();
+    const int fd = ::open(Under(path).c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return std::nullopt;
+    std::string text;
+    char buffer[4096];
+    for (;;) {
+        const ssize_t n = ::read(fd, buffer, sizeof buffer);
+        if (n < 0 && errno == EINTR) continue;
+        // Reading a directory opens but fails; an unreadable sysfs attribute fails the same way.
+        if (n < 0) {
+            ::close(fd);
+            return std::nullopt;
+        }
+        if (n == 0) break;
+        text.append(buffer, static_cast<size_t>(n));
+    }
+    ::close(fd);
+    return text;
 }
 
 std::string HostFiles::FirstLine(const std::string& path) const {
@@ -53,9 +68,7 @@ std::string HostFiles::LinkName(const std::string& path) const {
 }
 
 std::optional<std::string> ShellVariable(const std::string& text, const std::string& key) {
-    std::istringstream lines(text);
-    std::string line;
-    while (std::getline(lines, line)) {
+    for (const std::string& line : HostCtl::Lines(text)) {
         if (line.rfind(key + "=", 0) != 0) continue;
         std::string value = line.substr(key.size() + 1);
         while (!value.empty() && (value.back() == '\r' || value.back() == ' ')) value.pop_back();

@@ -1,7 +1,8 @@
 #include "platform/linux/LinuxDnsConfig.h"
 
-#include <sstream>
+#include <algorithm>
 
+#include "platform/hostctl/TextFields.h"
 #include "platform/linux/NotAvailable.h"
 
 namespace LinuxHost {
@@ -10,13 +11,11 @@ LinuxDnsConfig::LinuxDnsConfig(HostFiles files) : _files(std::move(files)) {}
 
 std::vector<std::string> LinuxDnsConfig::Resolver(const std::string& keyword) const {
     std::vector<std::string> words;
-    std::istringstream lines(_files.Read("/etc/resolv.conf").value_or(""));
-    std::string line;
-    while (std::getline(lines, line)) {
-        std::istringstream fields(line);
-        std::string first, word;
-        if (!(fields >> first) || first != keyword) continue;
-        while (fields >> word && word[0] != '#' && word[0] != ';') words.push_back(word);
+    for (const std::string& line : HostCtl::Lines(_files.Read("/etc/resolv.conf").value_or(""))) {
+        const std::vector<std::string> fields = HostCtl::Words(line);
+        if (fields.empty() || fields[0] != keyword) continue;
+        for (size_t i = 1; i < fields.size() && fields[i][0] != '#' && fields[i][0] != ';'; ++i)
+            words.push_back(fields[i]);
     }
     return words;
 }
@@ -31,15 +30,12 @@ std::string LinuxDnsConfig::GetDomain() {
     const std::string kernelName = _files.FirstLine("/proc/sys/kernel/hostname");
     const std::string host = kernelName.substr(0, kernelName.find('.'));
     if (kernelName.size() > host.size() + 1) return kernelName.substr(host.size() + 1);
-    std::istringstream lines(_files.Read("/etc/hosts").value_or(""));
-    std::string line;
-    while (std::getline(lines, line)) {
-        line = line.substr(0, line.find('#'));
-        std::istringstream fields(line);
-        std::string address, canonical, alias;
-        if (!(fields >> address >> canonical)) continue;
-        bool names = canonical == host;
-        while (!names && fields >> alias) names = alias == host;
+    for (const std::string& line : HostCtl::Lines(_files.Read("/etc/hosts").value_or(""))) {
+        // The address, the canonical name, then its aliases.
+        const std::vector<std::string> fields = HostCtl::Words(line.substr(0, line.find('#')));
+        if (fields.size() < 2) continue;
+        const std::string& canonical = fields[1];
+        const bool names = std::find(fields.begin() + 1, fields.end(), host) != fields.end();
         if (names && canonical.rfind(host + ".", 0) == 0) return canonical.substr(host.size() + 1);
     }
     const std::vector<std::string> domain = Resolver("domain");

@@ -2,11 +2,12 @@
 
 #include <unistd.h>
 
+#include <cstdio>
 #include <set>
-#include <sstream>
 #include <utility>
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/TextFields.h"
 
 namespace LinuxHost {
 
@@ -65,9 +66,11 @@ HostCtl::Hardware::BiosInfo LinuxHardwareInfo::GetBiosInfo() {
     bios.version = Dmi("bios_version");
     bios.releaseDate = Dmi("bios_date");
     // "1.16": the firmware's major and minor release.
-    std::istringstream release(Dmi("bios_release"));
-    char dot = 0;
-    if (!(release >> bios.majorRelease >> dot >> bios.minorRelease) || dot != '.') {
+    unsigned major = 0, minor = 0;
+    if (std::sscanf(Dmi("bios_release").c_str(), "%u.%u", &major, &minor) == 2) {
+        bios.majorRelease = major;
+        bios.minorRelease = minor;
+    } else {
         bios.majorRelease = 0;
         bios.minorRelease = 0;
     }
@@ -92,9 +95,7 @@ LinuxCpuInfo::Counts LinuxCpuInfo::Read() const {
     std::set<std::string> packages;
     std::set<std::pair<std::string, std::string>> cores;
     std::string package = "0";
-    std::istringstream lines(*text);
-    std::string line;
-    while (std::getline(lines, line)) {
+    for (const std::string& line : HostCtl::Lines(*text)) {
         if (!CpuField(line, "processor").empty()) {
             ++counts.threads;
             package.assign(1, '0');  // a processor without "physical id" sits in the one package there is
@@ -134,12 +135,9 @@ uint64_t LinuxMemoryInfo::GetPageSize() {
 
 uint64_t LinuxMemoryInfo::GetTotalPages() {
     const std::optional<std::string> text = _files.Read("/proc/meminfo");
-    std::istringstream lines(text.value_or(""));
-    std::string key, unit;
-    uint64_t kib = 0;
-    while (lines >> key >> kib) {
-        std::getline(lines, unit);
-        if (key == "MemTotal:") return kib * 1024 / GetPageSize();
+    for (const std::string& line : HostCtl::Lines(text.value_or(""))) {
+        unsigned long long kib = 0;
+        if (std::sscanf(line.c_str(), "MemTotal: %llu", &kib) == 1) return kib * 1024 / GetPageSize();
     }
     throw HostCtl::Lib::HostCtlException("The host's memory cannot be read");
 }

@@ -4,7 +4,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "platform/hostctl/HostCtlException.h"
@@ -30,14 +29,16 @@ constexpr Known kKnown[] = {
 };
 
 json Load(const std::filesystem::path& file) {
-    std::ifstream in(file);
-    if (!in) {
-        if (errno == ENOENT) return json::object();
+    std::string text;
+    try {
+        text = HostCtl::ReadWholeFile(file.string());
+    } catch (const std::system_error& e) {
+        if (e.code().value() == ENOENT) return json::object();
         throw HostCtlException("The console's options cannot be read: " + file.string() + ": " +
-                               strerror(errno));
+                               e.code().message());
     }
     try {
-        json document = json::parse(in);
+        json document = json::parse(text);
         if (document.is_object()) return document;
     } catch (const json::exception&) {
     }

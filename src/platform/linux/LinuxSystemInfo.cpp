@@ -1,14 +1,15 @@
 #include "platform/linux/LinuxSystemInfo.h"
 
+#include <fcntl.h>
 #include <syslog.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 #include <utility>
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/TextFields.h"
 #include "platform/linux/LinuxPrograms.h"
 #include "platform/linux/NotAvailable.h"
 
@@ -121,17 +122,18 @@ void LinuxSystemInfo::SetSystemAlert(const std::string& message) {
     const std::filesystem::path file = _files.Under(kAlerts);
     std::error_code error;
     std::filesystem::create_directories(file.parent_path(), error);
-    std::ofstream out(file, std::ios::app);
-    out << message << "\n";
-    if (!out.flush()) throw HostCtl::Lib::HostCtlException("Cannot keep the alert: " + message);
+    const int fd = ::open(file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+    const std::string line = message + "\n";
+    const bool kept = fd >= 0 && ::write(fd, line.data(), line.size()) == static_cast<ssize_t>(line.size());
+    if (fd >= 0) ::close(fd);
+    if (!kept) throw HostCtl::Lib::HostCtlException("Cannot keep the alert: " + message);
     syslog(LOG_ALERT, "%s", message.c_str());
 }
 
 std::vector<std::string> LinuxSystemInfo::GetSystemAlerts() {
     std::vector<std::string> alerts;
-    std::istringstream lines(_files.Read(kAlerts).value_or(""));
-    for (std::string line; std::getline(lines, line);)
-        if (!line.empty()) alerts.push_back(line);
+    for (std::string& line : HostCtl::Lines(_files.Read(kAlerts).value_or("")))
+        if (!line.empty()) alerts.push_back(std::move(line));
     return alerts;
 }
 

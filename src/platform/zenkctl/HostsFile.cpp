@@ -1,9 +1,10 @@
 #include "platform/zenkctl/HostsFile.h"
 
 #include <strings.h>
-#include <sstream>
+
 #include <vector>
 
+#include "platform/hostctl/TextFields.h"
 #include "platform/hostctl/WholeFile.h"
 
 namespace ZenkCtl::Network {
@@ -13,15 +14,10 @@ HostsFile::HostsFile(std::string path) : _path(std::move(path)) {}
 std::string HostsFile::RemoveName(const std::string& text, const std::string& name, bool& found) {
     found = false;
     std::string out;
-    std::istringstream in(text);
-    std::string line;
     bool lastHadNewline = !text.empty() && text.back() == '\n';
-    while (std::getline(in, line)) {
+    for (const std::string& line : HostCtl::Lines(text)) {
         const auto hash = line.find('#');
-        const std::string body = line.substr(0, hash);
-        std::istringstream fields(body);
-        std::vector<std::string> words;
-        for (std::string w; fields >> w;) words.push_back(w);
+        const std::vector<std::string> words = HostCtl::Words(line.substr(0, hash));
         bool hit = false;
         for (size_t i = 1; i < words.size(); ++i) {
             if (strcasecmp(words[i].c_str(), name.c_str()) == 0) hit = true;  // host names ignore case

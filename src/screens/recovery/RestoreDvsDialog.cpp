@@ -77,7 +77,8 @@ bool RestoreDvsDialog::ReadVlan(const std::string& text, int& vlanId) {
 
 std::string RestoreDvsDialog::HostLocalPortName(const std::string& nicName,
                                                 const std::vector<std::string>& portNames) {
-    static const boost::regex kHostLocal("^hlp\\-.*\\#[0-9]*$");
+    // The C library's character classes: the C++ locale machinery would be carried for this one pattern.
+    static const boost::basic_regex<char, boost::c_regex_traits<char>> kHostLocal("^hlp\\-.*\\#[0-9]*$");
     // Numbers are compared as texts without leading zeros, so no number is too long to count.
     std::string highest;
     for (const std::string& name : portNames) {

@@ -5,10 +5,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <functional>
 #include <memory>
-#include <sstream>
 #include <vector>
 
 #include "access/LoginAudit.h"
@@ -80,10 +80,12 @@ std::string WelcomeWindow::MemoryLine(uint64_t totalBytes) {
         ++index;
     }
     const float tenths = static_cast<float>(totalBytes) * 10.0f / static_cast<float>(unit);
-    std::ostringstream line;
-    line << static_cast<float>(static_cast<int64_t>(tenths)) / 10.0f << " "
-         << "MGTP"[index] << "iB Memory";
-    return line.str();
+    // As a stream writes a float: six significant digits, no trailing zeros.
+    char line[48];
+    std::snprintf(line, sizeof line, "%g %ciB Memory",
+                  static_cast<double>(static_cast<float>(static_cast<int64_t>(tenths)) / 10.0f),
+                  "MGTP"[index]);
+    return line;
 }
 
 std::string WelcomeWindow::ProductBlock() const {
@@ -195,6 +197,7 @@ void WelcomeWindow::FillIdentity() {
 }
 
 void WelcomeWindow::Build() {
+    const PaintBatch oneFrame;
     delete _upper;
     delete _lower;
     Erase();

@@ -1,9 +1,11 @@
 // Words for a command line that a shell may read: quoted only where a shell would act on them, and read
-// back the same by a platform that runs command lines without a shell.
+// back the same by a platform that runs command lines without a shell; and the lines and words of the
+// host's text files.
 #include <gtest/gtest.h>
 
 #include "platform/hostctl/NetworkInfo.h"
 #include "platform/hostctl/ShellWords.h"
+#include "platform/hostctl/TextFields.h"
 
 using HostCtl::QuoteShellWord;
 using HostCtl::SplitShellWords;
@@ -37,6 +39,17 @@ TEST(InterfaceNames, OnlyNamesTheKernelWouldGiveAnInterface) {
     for (const char* name :
          {"", ".", "..", "sixteen-chars-xx", "zk0;echo INJECTED;#", "a/b", "zk0:1", "tab\tx"})
         EXPECT_FALSE(HostCtl::Network::IsValidInterfaceName(name)) << name;
+}
+
+TEST(TextFields, LinesAndWordsAsAFileHoldsThem) {
+    using Texts = std::vector<std::string>;
+    EXPECT_EQ(HostCtl::Lines(""), Texts{});
+    EXPECT_EQ(HostCtl::Lines("a\n"), Texts{"a"});
+    EXPECT_EQ(HostCtl::Lines("a\n\nb"), (Texts{"a", "", "b"}));
+    EXPECT_EQ(HostCtl::Lines("\n"), Texts{""});
+    EXPECT_EQ(HostCtl::Words(""), Texts{});
+    EXPECT_EQ(HostCtl::Words(" \t "), Texts{});
+    EXPECT_EQ(HostCtl::Words("nameserver\t10.0.0.1  # x\r"), (Texts{"nameserver", "10.0.0.1", "#", "x"}));
 }
 
 }  // namespace
