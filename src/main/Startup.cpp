@@ -299,6 +299,9 @@ int RunConsole(int argc, char** argv) {
     cbreak();
     noecho();
     keypad(stdscr, TRUE);
+    // curses would stop between the lines of an update to look for typed keys, flushing what it has so
+    // far: a screen would reach the terminal in pieces. Keys wait for the whole screen instead.
+    typeahead(-1);
     set_escdelay(kEscapeDelayMs);  // curses' default of a second makes every Esc lag
     InitColors();
     DefineKeys();

@@ -123,9 +123,23 @@ void Window::Touch() {
     if (_win) touchwin(_win);
 }
 
+int PaintBatch::_open = 0;
+
+PaintBatch::PaintBatch() {
+    ++_open;
+}
+
+PaintBatch::~PaintBatch() {
+    if (--_open == 0) doupdate();
+}
+
 void Window::Refresh() {
     Touch();
-    if (_win) wrefresh(_win);
+    if (!_win) return;
+    if (PaintBatch::Open())
+        wnoutrefresh(_win);
+    else
+        wrefresh(_win);
 }
 
 void Window::Redraw() {

@@ -7,6 +7,21 @@
 
 namespace Kovo {
 
+// While one is alive, windows that refresh only update curses' picture of the screen; the terminal gets
+// the whole picture at once when the outermost batch ends. A screen built in one batch reaches the
+// terminal as one frame: no half-drawn screen shows, and a slow line carries one burst, not one per area.
+class PaintBatch {
+  public:
+    PaintBatch();
+    ~PaintBatch();
+    PaintBatch(const PaintBatch&) = delete;
+    PaintBatch& operator=(const PaintBatch&) = delete;
+    static bool Open() { return _open > 0; }
+
+  private:
+    static int _open;
+};
+
 // A rectangle of the curses screen. Top-level windows own a newwin; children are subwins of their
 // parent, and a parent owns (and destroys) its children.
 class Window {

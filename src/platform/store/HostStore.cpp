@@ -181,6 +181,13 @@ json HostStore::Read() const {
 }
 
 std::shared_ptr<const json> HostStore::Snapshot() const {
+    // Writers only ever rename a whole new file over the old one: a file that is still the one last read
+    // needs no lock to be read again. Most reads are of an unchanged store, and take one stat.
+    struct stat st {};
+    if (::stat(_path.c_str(), &st) == 0) {
+        std::lock_guard<std::mutex> guard(_cacheMutex);
+        if (_cached && _cachedGeneration == GenerationOf(st)) return _cached;
+    }
     FileLock lock(LockPath(), FileLock::Mode::Shared);
     return LoadLocked();
 }
