@@ -36,7 +36,8 @@ int Kills() {
 std::mt19937& Random() {
     static std::mt19937 generator = [] {
         const char* text = std::getenv("KOVO_KILL_SEED");
-        const unsigned seed = text ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : std::random_device()();
+        const unsigned seed =
+            text ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : std::random_device()();
         std::printf("kill seed %u\n", seed);
         return std::mt19937(seed);
     }();
@@ -55,9 +56,10 @@ struct Tally {
         ++(now == was ? before : now == wouldBe ? after : between);
     }
     void Print(const char* what) const {
-        std::printf("%s: %d kills, %d before the writer was done; the store held the state before %d times, "
-                    "after %d, between %d\n",
-                    what, before + after + between, cutShort, before, after, between);
+        std::printf(
+            "%s: %d kills, %d before the writer was done; the store held the state before %d times, "
+            "after %d, between %d\n",
+            what, before + after + between, cutShort, before, after, between);
     }
 };
 
@@ -86,8 +88,8 @@ std::string NeitherBeforeNorAfter(const nlohmann::json& before, const nlohmann::
             return store.is_object() && store.contains(key) ? store[key] : nlohmann::json();
         };
         for (const auto& [key, ignored] : keys.items()) {
-            const std::string found = NeitherBeforeNorAfter(at(before, key), at(after, key), at(now, key),
-                                                            where + "/" + key);
+            const std::string found =
+                NeitherBeforeNorAfter(at(before, key), at(after, key), at(now, key), where + "/" + key);
             if (!found.empty()) return found;
         }
         return "";
@@ -95,7 +97,9 @@ std::string NeitherBeforeNorAfter(const nlohmann::json& before, const nlohmann::
     if (now == before || now == after) return "";
     const bool startOfNew = now.is_array() && after.is_array() && now.size() <= after.size() &&
                             std::equal(now.begin(), now.end(), after.begin());
-    return startOfNew ? "" : where + " holds " + now.dump() + ", before " + before.dump() + ", after " + after.dump();
+    return startOfNew
+               ? ""
+               : where + " holds " + now.dump() + ", before " + before.dump() + ", after " + after.dump();
 }
 
 // `kovo-sim set` in a process group of its own, so that a kill reaches the process inside the host too.
@@ -103,8 +107,8 @@ pid_t StartSet(const HostConsole& host, const std::string& pointer, const std::s
     const pid_t pid = ::fork();
     if (pid == 0) {
         ::setpgid(0, 0);
-        const char* argv[] = {KOVO_E2E_LAUNCHER, "set", host.HostDir().c_str(), pointer.c_str(), value.c_str(),
-                              nullptr};
+        const char* argv[] = {KOVO_E2E_LAUNCHER, "set",         host.HostDir().c_str(),
+                              pointer.c_str(),   value.c_str(), nullptr};
         ::execv(argv[0], const_cast<char* const*>(argv));
         _exit(127);
     }
@@ -225,7 +229,8 @@ TEST(KillAtRandom, ResolveTestLeavesTheHostsFileWholeAfterTheNextStart) {
         // The next console puts back what was left as it starts.
         console = host->WaitForConsole(console);
         EXPECT_TRUE(host->Term().WaitUntil([&] { return HostFile(*host, "/etc/hosts") == hosts; }))
-            << "kill " << i << (hangUp ? " (SIGHUP)" : " (SIGKILL)") << "\n" << HostFile(*host, "/etc/hosts");
+            << "kill " << i << (hangUp ? " (SIGHUP)" : " (SIGKILL)") << "\n"
+            << HostFile(*host, "/etc/hosts");
         ASSERT_FALSE(HostHasBackup(*host)) << "kill " << i;
     }
     std::printf("resolve test: %d kills (%d SIGHUP), %d with the name out\n", Kills(), hangUps, nameWasOut);

@@ -113,9 +113,12 @@ void ExpectWhole(HostConsole& host) {
     // Esc backs out of whatever is open, down to the menu or the welcome screen.
     auto home = [](const VirtualTerminal& s) { return s.Contains(kMenuTitle) || s.Contains(kWelcomeKeys); };
     for (int i = 0; i < 6 && !(home(term.Screen()) && term.WaitForQuiet(300ms)); ++i) {
-        // The pager quits with q, the network window's question takes N, everything else Esc.
+        // The pager quits with q, the network window's question takes N, a finished run's report (the
+        // network restore's) takes Enter alone, everything else Esc.
         if (term.Screen().Contains(kApplyQuestion)) {
             term.Type("n");
+        } else if (term.Screen().Contains("<Enter> OK") && !term.Screen().Contains("<Esc> Cancel")) {
+            term.Press(Key::Enter);
         } else {
             term.Type("q");
             term.Press(Key::Escape);
