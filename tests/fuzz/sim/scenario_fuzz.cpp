@@ -23,7 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const nlohmann::json value = nlohmann::json::parse(text, nullptr, false);
     if (value.is_discarded()) return 0;
     const auto faults = KovoSim::Simulation::Check(value, pointer);
-    if (pointer.empty() && faults.empty() && !KovoSim::Simulation::Check(nlohmann::json::parse(value.dump())).empty())
+    if (pointer.empty() && faults.empty() &&
+        !KovoSim::Simulation::Check(nlohmann::json::parse(value.dump())).empty())
         std::abort();
     return 0;
 }
