@@ -17,7 +17,7 @@ class SystemInfoImpl : public HostCtl::System::SystemInfo {
     explicit SystemInfoImpl(std::shared_ptr<Store::HostStore> store);
 
     std::string GetKeyboardLayout() override;
-    std::vector<std::string> GetKeyboardLayouts();  // in the host's order
+    std::vector<std::string> GetKeyboardLayouts() override;  // in the host's order
     // Both refuse a layout the host does not have.
     void LoadKeyboardMappings(const std::string& layout) override;
     void SetKeyboardLayout(const std::string& layout) override;

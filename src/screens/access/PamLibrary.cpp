@@ -3,6 +3,9 @@
 #include <dlfcn.h>
 #include <syslog.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace Kovo::PamLibrary {
 
 namespace {
@@ -34,12 +37,17 @@ Library Load() {
         syslog(LOG_ERR, "libpam cannot be loaded: %s", reason ? reason : "not found");
         return library;
     }
-    library.loaded = Resolve(handle, "pam_start", library.start) & Resolve(handle, "pam_end", library.end) &
-                     Resolve(handle, "pam_authenticate", library.authenticate) &
-                     Resolve(handle, "pam_acct_mgmt", library.acctMgmt) &
-                     Resolve(handle, "pam_chauthtok", library.chauthtok) &
-                     Resolve(handle, "pam_setcred", library.setcred) &
-                     Resolve(handle, "pam_set_item", library.setItem);
+    // Every one is looked up, so the log names each that is missing.
+    const bool found[] = {
+        Resolve(handle, "pam_start", library.start),
+        Resolve(handle, "pam_end", library.end),
+        Resolve(handle, "pam_authenticate", library.authenticate),
+        Resolve(handle, "pam_acct_mgmt", library.acctMgmt),
+        Resolve(handle, "pam_chauthtok", library.chauthtok),
+        Resolve(handle, "pam_setcred", library.setcred),
+        Resolve(handle, "pam_set_item", library.setItem),
+    };
+    library.loaded = std::all_of(std::begin(found), std::end(found), [](bool each) { return each; });
     return library;
 }
 
