@@ -1,13 +1,10 @@
 #include "platform/linux/HostFiles.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
+#include <system_error>
 
 #include "platform/hostctl/TextFields.h"
+#include "platform/hostctl/WholeFile.h"
 
 namespace LinuxHost {
 
@@ -18,23 +15,12 @@ std::filesystem::path HostFiles::Under(const std::string& path) const {
 }
 
 std::optional<std::string> HostFiles::Read(const std::string& path) const {
-    const int fd = ::open(Under(path).c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) return std::nullopt;
-    std::string text;
-    char buffer[4096];
-    for (;;) {
-        const ssize_t n = ::read(fd, buffer, sizeof buffer);
-        if (n < 0 && errno == EINTR) continue;
-        // Reading a directory opens but fails; an unreadable sysfs attribute fails the same way.
-        if (n < 0) {
-            ::close(fd);
-            return std::nullopt;
-        }
-        if (n == 0) break;
-        text.append(buffer, static_cast<size_t>(n));
+    try {
+        return HostCtl::ReadWholeFile(Under(path).string());
+    } catch (const std::system_error&) {
+        // Missing or unreadable; reading a directory, or an unreadable sysfs attribute, fails the same way.
+        return std::nullopt;
     }
-    ::close(fd);
-    return text;
 }
 
 std::string HostFiles::FirstLine(const std::string& path) const {

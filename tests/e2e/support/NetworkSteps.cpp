@@ -80,6 +80,17 @@ std::string HostFile(const HostConsole& host, const std::string& path) {
     return FileText(host.HostDir() + "/upper" + path);
 }
 
+std::unique_ptr<HostConsole> MakeHostWithSilentNameServers() {
+    return MakeHost("default",
+                    {{"/network/dns/nameServers", R"(["10.20.30.8", "10.20.30.9", "10.20.30.2"])"},
+                     {"/simulation/silentNameServers", R"(["10.20.30.8", "10.20.30.9"])"}},
+                    Restarting());
+}
+
+bool HostHasHostsBackup(const HostConsole& host) {
+    return Launcher({"exec", host.HostDir(), "--", "/bin/test", "-e", "/etc/hosts.backup"});
+}
+
 bool Answers(const HostConsole& host, const std::string& address) {
     return Launcher({"exec", host.HostDir(), "--", "/bin/zenkping", "-c", "1", "-W", "1", address});
 }

@@ -49,6 +49,12 @@ nlohmann::json StoreJson(const HostConsole& host, const std::string& pointer);
 std::string FileText(const std::string& path);
 // A file of the host's disk by its path inside the host.
 std::string HostFile(const HostConsole& host, const std::string& path);
+// A host, started again after each end of its console, whose first two name servers never answer: a
+// resolve test has the host's name out of /etc/hosts for about two seconds. Nothing but the console
+// writes its hosts file after it booted.
+std::unique_ptr<HostConsole> MakeHostWithSilentNameServers();
+// Whether the resolve test's backup of the hosts file is in the host.
+bool HostHasHostsBackup(const HostConsole& host);
 // Whether an address answers a ping inside the running host.
 bool Answers(const HostConsole& host, const std::string& address);
 // The syslog's lines, each the first containing its text after the one before; true when all are found.
