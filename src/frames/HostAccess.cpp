@@ -42,6 +42,11 @@ int HostAccess::Exec(const std::string& commandLine) {
     return _platform->Exec(commandLine);
 }
 
+std::string HostAccess::ExecReportingFailure(const std::string& commandLine) {
+    if (!_platform) return "No host to run it on";
+    return _platform->ExecReportingFailure(commandLine);
+}
+
 void HostAccess::RefreshAgent() {
     RefreshHostAgent();
 }

@@ -37,6 +37,8 @@ class HostAccess {
     virtual bool Query(const char* commandPath);
     // A command line through the platform's runner, waited for, output discarded.
     virtual int Exec(const std::string& commandLine);
+    // The same, with the platform's account of a failure (HostCtl::HostFactory::ExecReportingFailure).
+    virtual std::string ExecReportingFailure(const std::string& commandLine);
     // Makes the host agent re-read the host's state after a change.
     virtual void RefreshAgent();
     virtual void PostEvent(const std::string& text);

@@ -222,4 +222,13 @@ std::string LayoutMarkup(std::string_view text, int width, const MarkupVariables
     return Layout(width, variables).Run(text);
 }
 
+std::string MarkupSafe(std::string_view text) {
+    std::string safe(text);
+    for (char& c : safe) {
+        if (c == '{') c = '(';
+        if (c == '}') c = ')';
+    }
+    return safe;
+}
+
 }  // namespace Kovo

@@ -15,4 +15,8 @@ using MarkupVariables = std::map<std::string, std::function<std::string()>, std:
 // Widths count bytes; the interface texts are plain ASCII.
 std::string LayoutMarkup(std::string_view text, int width, const MarkupVariables& variables);
 
+// A host's own words as they must stand inside markup, which has no escape: braces become parentheses,
+// so none of them is read as a tag.
+std::string MarkupSafe(std::string_view text);
+
 }  // namespace Kovo

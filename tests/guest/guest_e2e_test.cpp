@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "ConsoleDriver.h"
 #include "HostSteps.h"
 #include "TermSession.h"
 
@@ -29,7 +30,6 @@ using KovoE2e::kLoginTitle;
 using KovoE2e::kMenuTitle;
 using KovoE2e::kWelcomeKeys;
 constexpr const char* kInvalid = "Invalid login or password.";
-constexpr const char* kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 constexpr const char* kPasswordDialog = "Setting the password will prevent unauthorized access";
 constexpr const char* kFirstPassword = "Kovo-Demo1";
 constexpr const char* kSecondPassword = "Brand-New5";
@@ -113,64 +113,8 @@ class DebianGuest : public ::testing::Test {
     void SetUp() override { ASSERT_TRUE(booted) << guest->term->Dump(); }
 
     TermSession& Term() { return *guest->term; }
-    // At the welcome screen, settled: a screen still drawing discards keys typed ahead.
-    bool AtWelcome() {
-        auto& term = Term();
-        for (int i = 0; i < 5 && !term.Screen().Contains(kWelcomeKeys); ++i) {
-            term.Press(Key::Escape);
-            term.Pause(600ms);  // longer than the console's Esc delay
-            term.WaitForQuiet(500ms, 20s);
-        }
-        return term.WaitForText(kWelcomeKeys, 30s) && term.WaitForQuiet(500ms, 30s);
-    }
-    bool OpenLogin(Key key = Key::F2) {
-        auto& term = Term();
-        if (!AtWelcome()) return false;
-        term.Press(key);
-        if (!term.WaitForText(kLoginTitle, 30s) || !term.WaitForQuiet(500ms, 30s)) return false;
-        if (term.Screen().Contains("Configured Keyboard")) term.Press(Key::Down);
-        return true;
-    }
-    void Submit(const std::string& secret) {
-        Term().Press(Key::Enter);  // the name field holds root
-        Term().Type(secret);
-        Term().Press(Key::Enter);
-    }
-    static bool MenuShown(const VirtualTerminal& s) {
-        return s.Contains(kMenuTitle) && !s.Contains(kLoginTitle);
-    }
-    bool LogIn(const std::string& secret) {
-        if (!OpenLogin()) return false;
-        Submit(secret);
-        return Term().WaitFor(MenuShown, 60s) && Term().WaitForQuiet(500ms, 30s);
-    }
-    bool Acknowledge(const std::string& text) {
-        auto& term = Term();
-        if (!term.WaitForText(text, 60s) || !term.WaitForQuiet(500ms, 30s)) return false;
-        term.Press(Key::Enter);
-        return term.WaitForTextGone(text, 30s) && term.WaitForQuiet(500ms, 30s);
-    }
-    // Moves the menu's selection to `entry`, which the right pane's title then starts with: down, and up
-    // once the list ends below.
-    bool Select(const std::string& entry) {
-        auto& term = Term();
-        Key direction = Key::Down;
-        for (int i = 0; i < 32; ++i) {
-            if (!term.WaitForQuiet(300ms, 30s)) return false;
-            const std::string row = term.Screen().RowText(1);
-            const std::size_t title = row.find_first_of(kLetters, std::min<std::size_t>(row.size(), 40));
-            if (title != std::string::npos && row.compare(title, entry.size(), entry) == 0) return true;
-            term.Press(direction);
-            // An emulated host can take longer than a quiet spell to answer a key: wait for the new
-            // title, or a key would be pressed again on the strength of the old one. No new title: that
-            // end of the list.
-            if (!term.WaitFor([&](const VirtualTerminal& s) { return s.RowText(1) != row; }, 10s)) {
-                if (direction == Key::Up) return false;
-                direction = Key::Up;
-            }
-        }
-        return false;
-    }
+    KovoE2e::ConsoleDriver Driver() { return KovoE2e::ConsoleDriver(Term()); }
+    static bool MenuShown(const VirtualTerminal& s) { return KovoE2e::ConsoleDriver::MenuShown(s); }
     // The console that the host started after `since` bytes of the serial line: running, and drawn.
     bool ConsoleBack(size_t since) {
         auto& term = Term();
@@ -234,19 +178,19 @@ TEST_F(DebianGuest, TheIdleScreenShowsTheLeaseOnceItCame) {
     const std::string addresses = guest->Shell("ip -4 -o addr show scope global dev " + device);
     ASSERT_TRUE(std::regex_search(addresses, address, std::regex("inet (192\\.168\\.77\\.[0-9]+)/")))
         << addresses;
-    ASSERT_TRUE(AtWelcome()) << term.Dump();
+    ASSERT_TRUE(Driver().AtWelcome()) << term.Dump();
     term.Press(Key::Enter);
     EXPECT_TRUE(term.WaitForText("https://" + address[1].str() + "/ (DHCP)", 60s)) << term.Dump();
 }
 
 TEST_F(DebianGuest, WrongPasswordsAreRefusedThenTheRightOneLogsIn) {
     auto& term = Term();
-    ASSERT_TRUE(OpenLogin()) << term.Dump();
+    ASSERT_TRUE(Driver().OpenLogin()) << term.Dump();
     term.Press(Key::Enter);
     for (const char* wrong : {"Wrong-One1", "Wrong-Two2", "Wrong-Six3"}) {
         term.Type(wrong);
         term.Press(Key::Enter);
-        ASSERT_TRUE(Acknowledge(kInvalid)) << term.Dump();
+        ASSERT_TRUE(Driver().Acknowledge(kInvalid)) << term.Dump();
         ASSERT_TRUE(term.WaitForText(kLoginTitle, 30s)) << term.Dump();
     }
     // The host's own PAM stack counted them against the console's terminal.
@@ -268,7 +212,7 @@ TEST_F(DebianGuest, WrongPasswordsAreRefusedThenTheRightOneLogsIn) {
 TEST_F(DebianGuest, APasswordChangedFromTheMenuIsTheOneTheNextLoginNeeds) {
     auto& term = Term();
     if (!MenuShown(term.Screen())) {
-        ASSERT_TRUE(LogIn(password)) << term.Dump();
+        ASSERT_TRUE(Driver().LogIn(password)) << term.Dump();
     }
     const std::string before = guest->Shell("grep '^root:' /etc/shadow");
     term.Press(Key::Enter);  // Configure Password, the first entry
@@ -281,9 +225,9 @@ TEST_F(DebianGuest, APasswordChangedFromTheMenuIsTheOneTheNextLoginNeeds) {
     ASSERT_TRUE(term.WaitFor(MenuShown, 30s)) << term.Dump();
     EXPECT_NE(guest->Shell("grep '^root:' /etc/shadow"), before);
 
-    ASSERT_TRUE(OpenLogin()) << term.Dump();
-    Submit(password);
-    ASSERT_TRUE(Acknowledge(kInvalid)) << term.Dump();
+    ASSERT_TRUE(Driver().OpenLogin()) << term.Dump();
+    Driver().Submit(password);
+    ASSERT_TRUE(Driver().Acknowledge(kInvalid)) << term.Dump();
     term.Type(kSecondPassword);
     term.Press(Key::Enter);
     ASSERT_TRUE(term.WaitFor(MenuShown, 60s)) << term.Dump();
@@ -293,10 +237,10 @@ TEST_F(DebianGuest, APasswordChangedFromTheMenuIsTheOneTheNextLoginNeeds) {
 TEST_F(DebianGuest, SshTurnedOffAndOnIsWhatSystemdRuns) {
     auto& term = Term();
     if (!MenuShown(term.Screen())) {
-        ASSERT_TRUE(LogIn(password)) << term.Dump();
+        ASSERT_TRUE(Driver().LogIn(password)) << term.Dump();
     }
     ASSERT_EQ(Trim(guest->Shell("systemctl is-active ssh.service")), "active");
-    ASSERT_TRUE(Select("Troubleshooting Options")) << term.Dump();
+    ASSERT_TRUE(Driver().Select("Troubleshooting Options")) << term.Dump();
     term.Press(Key::Enter);
     ASSERT_TRUE(term.WaitForText("Troubleshooting Mode Options", 30s) && term.WaitForQuiet(500ms, 30s))
         << term.Dump();
@@ -318,15 +262,15 @@ TEST_F(DebianGuest, SshTurnedOffAndOnIsWhatSystemdRuns) {
 TEST_F(DebianGuest, TheLocalShellAndItsIdleTimeOutAreTheHostsOwn) {
     auto& term = Term();
     if (!MenuShown(term.Screen())) {
-        ASSERT_TRUE(LogIn(password)) << term.Dump();
+        ASSERT_TRUE(Driver().LogIn(password)) << term.Dump();
     }
     ASSERT_NE(Trim(guest->Shell("systemctl is-active getty@tty2.service")), "active");
-    ASSERT_TRUE(Select("Troubleshooting Options")) << term.Dump();
+    ASSERT_TRUE(Driver().Select("Troubleshooting Options")) << term.Dump();
     term.Press(Key::Enter);
     ASSERT_TRUE(term.WaitForText("Enable Qori Shell", 30s) && term.WaitForQuiet(500ms, 30s)) << term.Dump();
     // Enter on the selected service's entry, then the entry that says the other way round.
     const auto toggle = [&](const std::string& entry, const std::string& after) {
-        if (!Select(entry)) return false;
+        if (!Driver().Select(entry)) return false;
         term.Press(Key::Enter);
         return term.WaitForText(after, 120s) && term.WaitForQuiet(500ms, 30s);
     };
@@ -341,7 +285,7 @@ TEST_F(DebianGuest, TheLocalShellAndItsIdleTimeOutAreTheHostsOwn) {
     // The time-outs are set while both services are off. The idle time-out, the second field, is every
     // login shell's.
     ASSERT_TRUE(toggle("SSH Support", "Enable SSH")) << term.Dump();
-    ASSERT_TRUE(Select("Modify Qori Shell and SSH timeouts")) << term.Dump();
+    ASSERT_TRUE(Driver().Select("Modify Qori Shell and SSH timeouts")) << term.Dump();
     term.Press(Key::Enter);
     ASSERT_TRUE(term.WaitForText("Availability timeout", 30s) && term.WaitForQuiet(500ms, 30s))
         << term.Dump();
@@ -358,12 +302,42 @@ TEST_F(DebianGuest, TheLocalShellAndItsIdleTimeOutAreTheHostsOwn) {
     EXPECT_TRUE(term.WaitFor(MenuShown, 30s)) << term.Dump();
 }
 
+// The guest runs no hypervisor, so it has none of the agents a restart would stop and start: the
+// dialog says so at each step instead of claiming them done.
+TEST_F(DebianGuest, RestartingAgentsTheHostDoesNotRunSaysSo) {
+    auto& term = Term();
+    if (!MenuShown(term.Screen())) {
+        ASSERT_TRUE(Driver().LogIn(password)) << term.Dump();
+    }
+    ASSERT_EQ(
+        Trim(guest->Shell("systemctl list-unit-files --no-legend libvirtd.service virtlogd.service | wc -l")),
+        "0");
+    ASSERT_TRUE(Driver().Select("Troubleshooting Options")) << term.Dump();
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForText("Troubleshooting Mode Options", 30s) && term.WaitForQuiet(500ms, 30s))
+        << term.Dump();
+    ASSERT_TRUE(Driver().Select("Restart Management Agents")) << term.Dump();
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForText("Restart management agents now?", 30s) && term.WaitForQuiet(500ms, 30s))
+        << term.Dump();
+    term.Press(Key::F11);
+    ASSERT_TRUE(term.WaitForText("Starting management agents. This host has no management agents", 120s))
+        << term.Dump();
+    EXPECT_TRUE(term.Screen().Contains("Stopping management agents. This host has no management agents"))
+        << term.Dump();
+    EXPECT_FALSE(term.Screen().Contains("Done.")) << term.Dump();
+    term.Press(Key::Enter);
+    ASSERT_TRUE(term.WaitForTextGone("Restart management agents now?", 30s)) << term.Dump();
+    term.Press(Key::Escape);
+    EXPECT_TRUE(term.WaitFor(MenuShown, 30s)) << term.Dump();
+}
+
 TEST_F(DebianGuest, TheSystemLogIsTheJournalInThePager) {
     auto& term = Term();
     if (!MenuShown(term.Screen())) {
-        ASSERT_TRUE(LogIn(password)) << term.Dump();
+        ASSERT_TRUE(Driver().LogIn(password)) << term.Dump();
     }
-    ASSERT_TRUE(Select("View System Logs")) << term.Dump();
+    ASSERT_TRUE(Driver().Select("View System Logs")) << term.Dump();
     // The logs the journal keeps, numbered; 1 is the journal of this boot.
     ASSERT_TRUE(term.WaitForText("<1> Syslog", 30s) && term.WaitForQuiet(500ms, 30s)) << term.Dump();
     EXPECT_FALSE(term.Screen().Contains("(obsd)")) << term.Dump();
@@ -432,7 +406,7 @@ TEST_F(DebianGuest, AKeyboardLayoutChosenOnTheFirstConsoleIsWhatItsKeysType) {
 
 TEST_F(DebianGuest, ThirtyCtrlCInThreeSecondsLeaveTheConsoleOnItsLine) {
     auto& term = Term();
-    ASSERT_TRUE(AtWelcome()) << term.Dump();
+    ASSERT_TRUE(Driver().AtWelcome()) << term.Dump();
     const std::string firstPid = Trim(guest->Shell("systemctl show -p MainPID --value kovo@ttyS0.service"));
     for (int i = 0; i < 30; ++i) {
         term.SendRaw("\x03");
@@ -445,7 +419,7 @@ TEST_F(DebianGuest, ThirtyCtrlCInThreeSecondsLeaveTheConsoleOnItsLine) {
     // A console that draws again after the storm, and takes keys.
     term.Press(Key::Enter);
     EXPECT_TRUE(term.WaitForText(kWelcomeKeys, 60s)) << term.Dump();
-    ASSERT_TRUE(OpenLogin()) << term.Dump();
+    ASSERT_TRUE(Driver().OpenLogin()) << term.Dump();
     term.Press(Key::Escape);
     EXPECT_TRUE(term.WaitForTextGone(kLoginTitle, 30s)) << term.Dump();
 }
@@ -453,8 +427,8 @@ TEST_F(DebianGuest, ThirtyCtrlCInThreeSecondsLeaveTheConsoleOnItsLine) {
 TEST_F(DebianGuest, RestartBootsTheHostAndTheConsoleComesBack) {
     auto& term = Term();
     const std::string boot = Trim(guest->Shell("cat /proc/sys/kernel/random/boot_id"));
-    ASSERT_TRUE(OpenLogin(Key::F12)) << term.Dump();
-    Submit(password);
+    ASSERT_TRUE(Driver().OpenLogin(Key::F12)) << term.Dump();
+    Driver().Submit(password);
     ASSERT_TRUE(term.WaitForText("Forcefully terminate running VMs", 60s) && term.WaitForQuiet(500ms, 30s))
         << term.Dump();
     const size_t before = term.Output().size();
@@ -473,8 +447,8 @@ TEST_F(DebianGuest, RestartBootsTheHostAndTheConsoleComesBack) {
 
 TEST_F(DebianGuest, ShutDownTurnsTheGuestOff) {
     auto& term = Term();
-    ASSERT_TRUE(OpenLogin(Key::F12)) << term.Dump();
-    Submit(password);
+    ASSERT_TRUE(Driver().OpenLogin(Key::F12)) << term.Dump();
+    Driver().Submit(password);
     ASSERT_TRUE(term.WaitForText("Forcefully terminate running VMs", 60s) && term.WaitForQuiet(500ms, 30s))
         << term.Dump();
     term.Press(Key::F2);

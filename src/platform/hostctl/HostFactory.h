@@ -60,6 +60,13 @@ class HostFactory {
     virtual const HostPrograms& Programs() const = 0;
     // A command line through the platform's own runner, waited for, output discarded; its exit status.
     virtual int Exec(const std::string& commandLine) const = 0;
+    // The same, returning what went wrong in words an operator can read: empty when the command did its
+    // job, and always empty on a platform whose command lines report nothing a screen could show (the
+    // default: the other kind of host's agent scripts answer with statuses that mean nothing).
+    virtual std::string ExecReportingFailure(const std::string& commandLine) const {
+        Exec(commandLine);
+        return {};
+    }
 };
 
 }  // namespace HostCtl

@@ -4,6 +4,7 @@
 
 #include <mutex>
 
+#include "platform/hostctl/TextFields.h"
 #include "platform/linux/LinuxDnsConfig.h"
 #include "platform/linux/LinuxHardwareInfo.h"
 #include "platform/linux/LinuxNetworkInfo.h"
@@ -37,6 +38,15 @@ class NoSmartCards : public HostCtl::Hardware::SmartCardInfo {
         return false;
     }
 };
+
+constexpr int kNotRun = 127;  // as a shell says of a program it cannot find
+
+// The program a command line runs here, or nothing (logged) for a tool of the other kind of host.
+std::optional<HostCtl::Program> ProgramOf(const std::string& commandLine) {
+    std::optional<HostCtl::Program> program = LinuxPrograms::ResolveCommandLine(commandLine);
+    if (!program) syslog(LOG_WARNING, "Not run on this host: %s", commandLine.c_str());
+    return program;
+}
 
 }  // namespace
 
@@ -124,13 +134,20 @@ const HostCtl::HostPrograms& LinuxHostFactory::Programs() const {
 }
 
 int LinuxHostFactory::Exec(const std::string& commandLine) const {
-    const std::optional<HostCtl::Program> program = LinuxPrograms::ResolveCommandLine(commandLine);
-    if (!program) {
-        // A tool of the other kind of host: the status says so as a shell would.
-        syslog(LOG_WARNING, "Not run on this host: %s", commandLine.c_str());
-        return 127;
-    }
-    return LinuxPrograms::RunDetached(*program);
+    const std::optional<HostCtl::Program> program = ProgramOf(commandLine);
+    return program ? LinuxPrograms::RunDetached(*program) : kNotRun;
+}
+
+std::string LinuxHostFactory::ExecReportingFailure(const std::string& commandLine) const {
+    const std::optional<HostCtl::Program> program = ProgramOf(commandLine);
+    if (!program) return "Not available on this host";
+    std::string errors;
+    const int status = LinuxPrograms::RunDetached(*program, &errors);
+    if (status == 0) return {};
+    const std::vector<std::string> lines = HostCtl::Lines(errors);
+    for (auto line = lines.rbegin(); line != lines.rend(); ++line)
+        if (line->find_first_not_of(" \t") != std::string::npos) return *line;
+    return program->argv.front() + " ended with status " + std::to_string(status);
 }
 
 std::unique_ptr<HostCtl::HostFactory> MakeLinuxPlatform() {

@@ -46,6 +46,8 @@ class LinuxHostFactory : public HostCtl::HostFactory {
 
     const HostCtl::HostPrograms& Programs() const override;
     int Exec(const std::string& commandLine) const override;
+    // The host tool's last words when it fails, or its status when it said nothing.
+    std::string ExecReportingFailure(const std::string& commandLine) const override;
 
   private:
     HostFiles _files;

@@ -11,6 +11,7 @@
 #include "terminal/HostEvent.h"
 #include "text/CheckItem.h"
 #include "text/ItemList.h"
+#include "text/MarkupLayout.h"
 #include "text/StringFactory.h"
 #include "text/TextArea.h"
 
@@ -53,9 +54,12 @@ void RestartAgentsDialog::GenerateAgentLiveCore(HostAccess& host) {
 void RestartAgentsDialog::Step(unsigned lineId, const char* command) {
     const std::string line = Strings()->GetString(lineId);
     ShowProgress(line);
-    // The agents' own scripts report nothing useful here; the restart is done either way.
-    _host.Exec(command);
-    AddFinished(line + " " + Strings()->GetString(kDone));
+    // The other kind of host's agent scripts report nothing useful, so there a step is done whatever
+    // they answer; a host that says what went wrong has its words shown in place of "Done.".
+    const std::string failure = _host.ExecReportingFailure(command);
+    if (!failure.empty()) syslog(LOG_ERR, "%s %s", line.c_str(), failure.c_str());
+    AddFinished(line + " " +
+                (failure.empty() ? std::string(Strings()->GetString(kDone)) : MarkupSafe(failure)));
     ShowProgress();
 }
 

@@ -72,6 +72,17 @@ TEST_F(HostSettingsActions, AgentsRestartWithoutCaptureShowsEachStepAndIgnoresEs
     EXPECT_EQ(duringStart.find("Collecting host agent live core"), std::string::npos);
 }
 
+// A host that says what went wrong has it shown, markup and all as plain text, in place of "Done.".
+TEST_F(HostSettingsActions, AgentsStepShowsWhatTheHostSaysWentWrong) {
+    host_.failures[kStop] = "No agent {color:red}here";
+    std::string end;
+    ScreenAt(kStart, end);
+    EXPECT_EQ(Run<RestartAgentsDialog>(kF11 + "\n"), 1);
+    EXPECT_EQ(host_.calls, (Calls{kAgentsEvent, kStop, kStart}));
+    EXPECT_NE(end.find("Stopping management agents. No agent (color:red)here"), std::string::npos) << end;
+    EXPECT_EQ(end.find("Stopping management agents. Done."), std::string::npos) << end;
+}
+
 TEST_F(HostSettingsActions, AgentsCaptureStartsFirstAndItsFailureOnlySkipsItsLine) {
     std::string duringStop;
     ScreenAt(kStop, duringStop);

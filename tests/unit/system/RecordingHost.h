@@ -7,11 +7,14 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "../access/LoginTestScreen.h"
 #include "../platform/TempDir.h"
 #include "frames/HostAccess.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/HostsFile.h"
 #include "platform/store/HostStore.h"
 #include "platform/zenkctl/StoreFaults.h"
 
@@ -38,6 +41,8 @@ class RecordingHost : public HostAccess {
     // Standard output per call line, for captured runs.
     std::map<std::string, std::string> output;
     std::map<std::string, std::string> errorOutput;
+    // What ExecReportingFailure says went wrong, per call line; nothing for a line not listed.
+    std::map<std::string, std::string> failures;
     // Answers of Query per path; false when not listed.
     std::map<std::string, bool> answers;
     // Error number StartThread reports (0: the thread started).
@@ -62,10 +67,20 @@ class RecordingHost : public HostAccess {
         return answers[path];
     }
     int Exec(const std::string& commandLine) override { return Record("exec: " + commandLine); }
+    std::string ExecReportingFailure(const std::string& commandLine) override {
+        const std::string line = "exec: " + commandLine;
+        Record(line);
+        return failures[line];
+    }
     void PostEvent(const std::string& text) override { Record("event: " + text); }
     int StartThread(std::function<void()>) override {
         Record("thread");
         return threadError;
+    }
+    // The host's name table is the machine's own /etc/hosts under the Halvor platform: no unit test may
+    // reach it (a resolve test started by a screen fails here instead).
+    std::unique_ptr<HostCtl::Network::HostsFile> HostsFile() const override {
+        throw HostCtl::Lib::HostCtlException("a unit test has no hosts file");
     }
     void WaitForHostDown(Window*) override {
         Record("wait");
@@ -91,11 +106,16 @@ class RecordingHost : public HostAccess {
         return text;
     }
     int Record(const std::string& line) {
+        auto found = status.find(line);
+        const int result = found == status.end() ? 0 : found->second;
+        // A network change's tests ping on threads of their own, which nobody joins: only the main
+        // thread's calls are recorded, so the list is never written from two threads.
+        if (std::this_thread::get_id() != _main) return result;
         calls.push_back(line);
         if (onCall) onCall(line);
-        auto found = status.find(line);
-        return found == status.end() ? 0 : found->second;
+        return result;
     }
+    const std::thread::id _main = std::this_thread::get_id();
 };
 
 // A host configuration store of its own, removed with the test.
