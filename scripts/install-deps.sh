@@ -19,6 +19,9 @@ packages=(
   dpkg-dev groff-base man-db
   # the Debian 12 guest (guest/kovo-vm): its root, the x86 emulator alone, overlays, the guest agent client
   mmdebstrap qemu-system-x86 qemu-utils e2fsprogs python3
+  # the network lab (tests/lab/nm-lab): a bus and a host-name service of its own, and what Debian's
+  # NetworkManager and nmcli link (the package itself is unpacked below, never installed)
+  dbus systemd iputils-ping libndp0 libnm0 libjansson4 libteamdctl0 libcurl3-gnutls libpsl5 libreadline8 libglib2.0-0
 )
 
 missing=()
@@ -32,6 +35,20 @@ if [ ${#missing[@]} -gt 0 ]; then
   echo "Installing: ${missing[*]}"
   as_root apt-get update -qq
   as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
+fi
+
+# NetworkManager for the network lab, unpacked from Debian's package into build/nm-root: installed, the
+# package would start the service on a machine that runs systemd and take over its network.
+nm_root="$(cd "$(dirname "$0")/.." && pwd)/build/nm-root"
+if [ ! -x "$nm_root/usr/sbin/NetworkManager" ]; then
+  download=$(mktemp -d)
+  # apt downloads as its own user where it can
+  if [ "$(id -u)" -eq 0 ] && id _apt >/dev/null 2>&1; then chown _apt "$download"; fi
+  (cd "$download" && apt-get download -qq network-manager)
+  rm -rf "$nm_root"
+  mkdir -p "$nm_root"
+  dpkg-deb -x "$download"/network-manager_*.deb "$nm_root"
+  rm -rf "$download"
 fi
 
 # The console sets the en_US.UTF-8 locale; make sure it exists.

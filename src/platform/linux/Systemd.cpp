@@ -23,6 +23,14 @@ struct Library {
     decltype(&sd_bus_message_unref) messageUnref = nullptr;
     decltype(&sd_bus_error_free) errorFree = nullptr;
     decltype(&sd_bus_error_set_errno) errorSetErrno = nullptr;
+    decltype(&sd_bus_message_append_basic) appendBasic = nullptr;
+    decltype(&sd_bus_message_open_container) openContainer = nullptr;
+    decltype(&sd_bus_message_close_container) closeContainer = nullptr;
+    decltype(&sd_bus_message_peek_type) peekType = nullptr;
+    decltype(&sd_bus_message_read_basic) readBasic = nullptr;
+    decltype(&sd_bus_message_enter_container) enterContainer = nullptr;
+    decltype(&sd_bus_message_exit_container) exitContainer = nullptr;
+    decltype(&sd_bus_message_at_end) atEnd = nullptr;
     decltype(&sd_hwdb_new) hwdbNew = nullptr;
     decltype(&sd_hwdb_get) hwdbGet = nullptr;
     decltype(&sd_hwdb_unref) hwdbUnref = nullptr;
@@ -54,6 +62,14 @@ Library LoadLibrary() {
     Resolve(handle, "sd_bus_message_unref", library.messageUnref, error);
     Resolve(handle, "sd_bus_error_free", library.errorFree, error);
     Resolve(handle, "sd_bus_error_set_errno", library.errorSetErrno, error);
+    Resolve(handle, "sd_bus_message_append_basic", library.appendBasic, error);
+    Resolve(handle, "sd_bus_message_open_container", library.openContainer, error);
+    Resolve(handle, "sd_bus_message_close_container", library.closeContainer, error);
+    Resolve(handle, "sd_bus_message_peek_type", library.peekType, error);
+    Resolve(handle, "sd_bus_message_read_basic", library.readBasic, error);
+    Resolve(handle, "sd_bus_message_enter_container", library.enterContainer, error);
+    Resolve(handle, "sd_bus_message_exit_container", library.exitContainer, error);
+    Resolve(handle, "sd_bus_message_at_end", library.atEnd, error);
     Resolve(handle, "sd_hwdb_new", library.hwdbNew, error);
     Resolve(handle, "sd_hwdb_get", library.hwdbGet, error);
     Resolve(handle, "sd_hwdb_unref", library.hwdbUnref, error);
@@ -130,6 +146,48 @@ sd_bus_message* MessageUnref(sd_bus_message* message) {
 void ErrorFree(sd_bus_error* error) {
     const Library* library = error && (error->name || error->message) ? IfLoaded() : nullptr;
     if (library) library->errorFree(error);
+}
+
+int NewMethodCall(sd_bus* bus, sd_bus_message** message, const char* destination, const char* path,
+                  const char* interface, const char* member) {
+    return Load().newMethodCall(bus, message, destination, path, interface, member);
+}
+
+int Call(sd_bus* bus, sd_bus_message* message, uint64_t timeoutMicroseconds, sd_bus_error* error,
+         sd_bus_message** reply) {
+    return Load().call(bus, message, timeoutMicroseconds, error, reply);
+}
+
+int AppendBasic(sd_bus_message* message, char type, const void* value) {
+    return Load().appendBasic(message, type, value);
+}
+
+int OpenContainer(sd_bus_message* message, char type, const char* contents) {
+    return Load().openContainer(message, type, contents);
+}
+
+int CloseContainer(sd_bus_message* message) {
+    return Load().closeContainer(message);
+}
+
+int PeekType(sd_bus_message* message, char* type, const char** contents) {
+    return Load().peekType(message, type, contents);
+}
+
+int ReadBasic(sd_bus_message* message, char type, void* value) {
+    return Load().readBasic(message, type, value);
+}
+
+int EnterContainer(sd_bus_message* message, char type, const char* contents) {
+    return Load().enterContainer(message, type, contents);
+}
+
+int ExitContainer(sd_bus_message* message) {
+    return Load().exitContainer(message);
+}
+
+int AtEnd(sd_bus_message* message, int complete) {
+    return Load().atEnd(message, complete);
 }
 
 int HwdbNew(sd_hwdb** hwdb) {

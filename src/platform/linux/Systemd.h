@@ -21,6 +21,20 @@ int GetPropertyString(sd_bus* bus, const char* destination, const char* path, co
 // sd_bus_message_read.
 int Read(sd_bus_message* message, const char* types, ...);
 sd_bus_message* MessageUnref(sd_bus_message* message);
+
+// A message built and read one value at a time, for values whose type is only known at run time.
+int NewMethodCall(sd_bus* bus, sd_bus_message** message, const char* destination, const char* path,
+                  const char* interface, const char* member);
+int Call(sd_bus* bus, sd_bus_message* message, uint64_t timeoutMicroseconds, sd_bus_error* error,
+         sd_bus_message** reply);
+int AppendBasic(sd_bus_message* message, char type, const void* value);
+int OpenContainer(sd_bus_message* message, char type, const char* contents);
+int CloseContainer(sd_bus_message* message);
+int PeekType(sd_bus_message* message, char* type, const char** contents);
+int ReadBasic(sd_bus_message* message, char type, void* value);
+int EnterContainer(sd_bus_message* message, char type, const char* contents);
+int ExitContainer(sd_bus_message* message);
+int AtEnd(sd_bus_message* message, int complete);
 void ErrorFree(sd_bus_error* error);
 
 int HwdbNew(sd_hwdb** hwdb);
