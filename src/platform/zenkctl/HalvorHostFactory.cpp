@@ -1,11 +1,11 @@
 #include "platform/zenkctl/HalvorHostFactory.h"
 
+#include "platform/hostctl/HostsTable.h"
 #include "platform/zenkctl/AdvancedOptionImpl.h"
 #include "platform/zenkctl/CpuInfoImpl.h"
 #include "platform/zenkctl/DVPortImpl.h"
 #include "platform/zenkctl/DnsConfigImpl.h"
 #include "platform/zenkctl/HardwareInfoImpl.h"
-#include "platform/zenkctl/HostsFile.h"
 #include "platform/zenkctl/Log.h"
 #include "platform/zenkctl/MemoryInfoImpl.h"
 #include "platform/zenkctl/NetStack.h"
@@ -65,7 +65,7 @@ std::unique_ptr<HostCtl::Network::ZenKernelNicInfo> HalvorHostFactory::GetZenKer
     return std::make_unique<Network::ZenKernelNicInfoImpl>(_store);
 }
 std::unique_ptr<HostCtl::Network::HostsFile> HalvorHostFactory::GetHostsFile() const {
-    return std::make_unique<Network::HostsFile>();
+    return std::make_unique<HostCtl::Network::HostsTable>();
 }
 std::unique_ptr<HostCtl::System::SystemInfo> HalvorHostFactory::GetSystemInfo() const {
     return std::make_unique<System::SystemInfoImpl>(_store);

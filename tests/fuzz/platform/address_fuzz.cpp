@@ -7,11 +7,11 @@
 
 #include "platform/hostctl/DnsConfig.h"
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/HostsTable.h"
 #include "platform/hostctl/IpAddress.h"
 #include "platform/hostctl/Ipv4Address.h"
 #include "platform/hostctl/Ipv6Address.h"
 #include "platform/hostctl/Ipv6Network.h"
-#include "platform/zenkctl/HostsFile.h"
 
 using namespace HostCtl::Network;
 
@@ -39,6 +39,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     (void)IpAddress::Parse(text);
     (void)HostCtl::Network::IsValidDomain(text);
     bool found = false;
-    (void)ZenkCtl::Network::HostsFile::RemoveName(text, "h1.example.com", found);
+    (void)HostCtl::Network::HostsTable::RemoveName(text, "h1.example.com", found);
     return 0;
 }

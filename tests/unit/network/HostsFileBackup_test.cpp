@@ -13,8 +13,8 @@
 
 #include "../platform/TempDir.h"
 #include "RecordingNetwork.h"
+#include "platform/hostctl/HostsTable.h"
 #include "platform/hostctl/WholeFile.h"
-#include "platform/zenkctl/HostsFile.h"
 
 namespace Kovo {
 namespace {
@@ -47,7 +47,7 @@ class HostsFileBackupTest : public ::testing::Test {
 
     TempDir dir;
     HostsFileBackup::Paths paths{dir.File("hosts"), dir.File("hosts.backup"), dir.File("hosts.lock")};
-    ZenkCtl::Network::HostsFile file{paths.hosts};
+    HostCtl::Network::HostsTable file{paths.hosts};
     std::vector<std::string> log;
 };
 

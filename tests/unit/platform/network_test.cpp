@@ -8,11 +8,11 @@
 
 #include "TempDir.h"
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/HostsTable.h"
 #include "platform/hostctl/Portset.h"
 #include "platform/store/HostStore.h"
 #include "platform/zenkctl/DVPortImpl.h"
 #include "platform/zenkctl/DnsConfigImpl.h"
-#include "platform/zenkctl/HostsFile.h"
 #include "platform/zenkctl/NetworkInfoImpl.h"
 #include "platform/zenkctl/PnicImpl.h"
 #include "platform/zenkctl/PortGroupImpl.h"
@@ -295,24 +295,24 @@ TEST(HostsFileTest, RemovesTheNameEverywhereAndKeepsTheRest) {
     const std::string text =
         "# static table\n127.0.0.1\tlocalhost\n192.168.10.20\th1.example.com h1\n10.0.0.9 H1.EXAMPLE.COM "
         "other # x\n";
-    EXPECT_EQ(ZenkCtl::Network::HostsFile::RemoveName(text, "h1.example.com", found),
+    EXPECT_EQ(HostCtl::Network::HostsTable::RemoveName(text, "h1.example.com", found),
               "# static table\n127.0.0.1\tlocalhost\n192.168.10.20\th1\n10.0.0.9\tother # x\n");
     EXPECT_TRUE(found);
-    EXPECT_EQ(ZenkCtl::Network::HostsFile::RemoveName(text, "nothere", found), text);
+    EXPECT_EQ(HostCtl::Network::HostsTable::RemoveName(text, "nothere", found), text);
     EXPECT_FALSE(found);
     // The address column is not a name.
-    EXPECT_EQ(ZenkCtl::Network::HostsFile::RemoveName("127.0.0.1 localhost\n", "127.0.0.1", found),
+    EXPECT_EQ(HostCtl::Network::HostsTable::RemoveName("127.0.0.1 localhost\n", "127.0.0.1", found),
               "127.0.0.1 localhost\n");
 
     TempDir dir;
     const std::string path = dir.File("hosts");
     std::ofstream(path) << "127.0.0.1 localhost\n192.168.10.20 h1.example.com\n";
-    ZenkCtl::Network::HostsFile hosts(path);
+    HostCtl::Network::HostsTable hosts(path);
     EXPECT_TRUE(hosts.RemoveEntryByHostName("h1.example.com"));
     std::ifstream in(path);
     std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     EXPECT_EQ(content, "127.0.0.1 localhost\n");
     EXPECT_FALSE(hosts.RemoveEntryByHostName("h1.example.com"));
-    EXPECT_THROW(ZenkCtl::Network::HostsFile(dir.File("missing")).RemoveEntryByHostName("x"),
+    EXPECT_THROW(HostCtl::Network::HostsTable(dir.File("missing")).RemoveEntryByHostName("x"),
                  std::system_error);
 }

@@ -1,4 +1,4 @@
-#include "platform/zenkctl/HostsFile.h"
+#include "platform/hostctl/HostsTable.h"
 
 #include <strings.h>
 
@@ -7,11 +7,11 @@
 #include "platform/hostctl/TextFields.h"
 #include "platform/hostctl/WholeFile.h"
 
-namespace ZenkCtl::Network {
+namespace HostCtl::Network {
 
-HostsFile::HostsFile(std::string path) : _path(std::move(path)) {}
+HostsTable::HostsTable(std::string path) : _path(std::move(path)) {}
 
-std::string HostsFile::RemoveName(const std::string& text, const std::string& name, bool& found) {
+std::string HostsTable::RemoveName(const std::string& text, const std::string& name, bool& found) {
     found = false;
     std::string out;
     bool lastHadNewline = !text.empty() && text.back() == '\n';
@@ -42,7 +42,7 @@ std::string HostsFile::RemoveName(const std::string& text, const std::string& na
     return out;
 }
 
-bool HostsFile::RemoveEntryByHostName(const std::string& name) {
+bool HostsTable::RemoveEntryByHostName(const std::string& name) {
     if (name.empty()) return false;
     bool found = false;
     const std::string text = RemoveName(HostCtl::ReadWholeFile(_path), name, found);
@@ -50,4 +50,4 @@ bool HostsFile::RemoveEntryByHostName(const std::string& name) {
     return found;
 }
 
-}  // namespace ZenkCtl::Network
+}  // namespace HostCtl::Network
