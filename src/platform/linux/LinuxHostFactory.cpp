@@ -4,6 +4,7 @@
 
 #include <mutex>
 
+#include "platform/hostctl/HostsTable.h"
 #include "platform/hostctl/TextFields.h"
 #include "platform/linux/LinuxDnsConfig.h"
 #include "platform/linux/LinuxHardwareInfo.h"
@@ -13,6 +14,9 @@
 #include "platform/linux/LinuxSystemIdentity.h"
 #include "platform/linux/LinuxSystemInfo.h"
 #include "platform/linux/NetworkWatcher.h"
+#include "platform/linux/NmNetworkInfo.h"
+#include "platform/linux/NmNic.h"
+#include "platform/linux/NmSwitches.h"
 #include "platform/linux/NotAvailable.h"
 
 namespace LinuxHost {
@@ -51,8 +55,16 @@ std::optional<HostCtl::Program> ProgramOf(const std::string& commandLine) {
 }  // namespace
 
 LinuxHostFactory::LinuxHostFactory(HostFiles files, std::shared_ptr<const KernelNetwork> kernel,
-                                   bool followChanges)
-    : _files(std::move(files)), _kernel(std::move(kernel)), _followChanges(followChanges) {}
+                                   bool followChanges, NetworkService service)
+    : _files(std::move(files)),
+      _kernel(std::move(kernel)),
+      _followChanges(followChanges),
+      _findService(std::move(service)) {}
+
+std::shared_ptr<NmNetwork> LinuxHostFactory::Service() const {
+    if (!_service && _findService) _service = _findService();
+    return _service;
+}
 
 void LinuxHostFactory::Initialize(const std::string& ident) {
     const HostCtl::Util::ProductNames names = LinuxSystemIdentity(_files).GetProductNames();
@@ -65,20 +77,29 @@ std::unique_ptr<HostCtl::Network::NetworkInfo> LinuxHostFactory::GetNetworkInfo(
     // its signals on a thread of its own, and a change reported sooner would meet no one waiting for it.
     static std::once_flag watching;
     if (_followChanges) std::call_once(watching, StartNetworkWatcher);
+    if (const auto service = Service()) return std::make_unique<NmNetworkInfo>(_files, _kernel, service);
     return std::make_unique<LinuxNetworkInfo>(_files, _kernel);
 }
 std::unique_ptr<HostCtl::Network::DnsConfig> LinuxHostFactory::GetDnsConfig() const {
+    if (const auto service = Service()) return std::make_unique<NmDnsConfig>(_files, service);
     return std::make_unique<LinuxDnsConfig>(_files);
 }
 std::unique_ptr<HostCtl::Network::RoutingInfo> LinuxHostFactory::GetRoutingInfo() const {
+    if (const auto service = Service()) return std::make_unique<NmRoutingInfo>(_kernel, service);
     return std::make_unique<LinuxRoutingInfo>(_kernel);
 }
 std::unique_ptr<HostCtl::Network::VirtualSwitchInfo> LinuxHostFactory::GetVirtualSwitchInfo() const {
-    NotAvailable("Switch configuration");
+    if (const auto service = Service()) return std::make_unique<NmSwitches>(service, _files);
+    NotAvailable("Switch configuration without a network service");
 }
 std::unique_ptr<HostCtl::Network::Pnic> LinuxHostFactory::GetPnic(const std::string& name) const {
-    for (const std::string& physical : LinuxInterfaces(_files).Physical())
-        if (physical == name) return std::make_unique<LinuxPnic>(name, _files);
+    if (const auto service = Service()) {
+        for (const NmDevice& nic : service->Nics())
+            if (nic.interface == name) return std::make_unique<NmPnic>(nic, _files);
+    } else {
+        for (const std::string& physical : LinuxInterfaces(_files).Physical())
+            if (physical == name) return std::make_unique<LinuxPnic>(name, _files);
+    }
     throw HostCtl::Lib::HostCtlException("The host has no network adapter " + name);
 }
 std::unique_ptr<HostCtl::Network::DVPort> LinuxHostFactory::GetDvPort(const std::string&,
@@ -86,16 +107,18 @@ std::unique_ptr<HostCtl::Network::DVPort> LinuxHostFactory::GetDvPort(const std:
     NotAvailable("A distributed switch");
 }
 std::unique_ptr<HostCtl::Network::Portset> LinuxHostFactory::GetPortset() const {
-    NotAvailable("Switch configuration");
+    if (const auto service = Service()) return std::make_unique<NmPortNames>(service, _files);
+    NotAvailable("Switch configuration without a network service");
 }
 std::unique_ptr<HostCtl::Network::PortGroup> LinuxHostFactory::GetPortGroup() const {
-    NotAvailable("Switch configuration");
+    if (const auto service = Service()) return std::make_unique<NmPortNames>(service, _files);
+    NotAvailable("Switch configuration without a network service");
 }
 std::unique_ptr<HostCtl::Network::ZenKernelNicInfo> LinuxHostFactory::GetZenKernelNicInfo() const {
     return std::make_unique<LinuxKernelNicInfo>(_files, _kernel);
 }
 std::unique_ptr<HostCtl::Network::HostsFile> LinuxHostFactory::GetHostsFile() const {
-    NotAvailable("Changing the host's name table from the console");
+    return std::make_unique<HostCtl::Network::HostsTable>(_files.Under("/etc/hosts").string());
 }
 
 std::unique_ptr<HostCtl::System::SystemInfo> LinuxHostFactory::GetSystemInfo() const {
@@ -151,7 +174,9 @@ std::string LinuxHostFactory::ExecReportingFailure(const std::string& commandLin
 }
 
 std::unique_ptr<HostCtl::HostFactory> MakeLinuxPlatform() {
-    return std::make_unique<LinuxHostFactory>(HostFiles("/"), std::make_shared<NetlinkNetwork>(), true);
+    auto kernel = std::make_shared<NetlinkNetwork>();
+    return std::make_unique<LinuxHostFactory>(
+        HostFiles("/"), kernel, true, [kernel] { return NmNetwork::IfRunning(kernel, HostFiles("/")); });
 }
 
 }  // namespace LinuxHost

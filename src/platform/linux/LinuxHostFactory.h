@@ -1,23 +1,28 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "platform/hostctl/HostFactory.h"
 #include "platform/linux/HostFiles.h"
 #include "platform/linux/KernelNetwork.h"
 #include "platform/linux/LinuxPrograms.h"
+#include "platform/linux/NmNetwork.h"
 
 namespace LinuxHost {
 
 // A Debian host that runs virtual machines: who it is and what it has from its own files (os-release,
-// sysfs, procfs), its network from the kernel. What such a host has no counterpart for fails with a
-// message that says so, and the screens show it.
+// sysfs, procfs), its network from its network service (or, without one, from the kernel, read only).
+// What such a host has no counterpart for fails with a message that says so, and the screens show it.
 class LinuxHostFactory : public HostCtl::HostFactory {
   public:
+    // The host's network service when one runs; asked again until one answers.
+    using NetworkService = std::function<std::shared_ptr<NmNetwork>()>;
+
     // `files` is the host's root ("/" in production); `kernel` answers for its addresses and routes.
     // `followChanges`: the console's own process is told (SIGUSR1) when the network changes.
-    LinuxHostFactory(HostFiles files, std::shared_ptr<const KernelNetwork> kernel,
-                     bool followChanges = false);
+    LinuxHostFactory(HostFiles files, std::shared_ptr<const KernelNetwork> kernel, bool followChanges = false,
+                     NetworkService service = nullptr);
 
     void Initialize(const std::string& ident) override;
 
@@ -50,9 +55,13 @@ class LinuxHostFactory : public HostCtl::HostFactory {
     std::string ExecReportingFailure(const std::string& commandLine) const override;
 
   private:
+    // The one service every network object shares, so a change opened through one covers them all.
+    std::shared_ptr<NmNetwork> Service() const;
     HostFiles _files;
     std::shared_ptr<const KernelNetwork> _kernel;
     bool _followChanges;
+    NetworkService _findService;
+    mutable std::shared_ptr<NmNetwork> _service;
     LinuxPrograms _programs;
 };
 

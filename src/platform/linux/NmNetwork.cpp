@@ -1,0 +1,293 @@
+#include "platform/linux/NmNetwork.h"
+
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <map>
+#include <thread>
+
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/linux/HostFiles.h"
+#include "platform/linux/RunningAddresses.h"
+
+namespace LinuxHost {
+
+namespace {
+
+using Value = Bus::Value;
+using namespace std::chrono_literals;
+
+// How long the management interface may take to come up (a DHCP lease included).
+constexpr auto kActivationTime = 45s;
+constexpr uint32_t kActiveActivated = 2, kActiveDeactivated = 4;
+
+std::string NewUuid() {
+    return HostFiles("/").FirstLine("/proc/sys/kernel/random/uuid");
+}
+
+const NmProfile* ProfileAt(const std::vector<NmProfile>& profiles, const std::string& path) {
+    for (const NmProfile& profile : profiles)
+        if (profile.path == path) return &profile;
+    return nullptr;
+}
+
+const NmProfile* ProfileWithRole(const std::vector<NmProfile>& profiles, const char* role) {
+    for (const NmProfile& profile : profiles)
+        if (ManagementProfiles::RoleOf(profile) == role) return &profile;
+    return nullptr;
+}
+
+}  // namespace
+
+NmNetwork::NmNetwork(NetworkManagerClient client, std::shared_ptr<const KernelNetwork> kernel,
+                     HostFiles files)
+    : _client(std::move(client)), _kernel(std::move(kernel)), _names(std::move(files)) {}
+
+std::shared_ptr<NmNetwork> NmNetwork::IfRunning(std::shared_ptr<const KernelNetwork> kernel,
+                                                HostFiles files) {
+    try {
+        NetworkManagerClient client = NetworkManagerClient::Connect();
+        if (!client.Running()) return nullptr;
+        return std::make_shared<NmNetwork>(std::move(client), std::move(kernel), std::move(files));
+    } catch (const HostCtl::Lib::HostCtlException&) {
+        return nullptr;  // no bus: nothing runs the network but the kernel's own settings
+    }
+}
+
+std::vector<NmDevice> NmNetwork::Devices() {
+    return _client.Devices();
+}
+
+std::vector<NmProfile> NmNetwork::Profiles() {
+    return _client.Profiles();
+}
+
+std::vector<NmDevice> NmNetwork::Nics() {
+    std::vector<NmDevice> nics;
+    for (NmDevice& device : _client.Devices())
+        if (device.wired && device.Managed()) nics.push_back(std::move(device));
+    std::sort(nics.begin(), nics.end(),
+              [](const NmDevice& a, const NmDevice& b) { return a.interface < b.interface; });
+    return nics;
+}
+
+std::string NmNetwork::ManagementInterface() {
+    std::vector<std::string> interfaces;
+    for (const NmDevice& device : _client.Devices())
+        if (device.interface != "lo") interfaces.push_back(device.interface);
+    return ChooseManagementInterface(interfaces, _kernel->Addresses(), _kernel->DefaultRoutes());
+}
+
+NmIpConfig NmNetwork::RunningIp(int family) {
+    const std::string interface =
+        ConsoleMade() ? ManagementProfiles::Interface(Management()) : ManagementInterface();
+    for (const NmDevice& device : _client.Devices())
+        if (device.interface == interface)
+            return _client.IpConfig(family == AF_INET ? device.ip4Config : device.ip6Config, family);
+    return {};
+}
+
+std::optional<NmProfile> NmNetwork::ForeignHolder() {
+    if (ConsoleMade()) return std::nullopt;
+    const std::string interface = ManagementInterface();
+    if (interface.empty()) return std::nullopt;
+    std::string activePath;
+    for (const NmDevice& device : _client.Devices())
+        if (device.interface == interface) activePath = device.activeConnection;
+    for (const NmActive& active : _client.ActiveConnections())
+        if (active.path == activePath)
+            for (NmProfile& profile : _client.Profiles())
+                if (profile.path == active.profile) return profile;
+    return std::nullopt;
+}
+
+bool NmNetwork::ConsoleMade() {
+    return ProfileWithRole(_client.Profiles(), "bridge") != nullptr;
+}
+
+ManagementNetwork NmNetwork::Management() {
+    const std::vector<NmProfile> profiles = _client.Profiles();
+    if (std::optional<ManagementNetwork> own = ManagementProfiles::Parse(profiles)) return *own;
+
+    // A network another tool set up: read from the profile active on the interface that holds the
+    // management address, and from what that interface sits on.
+    ManagementNetwork network;
+    network.ip.SetUseDhcp(true);
+    const std::string interface = ManagementInterface();
+    if (interface.empty()) return network;
+    const std::vector<NmDevice> devices = _client.Devices();
+    std::map<std::string, const NmDevice*> byName;
+    for (const NmDevice& device : devices) byName[device.interface] = &device;
+    const NmDevice* holder = byName.count(interface) ? byName[interface] : nullptr;
+    if (!holder) return network;
+    const std::vector<NmActive> actives = _client.ActiveConnections();
+    const NmActive* active = nullptr;
+    for (const NmActive& candidate : actives)
+        if (candidate.path == holder->activeConnection) active = &candidate;
+    const NmProfile* profile = active ? ProfileAt(profiles, active->profile) : nullptr;
+    if (!profile) {
+        // An address the service does not manage (ifupdown's, say): what the kernel runs is all there is.
+        network.ip = RunningIpConfig(interface, _kernel->Addresses(), _kernel->DefaultRoutes());
+        if (holder->wired) network.uplinks = {interface};
+        return network;
+    }
+    network = ManagementNetwork();
+    ManagementProfiles::ReadIp(*profile, network);
+
+    // The NICs under it: the interface itself, or the ports of the bridge or bond it is (or is a VLAN of).
+    std::string carrier = interface;
+    if (profile->Type() == "vlan") {
+        const Value& id = profile->Get("vlan", "id");
+        network.vlan = id.is_number() ? id.get<int>() : 0;
+        carrier = profile->Text("vlan", "parent");
+    }
+    std::vector<std::string> controllers{carrier};
+    for (std::size_t i = 0; i < controllers.size(); ++i)
+        for (const NmActive& port : actives) {
+            const NmProfile* portProfile = ProfileAt(profiles, port.profile);
+            if (!portProfile || portProfile->Controller() != controllers[i]) continue;
+            const std::string name = portProfile->InterfaceName();
+            if (portProfile->Type() == "802-3-ethernet")
+                network.uplinks.push_back(name);
+            else
+                controllers.push_back(name);
+        }
+    if (network.uplinks.empty() && byName.count(carrier) && byName[carrier]->wired)
+        network.uplinks.push_back(carrier);
+    return network;
+}
+
+void NmNetwork::Store(const ManagementNetwork& network) {
+    const std::vector<NmProfile> profiles = _client.Profiles();
+    std::map<std::string, const NmProfile*> own;
+    for (const NmProfile& profile : profiles)
+        if (!ManagementProfiles::RoleOf(profile).empty()) own[ManagementProfiles::Key(profile)] = &profile;
+
+    for (Value& settings : ManagementProfiles::Render(network)) {
+        const auto existing = own.find(ManagementProfiles::Key(settings));
+        if (existing != own.end()) {
+            settings["connection"]["uuid"] = Bus::Variant("s", existing->second->Uuid());
+            _client.UpdateProfile(existing->second->path, settings);
+            own.erase(existing);
+        } else {
+            settings["connection"]["uuid"] = Bus::Variant("s", NewUuid());
+            _client.AddProfile(settings);
+        }
+    }
+    for (const auto& [key, profile] : own) _client.DeleteProfile(profile->path);
+
+    // The other tools' profiles for these NICs would take them back at the next boot.
+    for (const NmProfile& profile : profiles) {
+        if (!ManagementProfiles::RoleOf(profile).empty()) continue;
+        const std::string nic = profile.InterfaceName();
+        const Value& autoconnect = profile.Get("connection", "autoconnect");
+        const bool starts = !autoconnect.is_boolean() || autoconnect.get<bool>();
+        if (!starts ||
+            std::find(network.uplinks.begin(), network.uplinks.end(), nic) == network.uplinks.end())
+            continue;
+        Value settings = profile.settings;
+        settings["connection"]["autoconnect"] = Bus::Variant("b", false);
+        _client.UpdateProfile(profile.path, settings);
+    }
+    if (!ChangeOpen()) Activate();
+}
+
+void NmNetwork::Activate() {
+    const std::vector<NmProfile> profiles = _client.Profiles();
+    std::string holder;
+    if (const NmProfile* bridge = ProfileWithRole(profiles, "bridge")) {
+        holder = _client.Activate(bridge->path);
+        if (const NmProfile* vlan = ProfileWithRole(profiles, "vlan")) holder = _client.Activate(vlan->path);
+    } else if (_takenDown) {
+        // A host set up otherwise: the profile that held the management address before it went down.
+        holder = _client.Activate(*_takenDown);
+    } else {
+        throw HostCtl::Lib::HostCtlException("The host has no management network to bring up");
+    }
+    _takenDown.reset();
+
+    const auto deadline = std::chrono::steady_clock::now() + kActivationTime;
+    for (;;) {
+        uint32_t state = kActiveDeactivated;
+        for (const NmActive& active : _client.ActiveConnections())
+            if (active.path == holder) state = active.state;
+        if (state == kActiveActivated) return;
+        if (state == kActiveDeactivated)
+            throw HostCtl::Lib::HostCtlException(
+                "The network service could not bring the management network up");
+        // Still activating after the time allowed: what it has by then is what the test will see.
+        if (std::chrono::steady_clock::now() > deadline) return;
+        std::this_thread::sleep_for(100ms);
+    }
+}
+
+void NmNetwork::Deactivate() {
+    const std::string interface =
+        ConsoleMade() ? ManagementProfiles::Interface(Management()) : ManagementInterface();
+    if (!ConsoleMade())
+        if (const std::optional<NmProfile> holder = ForeignHolder()) _takenDown = holder->path;
+    for (const NmDevice& device : _client.Devices())
+        if (device.interface == interface && device.activeConnection != "/" &&
+            !device.activeConnection.empty())
+            _client.Deactivate(device.activeConnection);
+}
+
+void NmNetwork::Clear() {
+    for (const NmProfile& profile : _client.Profiles())
+        if (!ManagementProfiles::RoleOf(profile).empty()) _client.DeleteProfile(profile.path);
+}
+
+void NmNetwork::OpenChange(int rollbackSeconds) {
+    // Every device: a change may take NICs from anywhere, and make bridges and bonds that did not exist.
+    _checkpoint = _client.CreateCheckpoint({}, static_cast<uint32_t>(rollbackSeconds));
+    _rollbackAt = std::chrono::steady_clock::now() + std::chrono::seconds(rollbackSeconds);
+    _interfaces.clear();
+    for (const NmDevice& device : _client.Devices()) _interfaces[device.path] = device.interface;
+    _hostsBefore = _names.HostsText();
+    try {
+        _hostnameBefore = _names.Static();
+    } catch (const HostCtl::Lib::HostCtlException&) {
+        // No host-name service: the change cannot set the name either, so there is none to put back.
+        _hostnameBefore.reset();
+    }
+}
+
+int NmNetwork::SecondsLeft() const {
+    if (!_checkpoint) return 0;
+    const auto left =
+        std::chrono::duration_cast<std::chrono::seconds>(_rollbackAt - std::chrono::steady_clock::now());
+    return std::max(0, static_cast<int>(left.count()));
+}
+
+void NmNetwork::Keep() {
+    if (!_checkpoint) return;
+    const std::string checkpoint = *_checkpoint;
+    _checkpoint.reset();
+    _client.DestroyCheckpoint(checkpoint);
+}
+
+std::vector<std::string> NmNetwork::RollBack() {
+    if (!_checkpoint) return {};
+    const std::string checkpoint = *_checkpoint;
+    _checkpoint.reset();
+    std::map<std::string, bool> results;
+    try {
+        results = _client.RollBackCheckpoint(checkpoint);
+    } catch (const BusError&) {
+        // Asked as its time ran out: the service has rolled every device back by itself.
+        if (std::chrono::steady_clock::now() < _rollbackAt) throw;
+        for (const auto& [device, name] : _interfaces) results[device] = true;
+    }
+    std::vector<std::string> restored;
+    for (const auto& [device, done] : results) {
+        if (!done) continue;
+        const auto name = _interfaces.find(device);
+        if (name != _interfaces.end()) restored.push_back(name->second);
+    }
+    std::sort(restored.begin(), restored.end());
+    if (_hostnameBefore && _names.Static() != *_hostnameBefore) _names.Set(*_hostnameBefore);
+    if (_hostsBefore && _names.HostsText() != *_hostsBefore) _names.SetHostsText(*_hostsBefore);
+    return restored;
+}
+
+}  // namespace LinuxHost

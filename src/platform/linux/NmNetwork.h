@@ -1,0 +1,79 @@
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/linux/HostNames.h"
+#include "platform/linux/KernelNetwork.h"
+#include "platform/linux/ManagementProfiles.h"
+#include "platform/linux/NetworkManagerClient.h"
+
+namespace LinuxHost {
+
+// The host's network as its network service runs it, shared by every network object of the Linux
+// platform: what the service and the kernel say now, the management network read from that, and the way
+// a changed one is put in place. While a change is open (a checkpoint the service rolls back by itself),
+// changed settings only go into the profiles; Activate puts them all in place at once.
+class NmNetwork {
+  public:
+    NmNetwork(NetworkManagerClient client, std::shared_ptr<const KernelNetwork> kernel, HostFiles files);
+
+    // Whether a network service answers on the host's bus; the platform serves the network from it only then.
+    static std::shared_ptr<NmNetwork> IfRunning(std::shared_ptr<const KernelNetwork> kernel, HostFiles files);
+
+    // The service's view, read afresh.
+    std::vector<NmDevice> Devices();
+    std::vector<NmProfile> Profiles();
+    // The NICs: the wired devices the service manages.
+    std::vector<NmDevice> Nics();
+
+    // The management network. On a host whose network the console has not set up (ConsoleMade() false),
+    // the one that the profile holding the management address describes: the first change replaces that
+    // profile with the console's own.
+    ManagementNetwork Management();
+    bool ConsoleMade();
+    // The interface that holds the management address now; "" when none does.
+    std::string ManagementInterface();
+    // What runs on that interface as the service has it: leases' name servers and domains included.
+    NmIpConfig RunningIp(int family);
+    // The profile (and its NICs) that the first change takes the management network from; nullopt when
+    // the console's own profiles hold it, or nothing does.
+    std::optional<NmProfile> ForeignHolder();
+
+    // Makes the profiles say `network`, and (unless a change is open) puts it in place.
+    void Store(const ManagementNetwork& network);
+    // Brings the management network up as its profiles say; throws when the service could not.
+    void Activate();
+    // Takes the management interface down (its profile stays).
+    void Deactivate();
+    // Removes the console's profiles, and with them the management network they made.
+    void Clear();
+
+    // A change the service undoes by itself after `rollbackSeconds` unless it is kept. The host's name and
+    // name table are outside the service's reach: they are put back here on RollBack (the service puts
+    // back the rest even when the console is gone).
+    void OpenChange(int rollbackSeconds);
+    bool ChangeOpen() const { return _checkpoint.has_value(); }
+    int SecondsLeft() const;
+    void Keep();
+    // The interfaces the service put back.
+    std::vector<std::string> RollBack();
+
+    HostNames& Names() { return _names; }
+
+  private:
+    NetworkManagerClient _client;
+    std::shared_ptr<const KernelNetwork> _kernel;
+    HostNames _names;
+    std::optional<std::string> _hostnameBefore, _hostsBefore;
+    std::optional<std::string> _checkpoint;
+    std::chrono::steady_clock::time_point _rollbackAt;
+    std::map<std::string, std::string> _interfaces;  // device path to name, when the change opened
+    std::optional<std::string> _takenDown;           // another tool's profile Deactivate took down
+};
+
+}  // namespace LinuxHost

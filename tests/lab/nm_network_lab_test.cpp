@@ -1,0 +1,150 @@
+// The Linux platform's management network on a real NetworkManager in the lab's host: taken over from
+// another tool's profile, changed inside a checkpoint and kept or rolled back, and moved between NICs,
+// each time as the kernel and nmcli then show it.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <thread>
+
+#include "platform/hostctl/Ipv4Address.h"
+#include "platform/linux/NmNetwork.h"
+
+namespace LinuxHost {
+namespace {
+
+using namespace std::chrono_literals;
+using HostCtl::Network::Ipv4Address;
+using Value = Bus::Value;
+
+std::string Output(const std::string& command) {
+    std::string text;
+    if (FILE* pipe = popen(command.c_str(), "r")) {
+        char buffer[4096];
+        for (std::size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) text.append(buffer, n);
+        pclose(pipe);
+    }
+    while (!text.empty() && text.back() == '\n') text.pop_back();
+    return text;
+}
+
+bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds deadline) {
+    const auto end = std::chrono::steady_clock::now() + deadline;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) return false;
+        std::this_thread::sleep_for(100ms);
+    }
+    return true;
+}
+
+std::string KernelIpv4(const std::string& interface) {
+    return Output("ip -4 -o addr show dev " + interface + " 2>/dev/null | awk '{print $4}' | paste -sd' '");
+}
+
+// The bridge or bond a NIC is a port of, as the kernel has it; "" for none.
+std::string ControllerOf(const std::string& nic) {
+    return Output("ip -o link show dev " + nic + " | grep -o 'master [^ ]*' | cut -d' ' -f2");
+}
+
+bool IsLease(const std::string& address) {
+    return address.rfind("192.168.88.1", 0) == 0 && address.size() > std::string("192.168.88.1").size() + 3;
+}
+
+ManagementNetwork Static(const std::string& address, std::vector<std::string> uplinks = {"e0"}) {
+    ManagementNetwork network;
+    network.uplinks = std::move(uplinks);
+    network.ip.SetUseDhcp(false);
+    network.ip.SetIpv4Address(Ipv4Address(address));
+    network.ip.SetIpv4Netmask(Ipv4Address("255.255.255.0"));
+    network.ip.SetIpv4Gateway(Ipv4Address("192.168.88.1"));
+    network.nameServers = {"192.168.88.1"};
+    return network;
+}
+
+// Each test starts on a host whose network another tool set up: one DHCP profile on e0.
+class NmNetworkLab : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_NE(network_, nullptr) << "no network service on the lab's bus";
+        Output("nmcli -g UUID connection show | xargs -r nmcli connection delete");
+        ASSERT_TRUE(
+            WaitFor([] { return ControllerOf("e0").empty() && KernelIpv4("vswitch0").empty(); }, 20s));
+        ASSERT_EQ(
+            Output("nmcli connection add type ethernet ifname e0 con-name 'Wired e0' ipv4.method auto "
+                   "ipv6.method ignore >/dev/null && nmcli connection up 'Wired e0' >/dev/null && echo up"),
+            "up");
+        ASSERT_TRUE(WaitFor([] { return IsLease(KernelIpv4("e0")); }, 30s)) << KernelIpv4("e0");
+    }
+    void TearDown() override { Output("nmcli -g UUID connection show | xargs -r nmcli connection delete"); }
+
+    std::shared_ptr<NmNetwork> network_ =
+        NmNetwork::IfRunning(std::make_shared<NetlinkNetwork>(), HostFiles("/"));
+};
+
+TEST_F(NmNetworkLab, AnotherToolsNetworkIsReadAsItIsAndTakenOverByTheFirstChange) {
+    EXPECT_FALSE(network_->ConsoleMade());
+    EXPECT_EQ(network_->ManagementInterface(), "e0");
+    const ManagementNetwork before = network_->Management();
+    EXPECT_EQ(before.uplinks, std::vector<std::string>{"e0"});
+    EXPECT_TRUE(before.ip.GetUseDhcp());
+
+    network_->Store(Static("192.168.88.40"));
+    EXPECT_TRUE(network_->ConsoleMade());
+    EXPECT_EQ(KernelIpv4("vswitch0"), "192.168.88.40/24");
+    EXPECT_EQ(ControllerOf("e0"), "vswitch0");
+    EXPECT_EQ(KernelIpv4("e0"), "");
+    EXPECT_EQ(network_->ManagementInterface(), "vswitch0");
+    EXPECT_EQ(network_->Management(), Static("192.168.88.40"));
+    // The other tool's profile is kept for the operator, but no longer takes the NIC at start.
+    EXPECT_EQ(Output("nmcli -g connection.autoconnect connection show 'Wired e0'"), "no");
+    EXPECT_EQ(Output("nmcli -g ipv4.method,ipv4.addresses connection show 'Management Network'"),
+              "manual\n192.168.88.40/24");
+}
+
+TEST_F(NmNetworkLab, AChangeInsideACheckpointWaitsForActivateAndRollsBackWhole) {
+    network_->OpenChange(60);
+    EXPECT_TRUE(network_->ChangeOpen());
+    network_->Store(Static("192.168.88.41"));
+    // Only the profiles changed so far.
+    EXPECT_TRUE(IsLease(KernelIpv4("e0"))) << KernelIpv4("e0");
+    network_->Activate();
+    EXPECT_EQ(KernelIpv4("vswitch0"), "192.168.88.41/24");
+    EXPECT_GT(network_->SecondsLeft(), 50);
+
+    const std::vector<std::string> restored = network_->RollBack();
+    EXPECT_FALSE(network_->ChangeOpen());
+    EXPECT_NE(std::find(restored.begin(), restored.end(), "e0"), restored.end());
+    EXPECT_TRUE(WaitFor([] { return IsLease(KernelIpv4("e0")); }, 30s)) << KernelIpv4("e0");
+    EXPECT_TRUE(WaitFor([] { return KernelIpv4("vswitch0").empty(); }, 10s)) << KernelIpv4("vswitch0");
+    EXPECT_EQ(Output("nmcli -g NAME connection show"), "Wired e0");
+    EXPECT_EQ(Output("nmcli -g connection.autoconnect connection show 'Wired e0'"), "yes");
+}
+
+TEST_F(NmNetworkLab, AKeptChangeOutlivesItsRollbackTime) {
+    network_->OpenChange(3);
+    network_->Store(Static("192.168.88.42"));
+    network_->Activate();
+    network_->Keep();
+    EXPECT_EQ(network_->SecondsLeft(), 0);
+    std::this_thread::sleep_for(5s);
+    EXPECT_EQ(KernelIpv4("vswitch0"), "192.168.88.42/24");
+    EXPECT_EQ(ControllerOf("e0"), "vswitch0");
+}
+
+TEST_F(NmNetworkLab, TheUplinkMovesToAnotherNic) {
+    network_->Store(Static("192.168.88.43"));
+    ASSERT_EQ(ControllerOf("e0"), "vswitch0");
+    network_->Store(Static("192.168.88.43", {"e1"}));
+    EXPECT_TRUE(WaitFor([] { return ControllerOf("e1") == "vswitch0" && ControllerOf("e0").empty(); }, 20s))
+        << ControllerOf("e0") << "/" << ControllerOf("e1");
+    EXPECT_EQ(Output("nmcli -g NAME connection show | sort | paste -sd,"),
+              "Management Network,Management Network port e1,Wired e0");
+    EXPECT_EQ(network_->Management().uplinks, std::vector<std::string>{"e1"});
+    // The address still answers through the new NIC.
+    EXPECT_EQ(Output("ping -c 1 -W 5 -I vswitch0 192.168.88.1 >/dev/null && echo answers"), "answers");
+}
+
+}  // namespace
+}  // namespace LinuxHost
