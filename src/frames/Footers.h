@@ -40,6 +40,9 @@ inline constexpr const char* kYesNoCancel =
     "{color:black}<Y>{/color} {color:dark-grey}Yes{/color}  {color:black}<N>{/color} "
     "{color:dark-grey}No{/color}"
     "{align:right}{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}{/align}";
+inline constexpr const char* kKeepRestore =
+    "{color:black}<Y>{/color} {color:dark-grey}Keep{/color}  {color:black}<N>{/color} "
+    "{color:dark-grey}Restore Previous{/color}";
 inline constexpr const char* kShutDownRestartCancel =
     "{color:black}<F2>{/color} {color:dark-grey}Shut Down{/color}  {color:black}<F11>{/color} "
     "{color:dark-grey}Restart{/color}{align:right}{color:black}<Esc>{/color} {color:dark-grey}Cancel{/color}"

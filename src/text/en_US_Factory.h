@@ -9,7 +9,7 @@ namespace Kovo {
 class en_US_Factory : public StringFactory {
   public:
     static constexpr unsigned int kVersionLineId = 2;
-    static constexpr unsigned int kLastId = 266;
+    static constexpr unsigned int kLastId = 273;
 
     const char* GetString(unsigned int id) const override;
 };

@@ -3,6 +3,7 @@
 #include "frames/Footers.h"
 #include "terminal/Colors.h"
 #include "terminal/Keys.h"
+#include "text/MarkupLayout.h"
 #include "text/StringFactory.h"
 #include "text/TextArea.h"
 
@@ -12,8 +13,10 @@ namespace {
 constexpr unsigned kTitle = 204, kBody = 205, kRestartNetwork = 206, kRebootHost = 207;
 }  // namespace
 
-ApplyChangesDialog::ApplyChangesDialog(Frame* parent, bool ipv6Switched)
-    : Dialog(parent, {66, 16, 9, kTitle, kBody, Footer::kYesNoCancel}) {
+ApplyChangesDialog::ApplyChangesDialog(Frame* parent, bool ipv6Switched, const std::string& takeOver)
+    : Dialog(parent, {66, 16, 9, kTitle, kBody, Footer::kYesNoCancel},
+             GetStringFactory("en_US")->GetString(kBody) +
+                 (takeOver.empty() ? std::string() : "\n\n" + MarkupSafe(takeOver))) {
     AddTextArea(0, 0, Content()->Width(), Content()->Height(), kBlack)
         .SetText(Strings()->GetString(ipv6Switched ? kRebootHost : kRestartNetwork));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "frames/Dialog.h"
 
 namespace Kovo {
@@ -11,7 +13,9 @@ class ApplyChangesDialog : public Dialog {
     enum Answer : int { kCancel = 0, kYes = 1, kNo = 2 };
 
     // `ipv6Switched`: the change switches IPv6 on or off, which takes a restart of the host.
-    ApplyChangesDialog(Frame* parent, bool ipv6Switched);
+    // `takeOver`: what the change takes over from how the host was set up otherwise ("" for nothing),
+    // said under the warning so the operator reads it before Y.
+    ApplyChangesDialog(Frame* parent, bool ipv6Switched, const std::string& takeOver = "");
 
   protected:
     bool OnKey(int key) override;

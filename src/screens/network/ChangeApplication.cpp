@@ -5,6 +5,7 @@
 #include "frames/Frame.h"
 #include "frames/HostAccess.h"
 #include "frames/MessageDialog.h"
+#include "network/ChangeConfirmation.h"
 #include "network/ManagementSwitch.h"
 #include "network/NetworkLog.h"
 #include "network/PendingNetwork.h"
@@ -30,6 +31,7 @@ constexpr const char* kIpIpv6Failed = "Setting ip/ipv6 configuration failed: ";
 constexpr const char* kGatewayFailed = "Setting default gateway failed: ";
 constexpr const char* kIpv6GatewayFailed = "Setting default ipv6 gateway failed: ";
 constexpr const char* kDnsFailed = "Setting DNS failed: ";
+constexpr const char* kChangeFailed = "Preparing a network change the host can undo failed: ";
 
 bool Contains(const std::vector<std::string>& names, const std::string& name) {
     return std::find(names.begin(), names.end(), name) != names.end();
@@ -71,19 +73,35 @@ void ChangeApplication::Run() {
     } refresh{_host};
 
     if (!_pending.managementInterface) return;
+    // A host that can undo a change by itself gets one first: the steps then wait in its configuration
+    // until the whole change is in place, tested, and kept by the operator.
+    std::unique_ptr<HostCtl::Network::NetworkChange> change;
+    if (!Guarded(kChangeFailed,
+                 [&] { change = _pending.networkInfo->BeginChange(ChangeConfirmation::kRollbackSeconds); }))
+        return;
+    if (!ApplySteps()) {
+        if (change) ChangeConfirmation(_owner, _host, *change).Restore();
+    } else if (!change || ChangeConfirmation(_owner, _host, *change)
+                              .PutInPlaceAndAsk(*_pending.networkInfo, _showAddress)) {
+        if (_pending.Ipv6StateChanges()) RebootConfirmDialog(&_owner, true, _host).RunModal();
+        return;
+    }
+    // Restored: the window shows the address the host has again.
+    if (change && _showAddress) _showAddress();
+}
+
+bool ChangeApplication::ApplySteps() {
     if (!OnDistributedSwitch()) {
         ApplyAdapters();
-        if (!Guarded(kMacFailed, [this] { ApplyMacAddress(); })) return;
+        if (!Guarded(kMacFailed, [this] { ApplyMacAddress(); })) return false;
         ApplyVlan();
     }
-    if (!Guarded(kIpFailed, [this] { ChooseIpv4(); })) return;
-    if (!Guarded(kIpv6Failed, [this] { ChooseIpv6(); })) return;
-    if (!Guarded(kIpIpv6Failed, [this] { WriteIpConfig(); })) return;
-    if (!Guarded(kGatewayFailed, [this] { ApplyIpv4Gateway(); })) return;
-    if (!Guarded(kIpv6GatewayFailed, [this] { ApplyIpv6Gateway(); })) return;
-    if (!Guarded(kIpIpv6Failed, [this] { RestartInterface(); })) return;
-    if (!Guarded(kDnsFailed, [this] { ApplyDns(); })) return;
-    if (_pending.Ipv6StateChanges()) RebootConfirmDialog(&_owner, true, _host).RunModal();
+    return Guarded(kIpFailed, [this] { ChooseIpv4(); }) && Guarded(kIpv6Failed, [this] { ChooseIpv6(); }) &&
+           Guarded(kIpIpv6Failed, [this] { WriteIpConfig(); }) &&
+           Guarded(kGatewayFailed, [this] { ApplyIpv4Gateway(); }) &&
+           Guarded(kIpv6GatewayFailed, [this] { ApplyIpv6Gateway(); }) &&
+           Guarded(kIpIpv6Failed, [this] { RestartInterface(); }) &&
+           Guarded(kDnsFailed, [this] { ApplyDns(); });
 }
 
 bool ChangeApplication::OnDistributedSwitch() {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/hostctl/IpConfig.h"
+#include "platform/hostctl/NetworkInfo.h"
 
 namespace Kovo {
 
@@ -19,6 +20,10 @@ struct PendingNetwork;
 // as it is made. The first platform failure is logged and shown on `owner` as one line (what was being
 // set, then the host's reason) and ends the run; the host agent is told to refresh its view of the
 // network however the run ends.
+// On a host that can undo a change by itself, the run opens one first: the steps wait in the host's
+// configuration, then the whole is put in place and tested, and the operator keeps it within the time
+// the host gives. A failed step, no answer, or a "no" restores the previous configuration, and the
+// screen says which interfaces were put back.
 class ChangeApplication {
   public:
     // `showAddress` rebuilds the window's detail pane once a new address is on the interface.
@@ -28,6 +33,8 @@ class ChangeApplication {
     void Run();
 
   private:
+    // The steps in their order; false after the first failure (shown).
+    bool ApplySteps();
     bool OnDistributedSwitch();
     void ApplyAdapters();
     void ApplyMacAddress();

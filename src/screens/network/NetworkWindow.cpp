@@ -329,7 +329,14 @@ void NetworkWindow::Open(Entry entry) {
 
 bool NetworkWindow::Leave() {
     if (!_pending.HasChanges()) return true;
-    switch (ApplyChangesDialog(this, _pending.Ipv6StateChanges()).RunModal()) {
+    std::string takeOver;
+    try {
+        takeOver = _pending.networkInfo->TakeOverNotice();
+    } catch (const std::exception& e) {
+        // Not knowing what would be taken over is no reason to keep the operator from applying.
+        LogFailure("Reading how the host's network is set up failed: ", e);
+    }
+    switch (ApplyChangesDialog(this, _pending.Ipv6StateChanges(), takeOver).RunModal()) {
         case ApplyChangesDialog::kYes:
             ChangeApplication(_host, _pending, *this, [this] {
                 UpdateDetails();

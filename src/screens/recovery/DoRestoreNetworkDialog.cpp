@@ -1,6 +1,7 @@
 #include "recovery/DoRestoreNetworkDialog.h"
 
 #include "frames/Footers.h"
+#include "network/ChangeConfirmation.h"
 #include "network/NetworkLog.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/NetworkInfo.h"
@@ -55,18 +56,28 @@ void DoRestoreNetworkDialog::DisableNetDumper() {
 
 void DoRestoreNetworkDialog::AutoConfigure() {
     Append(Text(kAutoConfiguring) + " ");
+    std::unique_ptr<HostCtl::Network::NetworkInfo> network;
+    // A host that can undo a change by itself keeps the factory network too only once it answers.
+    std::unique_ptr<HostCtl::Network::NetworkChange> change;
     try {
-        auto network = _host.Network();
+        network = _host.Network();
+        change = network->BeginChange(ChangeConfirmation::kRollbackSeconds);
         LogInfo("Clearing Network Config");
         network->ClearNetworkConfig();
         LogInfo("Auto-Configuring Network");
         network->AutoConfigNetwork();
-        Append(Text(kDone) + "\n");
     } catch (const HostCtl::Lib::HostCtlException& e) {
         Append(Text(kFailed) + "\n");
         LogError("Error auto-configuring network");
         LogFailure("Clearing and auto-configuring the network failed: ", e);
+        if (change) ChangeConfirmation(*this, _host, *change).Restore();
+        return;
     }
+    if (change && !ChangeConfirmation(*this, _host, *change).PutInPlaceAndAsk(*network, nullptr)) {
+        Append(Text(kFailed) + "\n");
+        return;
+    }
+    Append(Text(kDone) + "\n");
 }
 
 int DoRestoreNetworkDialog::HandleKey() {

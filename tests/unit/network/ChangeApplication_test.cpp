@@ -17,15 +17,27 @@ using nlohmann::json;
 
 class ChangeApplicationTest : public ScriptedScreen {
   protected:
-    void Make(const json& document) {
+    // `undoing`: a host that undoes a network change by itself, as a Linux host's network service does.
+    void Make(const json& document, bool undoing = false) {
         store_ = std::make_unique<ScratchStore>(Booted(document));
-        host_ = std::make_unique<RecordingNetworkHost>(store_->Get());
+        if (undoing) {
+            // It lives as long as the process, as the console's own host does: the change's tests ping on
+            // threads that nobody joins.
+            static std::vector<std::unique_ptr<RecordingNetworkHost>> forever;
+            forever.push_back(std::make_unique<RecordingNetworkHost>(store_->Get()));
+            host_ = forever.back().get();
+            host_->change.offered = true;
+        } else {
+            owned_ = std::make_unique<RecordingNetworkHost>(store_->Get());
+            host_ = owned_.get();
+        }
         pending_ = PendingNetwork::Read(*host_);
         host_->calls.clear();
     }
-    // Applies the record; a failure's message dialog is closed as an operator would.
-    void Apply() {
-        Type(Keys::kEnter);
+    // Applies the record with `keys` typed ahead; a failure's message dialog is closed as an operator
+    // would.
+    void Apply(const std::string& keys = Keys::kEnter) {
+        Type(keys);
         TestRootFrame root;
         bool shown = false;
         ChangeApplication(*host_, pending_, root, [&shown] { shown = true; }).Run();
@@ -52,8 +64,14 @@ class ChangeApplicationTest : public ScriptedScreen {
         return false;
     }
 
+    // The position of `call` in the calls made; the end when it was not made.
+    std::size_t Position(const std::string& call) const {
+        return static_cast<std::size_t>(std::find(Made().begin(), Made().end(), call) - Made().begin());
+    }
+
     std::unique_ptr<ScratchStore> store_;
-    std::unique_ptr<RecordingNetworkHost> host_;
+    std::unique_ptr<RecordingNetworkHost> owned_;
+    RecordingNetworkHost* host_ = nullptr;
     PendingNetwork pending_;
     bool addressShown_ = false;
 };
@@ -388,6 +406,60 @@ TEST_F(ChangeApplicationTest, UplinkAndVlanFailuresAreLoggedAndTheRestApplies) {
     EXPECT_FALSE(LoggedStartingWith("Changed vlan"));
     EXPECT_EQ(At("/network/zenkNics/0/ipConfig/ipv4/address"), "10.20.30.50");
     EXPECT_EQ(Made().back(), "refresh");
+}
+
+// On a host that undoes a change by itself, the steps run inside the change, which is put in place after
+// the last of them and kept only when the operator says so.
+TEST_F(ChangeApplicationTest, OnAnUndoingHostTheStepsRunInsideAChangeTheOperatorKeeps) {
+    Make(Scenario("default"), true);
+    pending_.applied.SetIpv4Address(Ipv4Address("10.20.30.50"));
+    Apply("y");
+    const std::size_t begin = Position("Network.BeginChange 120"), step = Position("Nic.SetIpConfig"),
+                      last = Position("Dns.SaveConfig"), apply = Position("Change.Apply"),
+                      keep = Position("Change.Keep");
+    EXPECT_LT(begin, step);
+    EXPECT_LT(last, apply);
+    EXPECT_LT(apply, keep);
+    EXPECT_LT(keep, Made().size());
+    EXPECT_EQ(Position("Change.RollBack"), Made().size());
+    EXPECT_EQ(Made().back(), "refresh");
+    EXPECT_TRUE(addressShown_);
+}
+
+TEST_F(ChangeApplicationTest, OnAnUndoingHostNoEscOrTimeRunningOutRestoresThePreviousNetwork) {
+    struct Case {
+        std::string keys;
+        int secondsLeft;
+    };
+    for (const Case& answer : {Case{"n\n", 120}, Case{Keys::kEsc + "\n", 120}, Case{"\n", 0}}) {
+        Make(Scenario("default"), true);
+        host_->change.secondsLeft = answer.secondsLeft;
+        pending_.applied.SetIpv4Address(Ipv4Address("10.20.30.50"));
+        Apply(answer.keys);
+        EXPECT_LT(Position("Change.Apply"), Position("Change.RollBack")) << answer.keys;
+        EXPECT_EQ(Position("Change.Keep"), Made().size()) << answer.keys;
+        EXPECT_TRUE(host_->Made("log: Restored the previous network configuration")) << answer.keys;
+        EXPECT_EQ(Made().back(), "refresh") << answer.keys;
+    }
+}
+
+TEST_F(ChangeApplicationTest, OnAnUndoingHostAFailedStepOrAFailedApplyRestoresThePreviousNetwork) {
+    Make(Scenario("default"), true);
+    pending_.applied.SetIpv4Address(Ipv4Address("10.20.30.50"));
+    Fault("RoutingInfo.SetZenKernelDefaultGateway", "the host refused");
+    Apply(std::string(Keys::kEnter) + Keys::kEnter);
+    EXPECT_TRUE(host_->Made("error: Setting default gateway failed: the host refused"));
+    EXPECT_EQ(Position("Change.Apply"), Made().size());
+    EXPECT_LT(Position("Change.RollBack"), Made().size());
+
+    Make(Scenario("default"), true);
+    host_->change.applyFailure = "the bridge would not come up";
+    pending_.applied.SetIpv4Address(Ipv4Address("10.20.30.50"));
+    Apply(std::string(Keys::kEnter) + Keys::kEnter);
+    EXPECT_TRUE(host_->Made(
+        "error: Putting the network configuration in place failed: the bridge would not come up"));
+    EXPECT_LT(Position("Change.Apply"), Position("Change.RollBack"));
+    EXPECT_TRUE(host_->Made("log: Restored the previous network configuration"));
 }
 
 }  // namespace

@@ -99,10 +99,53 @@ class RecordingNic : public HostCtl::Network::ZenkNic {
     Calls& _calls;
 };
 
+// What a host that undoes a network change by itself does with one, scripted (the Halvor platform
+// underneath cannot).
+struct ChangeScript {
+    bool offered = false;  // false: BeginChange gives none, as on the Halvor host
+    int secondsLeft = 120;
+    std::string applyFailure;  // Apply fails with it when set
+    std::vector<std::string> restored = {"e0", "vswitch0"};
+};
+
+class RecordingChange : public HostCtl::Network::NetworkChange {
+  public:
+    RecordingChange(const ChangeScript& script, Calls& calls) : _script(script), _calls(calls) {}
+    ~RecordingChange() override {
+        if (!_ended) _calls.push_back("Change.Dropped");
+    }
+    void Apply() override {
+        _calls.push_back("Change.Apply");
+        if (!_script.applyFailure.empty()) throw HostCtl::Lib::HostCtlException(_script.applyFailure);
+    }
+    int SecondsLeft() override { return _script.secondsLeft; }
+    void Keep() override {
+        _calls.push_back("Change.Keep");
+        _ended = true;
+    }
+    std::vector<std::string> RollBack() override {
+        _calls.push_back("Change.RollBack");
+        _ended = true;
+        return _script.restored;
+    }
+
+  private:
+    const ChangeScript& _script;
+    Calls& _calls;
+    bool _ended = false;
+};
+
 class RecordingNetworkInfo : public HostCtl::Network::NetworkInfo {
   public:
-    RecordingNetworkInfo(std::unique_ptr<HostCtl::Network::NetworkInfo> inner, Calls& calls)
-        : _inner(std::move(inner)), _calls(calls) {}
+    RecordingNetworkInfo(std::unique_ptr<HostCtl::Network::NetworkInfo> inner, Calls& calls,
+                         const ChangeScript& change)
+        : _inner(std::move(inner)), _calls(calls), _change(change) {}
+
+    std::unique_ptr<HostCtl::Network::NetworkChange> BeginChange(int rollbackSeconds) override {
+        if (!_change.offered) return nullptr;
+        _calls.push_back("Network.BeginChange " + std::to_string(rollbackSeconds));
+        return std::make_unique<RecordingChange>(_change, _calls);
+    }
 
     std::vector<std::unique_ptr<HostCtl::Network::Pnic>> GetPnics() override { return _inner->GetPnics(); }
     void UpdateManagementInterface() override { _inner->UpdateManagementInterface(); }
@@ -126,6 +169,7 @@ class RecordingNetworkInfo : public HostCtl::Network::NetworkInfo {
   private:
     std::unique_ptr<HostCtl::Network::NetworkInfo> _inner;
     Calls& _calls;
+    const ChangeScript& _change;
 };
 
 class RecordingRouting : public HostCtl::Network::RoutingInfo {
@@ -291,7 +335,7 @@ class RecordingNetworkHost : public RecordingHost {
     ~RecordingNetworkHost() override { ReleaseLog(&calls); }
 
     std::unique_ptr<HostCtl::Network::NetworkInfo> Network() const override {
-        return std::make_unique<RecordingNetworkInfo>(RecordingHost::Network(), Mutable());
+        return std::make_unique<RecordingNetworkInfo>(RecordingHost::Network(), Mutable(), change);
     }
     std::unique_ptr<HostCtl::Network::DnsConfig> Dns() const override {
         return std::make_unique<RecordingDns>(RecordingHost::Dns(), Mutable());
@@ -307,6 +351,8 @@ class RecordingNetworkHost : public RecordingHost {
         return std::make_unique<RecordingDvPort>(RecordingHost::DvPort(dvs, key), Mutable());
     }
     void RefreshAgent() override { calls.push_back("refresh"); }
+
+    ChangeScript change;
 
     // The calls and log lines from the first one starting with `from` on.
     Calls From(const std::string& from) const {

@@ -1,0 +1,61 @@
+#include "network/ChangeConfirmation.h"
+
+#include "frames/MessageDialog.h"
+#include "network/KeepNetworkDialog.h"
+#include "network/NetworkLog.h"
+#include "network/TestDialog.h"
+#include "text/StringFactory.h"
+
+namespace Kovo {
+
+namespace {
+constexpr unsigned kErrorTitle = 17, kRestoredTitle = 271, kRestored = 272, kInterfacesBack = 273;
+}  // namespace
+
+ChangeConfirmation::ChangeConfirmation(Frame& owner, HostAccess& host,
+                                       HostCtl::Network::NetworkChange& change)
+    : _owner(owner), _host(host), _change(change) {}
+
+bool ChangeConfirmation::PutInPlaceAndAsk(HostCtl::Network::NetworkInfo& network,
+                                          const std::function<void()>& placed) {
+    std::string interface;
+    try {
+        _change.Apply();
+        interface = network.GetManagementInterfaceName();
+    } catch (const std::exception& e) {
+        const std::string line =
+            std::string("Putting the network configuration in place failed: ") + e.what();
+        LogError(line);
+        MessageDialog(&_owner, kErrorTitle, line).RunModal();
+        Restore();
+        return false;
+    }
+    if (placed) placed();
+    if (KeepNetworkDialog(&_owner, _change, TestDialog::Prefill(_host), interface, _host).RunModal() == 1)
+        return true;
+    Restore();
+    return false;
+}
+
+void ChangeConfirmation::Restore() {
+    std::vector<std::string> interfaces;
+    try {
+        interfaces = _change.RollBack();
+    } catch (const std::exception& e) {
+        const std::string line =
+            std::string("Restoring the previous network configuration failed: ") + e.what();
+        LogError(line);
+        MessageDialog(&_owner, kErrorTitle, line).RunModal();
+        return;
+    }
+    const StringFactory& strings = *_owner.Strings();
+    std::string text = strings.GetString(kRestored);
+    if (!interfaces.empty()) {
+        text += std::string("\n\n") + strings.GetString(kInterfacesBack);
+        for (std::size_t i = 0; i < interfaces.size(); ++i) text += (i ? ", " : " ") + interfaces[i];
+    }
+    LogInfo("Restored the previous network configuration");
+    MessageDialog(&_owner, kRestoredTitle, text).RunModal();
+}
+
+}  // namespace Kovo
