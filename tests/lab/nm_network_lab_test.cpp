@@ -146,5 +146,19 @@ TEST_F(NmNetworkLab, TheUplinkMovesToAnotherNic) {
     EXPECT_EQ(Output("ping -c 1 -W 5 -I vswitch0 192.168.88.1 >/dev/null && echo answers"), "answers");
 }
 
+// A checkpoint does not cover the host's name and name table: the rollback puts them back itself.
+TEST_F(NmNetworkLab, ARollBackPutsTheHostNameAndTheNameTableBack) {
+    const std::string name = Output("hostname"), table = Output("cat /etc/hosts");
+    network_->OpenChange(60);
+    network_->Names().Set("changed-name");
+    network_->Names().SetHostsText("127.0.1.1\tchanged-name.lab changed-name\n");
+    EXPECT_EQ(Output("hostname"), "changed-name");
+    EXPECT_EQ(Output("cat /etc/hostname"), "changed-name");
+    network_->RollBack();
+    EXPECT_EQ(Output("hostname"), name);
+    EXPECT_EQ(Output("cat /etc/hostname"), name);
+    EXPECT_EQ(Output("cat /etc/hosts"), table);
+}
+
 }  // namespace
 }  // namespace LinuxHost
