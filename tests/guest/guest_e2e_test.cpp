@@ -327,7 +327,9 @@ TEST_F(DebianGuest, RestartingAgentsTheHostDoesNotRunSaysSo) {
         << term.Dump();
     EXPECT_FALSE(term.Screen().Contains("Done.")) << term.Dump();
     term.Press(Key::Enter);
-    ASSERT_TRUE(term.WaitForTextGone("Restart management agents now?", 30s)) << term.Dump();
+    // The window discards keys typed while it comes back: let it settle first.
+    ASSERT_TRUE(term.WaitForTextGone("Restart management agents now?", 30s) && term.WaitForQuiet(500ms, 30s))
+        << term.Dump();
     term.Press(Key::Escape);
     EXPECT_TRUE(term.WaitFor(MenuShown, 30s)) << term.Dump();
 }

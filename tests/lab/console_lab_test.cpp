@@ -6,6 +6,8 @@
 
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <string>
@@ -74,6 +76,9 @@ class LabConsole : public ::testing::Test {
         ASSERT_TRUE(Wait([] { return HasLease("e0"); }, 30s)) << KernelIpv4("e0");
         KovoTerm::SpawnOptions options;
         options.argv = {KOVO_NM_LAB, "exec", KOVO_LAB_DIR, "--", KOVO_LAB_CONSOLE};
+        // In the sanitizer build a report goes to a file, not over the console's screen.
+        options.environment = {{"ASAN_OPTIONS", "log_path=" + SanitizerLog()},
+                               {"UBSAN_OPTIONS", "print_stacktrace=1:log_path=" + SanitizerLog()}};
         term_ = std::make_unique<TermSession>(options);
         ASSERT_TRUE(term_->WaitForText(KovoE2e::kWelcomeKeys, 60s)) << term_->Dump();
     }
@@ -81,6 +86,13 @@ class LabConsole : public ::testing::Test {
         if (term_ && term_->Running()) {
             term_->Signal(SIGKILL);
             term_->WaitExit(10s);
+        }
+        for (const auto& entry : std::filesystem::directory_iterator(KOVO_LAB_DIR)) {
+            if (entry.path().filename().string().rfind("sanitizer", 0) != 0) continue;
+            std::ifstream report(entry.path());
+            ADD_FAILURE() << "the console's sanitizer report:\n"
+                          << std::string(std::istreambuf_iterator<char>(report), {});
+            std::filesystem::remove(entry.path());
         }
         Lab("nmcli -g UUID connection show | xargs -r nmcli connection delete");
     }
@@ -93,6 +105,7 @@ class LabConsole : public ::testing::Test {
         return true;
     }
     ConsoleDriver Driver() { return ConsoleDriver(*term_); }
+    static std::string SanitizerLog() { return std::string(KOVO_LAB_DIR) + "/sanitizer"; }
 
     // Logged in, with the network window open.
     bool OpenNetworkWindow() {

@@ -96,7 +96,8 @@ void RenderIp(const ManagementNetwork& network, Value& settings) {
     Value servers4 = Value::array(), servers6 = Value::array();
     for (const std::string& server : network.nameServers) {
         if (IsIpv6(server)) {
-            const auto& bytes = Ipv6Address(server).GetBytes();
+            const Ipv6Address address(server);
+            const auto& bytes = address.GetBytes();
             servers6.push_back(Value(std::vector<uint8_t>(bytes.begin(), bytes.end())));
         } else {
             servers4.push_back(NetworkOrder(Ipv4Address(server)));

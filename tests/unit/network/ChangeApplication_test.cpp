@@ -21,11 +21,11 @@ class ChangeApplicationTest : public ScriptedScreen {
     void Make(const json& document, bool undoing = false) {
         store_ = std::make_unique<ScratchStore>(Booted(document));
         if (undoing) {
-            // It lives as long as the process, as the console's own host does: the change's tests ping on
-            // threads that nobody joins.
-            static std::vector<std::unique_ptr<RecordingNetworkHost>> forever;
-            forever.push_back(std::make_unique<RecordingNetworkHost>(store_->Get()));
-            host_ = forever.back().get();
+            // It outlives the process's own end, as the console's host does: the change's tests ping on
+            // threads that nobody joins, which may still be at work while static objects are destroyed.
+            static auto* forever = new std::vector<std::unique_ptr<RecordingNetworkHost>>;
+            forever->push_back(std::make_unique<RecordingNetworkHost>(store_->Get()));
+            host_ = forever->back().get();
             host_->change.offered = true;
         } else {
             owned_ = std::make_unique<RecordingNetworkHost>(store_->Get());
