@@ -172,19 +172,19 @@ TEST_F(LabConsole, AStaticAddressKeptIsWhatTheHostRunsOnTheConsolesOwnBridge) {
     // The change is in place while the question stands, and the tests ran on it.
     ASSERT_TRUE(term_->WaitForText(kKeepQuestion, 90s)) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText("Pinging address (192.168.88.1). OK.", 60s)) << term_->Dump();
-    EXPECT_EQ(KernelIpv4("vswitch0"), "192.168.88.60/24");
+    EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.60/24");
     term_->Type("y");
     ASSERT_TRUE(term_->WaitForTextGone(kKeepQuestion, 30s)) << term_->Dump();
     ASSERT_TRUE(term_->WaitForTextGone(KovoE2e::kWindowMark, 30s)) << term_->Dump();
 
     EXPECT_EQ(Lab("nmcli -g ipv4.method,ipv4.addresses,ipv4.gateway connection show 'Management Network'"),
               "manual\n192.168.88.60/24\n192.168.88.1");
-    EXPECT_EQ(Lab("ip -o link show dev e0 | grep -o 'master [^ ]*'"), "master vswitch0");
+    EXPECT_EQ(Lab("ip -o link show dev e0 | grep -o 'master [^ ]*'"), "master xswitch0");
     EXPECT_EQ(Lab("nmcli -g connection.autoconnect connection show 'Wired e0'"), "no");
     // Kept: still there once the time it had to be kept in is over.
     std::this_thread::sleep_for(5s);
     EXPECT_EQ(Lab("nmcli -g NAME,DEVICE connection show --active | sort | paste -sd,"),
-              "Management Network port e0:e0,Management Network:vswitch0");
+              "Management Network port e0:e0,Management Network:xswitch0");
     term_->Press(Key::Escape);
     EXPECT_TRUE(Driver().AtWelcome()) << term_->Dump();
     EXPECT_TRUE(term_->WaitForText("192.168.88.60", 30s)) << term_->Dump();
@@ -193,7 +193,7 @@ TEST_F(LabConsole, AStaticAddressKeptIsWhatTheHostRunsOnTheConsolesOwnBridge) {
 TEST_F(LabConsole, NoToTheQuestionPutsThePreviousNetworkBackAndSaysWhere) {
     ASSERT_TRUE(ApplyStatic("192.168.88.61")) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText(kKeepQuestion, 90s)) << term_->Dump();
-    EXPECT_EQ(KernelIpv4("vswitch0"), "192.168.88.61/24");
+    EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.61/24");
     term_->Type("n");
     ASSERT_TRUE(term_->WaitForText(kRestoredTitle, 60s)) << term_->Dump();
     EXPECT_TRUE(term_->WaitForText("Interfaces put back:", 10s)) << term_->Dump();
@@ -201,20 +201,20 @@ TEST_F(LabConsole, NoToTheQuestionPutsThePreviousNetworkBackAndSaysWhere) {
     EXPECT_TRUE(Wait([] { return HasLease("e0"); }, 30s)) << KernelIpv4("e0");
     EXPECT_EQ(Lab("nmcli -g NAME connection show"), "Wired e0");
     EXPECT_EQ(Lab("nmcli -g connection.autoconnect connection show 'Wired e0'"), "yes");
-    EXPECT_EQ(KernelIpv4("vswitch0"), "");
+    EXPECT_EQ(KernelIpv4("xswitch0"), "");
 }
 
 // The host cut off and nobody left to answer: the network service puts the old network back by itself.
 TEST_F(LabConsole, AChangeWhoseConsoleIsKilledUndoesItself) {
     ASSERT_TRUE(ApplyStatic("192.168.88.62")) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText(kKeepQuestion, 90s)) << term_->Dump();
-    EXPECT_EQ(KernelIpv4("vswitch0"), "192.168.88.62/24");
+    EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.62/24");
     ASSERT_TRUE(term_->Signal(SIGKILL));
     term_->WaitExit(10s);
     // The change waits two minutes to be kept.
     EXPECT_TRUE(Wait([] { return HasLease("e0"); }, 200s))
-        << KernelIpv4("e0") << " / " << KernelIpv4("vswitch0");
-    EXPECT_EQ(KernelIpv4("vswitch0"), "");
+        << KernelIpv4("e0") << " / " << KernelIpv4("xswitch0");
+    EXPECT_EQ(KernelIpv4("xswitch0"), "");
     EXPECT_EQ(Lab("nmcli -g NAME connection show"), "Wired e0");
 }
 
@@ -232,7 +232,7 @@ TEST_F(LabConsole, AChangeThatCannotComeUpIsRolledBackAndSaysSo) {
     ASSERT_TRUE(term_->WaitForText(kRestoredTitle, 60s)) << term_->Dump();
     EXPECT_TRUE(Wait([] { return HasLease("e0"); }, 30s)) << KernelIpv4("e0");
     EXPECT_EQ(Lab("nmcli -g NAME connection show"), "Wired e0");
-    EXPECT_EQ(KernelIpv4("vswitch0"), "");
+    EXPECT_EQ(KernelIpv4("xswitch0"), "");
 }
 
 }  // namespace

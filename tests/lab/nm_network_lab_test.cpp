@@ -70,7 +70,7 @@ class NmNetworkLab : public ::testing::Test {
         ASSERT_NE(network_, nullptr) << "no network service on the lab's bus";
         Output("nmcli -g UUID connection show | xargs -r nmcli connection delete");
         ASSERT_TRUE(
-            WaitFor([] { return ControllerOf("e0").empty() && KernelIpv4("vswitch0").empty(); }, 20s));
+            WaitFor([] { return ControllerOf("e0").empty() && KernelIpv4("xswitch0").empty(); }, 20s));
         ASSERT_EQ(
             Output("nmcli connection add type ethernet ifname e0 con-name 'Wired e0' ipv4.method auto "
                    "ipv6.method ignore >/dev/null && nmcli connection up 'Wired e0' >/dev/null && echo up"),
@@ -92,10 +92,10 @@ TEST_F(NmNetworkLab, AnotherToolsNetworkIsReadAsItIsAndTakenOverByTheFirstChange
 
     network_->Store(Static("192.168.88.40"));
     EXPECT_TRUE(network_->ConsoleMade());
-    EXPECT_EQ(KernelIpv4("vswitch0"), "192.168.88.40/24");
-    EXPECT_EQ(ControllerOf("e0"), "vswitch0");
+    EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.40/24");
+    EXPECT_EQ(ControllerOf("e0"), "xswitch0");
     EXPECT_EQ(KernelIpv4("e0"), "");
-    EXPECT_EQ(network_->ManagementInterface(), "vswitch0");
+    EXPECT_EQ(network_->ManagementInterface(), "xswitch0");
     EXPECT_EQ(network_->Management(), Static("192.168.88.40"));
     // The other tool's profile is kept for the operator, but no longer takes the NIC at start.
     EXPECT_EQ(Output("nmcli -g connection.autoconnect connection show 'Wired e0'"), "no");
@@ -110,14 +110,14 @@ TEST_F(NmNetworkLab, AChangeInsideACheckpointWaitsForActivateAndRollsBackWhole) 
     // Only the profiles changed so far.
     EXPECT_TRUE(IsLease(KernelIpv4("e0"))) << KernelIpv4("e0");
     network_->Activate();
-    EXPECT_EQ(KernelIpv4("vswitch0"), "192.168.88.41/24");
+    EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.41/24");
     EXPECT_GT(network_->SecondsLeft(), 50);
 
     const std::vector<std::string> restored = network_->RollBack();
     EXPECT_FALSE(network_->ChangeOpen());
     EXPECT_NE(std::find(restored.begin(), restored.end(), "e0"), restored.end());
     EXPECT_TRUE(WaitFor([] { return IsLease(KernelIpv4("e0")); }, 30s)) << KernelIpv4("e0");
-    EXPECT_TRUE(WaitFor([] { return KernelIpv4("vswitch0").empty(); }, 10s)) << KernelIpv4("vswitch0");
+    EXPECT_TRUE(WaitFor([] { return KernelIpv4("xswitch0").empty(); }, 10s)) << KernelIpv4("xswitch0");
     EXPECT_EQ(Output("nmcli -g NAME connection show"), "Wired e0");
     EXPECT_EQ(Output("nmcli -g connection.autoconnect connection show 'Wired e0'"), "yes");
 }
@@ -129,21 +129,21 @@ TEST_F(NmNetworkLab, AKeptChangeOutlivesItsRollbackTime) {
     network_->Keep();
     EXPECT_EQ(network_->SecondsLeft(), 0);
     std::this_thread::sleep_for(5s);
-    EXPECT_EQ(KernelIpv4("vswitch0"), "192.168.88.42/24");
-    EXPECT_EQ(ControllerOf("e0"), "vswitch0");
+    EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.42/24");
+    EXPECT_EQ(ControllerOf("e0"), "xswitch0");
 }
 
 TEST_F(NmNetworkLab, TheUplinkMovesToAnotherNic) {
     network_->Store(Static("192.168.88.43"));
-    ASSERT_EQ(ControllerOf("e0"), "vswitch0");
+    ASSERT_EQ(ControllerOf("e0"), "xswitch0");
     network_->Store(Static("192.168.88.43", {"e1"}));
-    EXPECT_TRUE(WaitFor([] { return ControllerOf("e1") == "vswitch0" && ControllerOf("e0").empty(); }, 20s))
+    EXPECT_TRUE(WaitFor([] { return ControllerOf("e1") == "xswitch0" && ControllerOf("e0").empty(); }, 20s))
         << ControllerOf("e0") << "/" << ControllerOf("e1");
     EXPECT_EQ(Output("nmcli -g NAME connection show | sort | paste -sd,"),
               "Management Network,Management Network port e1,Wired e0");
     EXPECT_EQ(network_->Management().uplinks, std::vector<std::string>{"e1"});
     // The address still answers through the new NIC.
-    EXPECT_EQ(Output("ping -c 1 -W 5 -I vswitch0 192.168.88.1 >/dev/null && echo answers"), "answers");
+    EXPECT_EQ(Output("ping -c 1 -W 5 -I xswitch0 192.168.88.1 >/dev/null && echo answers"), "answers");
 }
 
 // A checkpoint does not cover the host's name and name table: the rollback puts them back itself.

@@ -31,7 +31,7 @@ struct ManagementNetwork {
 // its own whatever an operator renamed; their names are for people reading `nmcli connection`.
 class ManagementProfiles {
   public:
-    static constexpr const char* kBridge = "vswitch0";
+    static constexpr const char* kBridge = "xswitch0";
     static constexpr const char* kBond = "mgmtbond0";
     static constexpr const char* kName = "Management Network";
     static constexpr const char* kRoleKey = "kovo.role";

@@ -105,7 +105,7 @@ struct ChangeScript {
     bool offered = false;  // false: BeginChange gives none, as on the Halvor host
     int secondsLeft = 120;
     std::string applyFailure;  // Apply fails with it when set
-    std::vector<std::string> restored = {"e0", "vswitch0"};
+    std::vector<std::string> restored = {"e0", "xswitch0"};
 };
 
 class RecordingChange : public HostCtl::Network::NetworkChange {

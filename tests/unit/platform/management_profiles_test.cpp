@@ -95,7 +95,7 @@ TEST(ManagementProfiles, OneUplinkIsABridgePortAndTheAddressSitsOnTheBridge) {
     const std::vector<Value> rendered = ManagementProfiles::Render(Static({"ens3"}, 0));
     ASSERT_EQ(rendered.size(), 2u);
     const Value& bridge = rendered[0];
-    EXPECT_EQ(ManagementProfiles::Key(bridge), "bridge vswitch0");
+    EXPECT_EQ(ManagementProfiles::Key(bridge), "bridge xswitch0");
     EXPECT_EQ(Text(bridge, "connection", "id"), "Management Network");
     EXPECT_EQ(Text(bridge, "connection", "type"), "bridge");
     EXPECT_EQ(Text(bridge, "ipv4", "method"), "manual");
@@ -108,7 +108,7 @@ TEST(ManagementProfiles, OneUplinkIsABridgePortAndTheAddressSitsOnTheBridge) {
     const Value* port = WithRole(rendered, "port", "ens3");
     ASSERT_NE(port, nullptr);
     EXPECT_EQ(Text(*port, "connection", "id"), "Management Network port ens3");
-    EXPECT_EQ(Text(*port, "connection", "master"), "vswitch0");
+    EXPECT_EQ(Text(*port, "connection", "master"), "xswitch0");
     EXPECT_EQ(Text(*port, "connection", "slave-type"), "bridge");
     EXPECT_FALSE(port->contains("ipv4"));
 }
@@ -117,7 +117,7 @@ TEST(ManagementProfiles, TwoUplinksAreAnActiveBackupBondUnderTheBridgeFirstOnePr
     const std::vector<Value> rendered = ManagementProfiles::Render(Static({"ens4", "ens3"}, 0));
     const Value* bond = WithRole(rendered, "bond", "mgmtbond0");
     ASSERT_NE(bond, nullptr);
-    EXPECT_EQ(Text(*bond, "connection", "master"), "vswitch0");
+    EXPECT_EQ(Text(*bond, "connection", "master"), "xswitch0");
     EXPECT_EQ(Text(*bond, "connection", "slave-type"), "bridge");
     EXPECT_EQ((*bond)["bond"]["options"]["v"],
               Value::parse(R"({"mode":"active-backup","primary":"ens4","miimon":"100"})"));
@@ -134,13 +134,13 @@ TEST(ManagementProfiles, TwoUplinksAreAnActiveBackupBondUnderTheBridgeFirstOnePr
 TEST(ManagementProfiles, AVlanIsALinkOnTheBridgeThatHoldsTheAddress) {
     const ManagementNetwork network = Static({"ens3"}, 20);
     const std::vector<Value> rendered = ManagementProfiles::Render(network);
-    EXPECT_EQ(ManagementProfiles::Interface(network), "vswitch0.20");
+    EXPECT_EQ(ManagementProfiles::Interface(network), "xswitch0.20");
     EXPECT_EQ(Text(rendered[0], "ipv4", "method"), "disabled");
     EXPECT_EQ(Text(rendered[0], "ipv6", "method"), "disabled");
-    const Value* vlan = WithRole(rendered, "vlan", "vswitch0.20");
+    const Value* vlan = WithRole(rendered, "vlan", "xswitch0.20");
     ASSERT_NE(vlan, nullptr);
     EXPECT_EQ(Text(*vlan, "connection", "id"), "Management Network VLAN 20");
-    EXPECT_EQ(Text(*vlan, "vlan", "parent"), "vswitch0");
+    EXPECT_EQ(Text(*vlan, "vlan", "parent"), "xswitch0");
     EXPECT_EQ((*vlan)["vlan"]["id"]["v"], 20);
     EXPECT_EQ(Text(*vlan, "ipv4", "method"), "manual");
     EXPECT_EQ(Text(*vlan, "ipv6", "gateway"), "fd00:1::1");
