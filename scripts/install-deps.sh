@@ -44,7 +44,9 @@ if [ ! -x "$nm_root/usr/sbin/NetworkManager" ]; then
   download=$(mktemp -d)
   # apt downloads as its own user where it can
   if [ "$(id -u)" -eq 0 ] && id _apt >/dev/null 2>&1; then chown _apt "$download"; fi
-  (cd "$download" && apt-get download -qq network-manager)
+  # A machine that had every package already may have no package lists yet.
+  (cd "$download" && apt-get download -qq network-manager) ||
+    { as_root apt-get update -qq && (cd "$download" && apt-get download -qq network-manager); }
   rm -rf "$nm_root"
   mkdir -p "$nm_root"
   dpkg-deb -x "$download"/network-manager_*.deb "$nm_root"
