@@ -17,6 +17,7 @@
 
 #include "ConsoleDriver.h"
 #include "HostSteps.h"
+#include "ShellSteps.h"
 #include "TermSession.h"
 
 using namespace std::chrono_literals;
@@ -29,18 +30,13 @@ namespace {
 using KovoE2e::kLoginTitle;
 using KovoE2e::kMenuTitle;
 using KovoE2e::kWelcomeKeys;
+using KovoE2e::Quote;
 constexpr const char* kInvalid = "Invalid login or password.";
 constexpr const char* kPasswordDialog = "Setting the password will prevent unauthorized access";
 constexpr const char* kFirstPassword = "Kovo-Demo1";
 constexpr const char* kSecondPassword = "Brand-New5";
 // Emulated processors boot slowly, and more slowly still on a busy machine.
 constexpr auto kBoot = 400s;
-
-std::string Quote(const std::string& text) {
-    std::string quoted = "'";
-    for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
 
 struct Result {
     int status = -1;

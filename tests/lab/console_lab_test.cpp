@@ -16,12 +16,14 @@
 
 #include "ConsoleDriver.h"
 #include "NetworkSteps.h"
+#include "ShellSteps.h"
 #include "TermSession.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using KovoE2e::ConsoleDriver;
+using KovoE2e::Quote;
 using KovoTerm::Key;
 using KovoTerm::TermSession;
 using KovoTerm::VirtualTerminal;
@@ -31,24 +33,10 @@ constexpr const char* kKeepQuestion = "Keep this network configuration?";
 constexpr const char* kRestoredTitle = "Network Configuration Restored";
 constexpr const char* kTakeOver = "runs on the profile \"Wired e0\"";
 
-std::string Quote(const std::string& text) {
-    std::string quoted = "'";
-    for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
 // A shell command inside the lab's host; its output without the last line end.
 std::string Lab(const std::string& script) {
-    const std::string line =
-        std::string(KOVO_NM_LAB) + " exec " + Quote(KOVO_LAB_DIR) + " -- sh -c " + Quote(script);
-    std::string text;
-    if (FILE* pipe = popen((line + " 2>&1").c_str(), "r")) {
-        char buffer[4096];
-        for (std::size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) text.append(buffer, n);
-        pclose(pipe);
-    }
-    while (!text.empty() && text.back() == '\n') text.pop_back();
-    return text;
+    return KovoE2e::Output(std::string(KOVO_NM_LAB) + " exec " + Quote(KOVO_LAB_DIR) + " -- sh -c " +
+                           Quote(script) + " 2>&1");
 }
 
 std::string KernelIpv4(const std::string& interface) {
@@ -73,7 +61,7 @@ class LabConsole : public ::testing::Test {
             Lab("nmcli connection add type ethernet ifname e0 con-name 'Wired e0' ipv4.method auto "
                 "ipv6.method ignore >/dev/null && nmcli connection up 'Wired e0' >/dev/null && echo up"),
             "up");
-        ASSERT_TRUE(Wait([] { return HasLease("e0"); }, 30s)) << KernelIpv4("e0");
+        ASSERT_TRUE(KovoE2e::WaitFor([] { return HasLease("e0"); }, 30s)) << KernelIpv4("e0");
         KovoTerm::SpawnOptions options;
         options.argv = {KOVO_NM_LAB, "exec", KOVO_LAB_DIR, "--", KOVO_LAB_CONSOLE};
         // In the sanitizer build a report goes to a file, not over the console's screen.
@@ -95,14 +83,6 @@ class LabConsole : public ::testing::Test {
             std::filesystem::remove(entry.path());
         }
         Lab("nmcli -g UUID connection show | xargs -r nmcli connection delete");
-    }
-    static bool Wait(const std::function<bool()>& condition, std::chrono::seconds deadline) {
-        const auto end = std::chrono::steady_clock::now() + deadline;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > end) return false;
-            std::this_thread::sleep_for(200ms);
-        }
-        return true;
     }
     ConsoleDriver Driver() { return ConsoleDriver(*term_); }
     static std::string SanitizerLog() { return std::string(KOVO_LAB_DIR) + "/sanitizer"; }
@@ -198,7 +178,7 @@ TEST_F(LabConsole, NoToTheQuestionPutsThePreviousNetworkBackAndSaysWhere) {
     ASSERT_TRUE(term_->WaitForText(kRestoredTitle, 60s)) << term_->Dump();
     EXPECT_TRUE(term_->WaitForText("Interfaces put back:", 10s)) << term_->Dump();
     EXPECT_TRUE(term_->Screen().Contains("e0")) << term_->Dump();
-    EXPECT_TRUE(Wait([] { return HasLease("e0"); }, 30s)) << KernelIpv4("e0");
+    EXPECT_TRUE(KovoE2e::WaitFor([] { return HasLease("e0"); }, 30s)) << KernelIpv4("e0");
     EXPECT_EQ(Lab("nmcli -g NAME connection show"), "Wired e0");
     EXPECT_EQ(Lab("nmcli -g connection.autoconnect connection show 'Wired e0'"), "yes");
     EXPECT_EQ(KernelIpv4("xswitch0"), "");
@@ -212,7 +192,7 @@ TEST_F(LabConsole, AChangeWhoseConsoleIsKilledUndoesItself) {
     ASSERT_TRUE(term_->Signal(SIGKILL));
     term_->WaitExit(10s);
     // The change waits two minutes to be kept.
-    EXPECT_TRUE(Wait([] { return HasLease("e0"); }, 200s))
+    EXPECT_TRUE(KovoE2e::WaitFor([] { return HasLease("e0"); }, 200s))
         << KernelIpv4("e0") << " / " << KernelIpv4("xswitch0");
     EXPECT_EQ(KernelIpv4("xswitch0"), "");
     EXPECT_EQ(Lab("nmcli -g NAME connection show"), "Wired e0");
@@ -230,7 +210,7 @@ TEST_F(LabConsole, AChangeThatCannotComeUpIsRolledBackAndSaysSo) {
         << term_->Dump();
     ASSERT_TRUE(Driver().Acknowledge(KovoE2e::kErrorTitle)) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText(kRestoredTitle, 60s)) << term_->Dump();
-    EXPECT_TRUE(Wait([] { return HasLease("e0"); }, 30s)) << KernelIpv4("e0");
+    EXPECT_TRUE(KovoE2e::WaitFor([] { return HasLease("e0"); }, 30s)) << KernelIpv4("e0");
     EXPECT_EQ(Lab("nmcli -g NAME connection show"), "Wired e0");
     EXPECT_EQ(KernelIpv4("xswitch0"), "");
 }

@@ -11,6 +11,7 @@
 #include <string>
 #include <thread>
 
+#include "ShellSteps.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/linux/NetworkManagerClient.h"
 
@@ -18,28 +19,9 @@ namespace LinuxHost {
 namespace {
 
 using namespace std::chrono_literals;
+using KovoE2e::Output;
+using KovoE2e::WaitFor;
 using Value = Bus::Value;
-
-// A command's standard output, without its last line end.
-std::string Output(const std::string& command) {
-    std::string text;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-        char buffer[4096];
-        for (std::size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) text.append(buffer, n);
-        pclose(pipe);
-    }
-    while (!text.empty() && text.back() == '\n') text.pop_back();
-    return text;
-}
-
-bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds deadline) {
-    const auto end = std::chrono::steady_clock::now() + deadline;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(100ms);
-    }
-    return true;
-}
 
 // The kernel's IPv4 addresses on an interface, as "a.b.c.d/n" words.
 std::string KernelIpv4(const std::string& interface) {

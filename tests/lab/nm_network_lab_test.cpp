@@ -9,6 +9,7 @@
 #include <string>
 #include <thread>
 
+#include "ShellSteps.h"
 #include "platform/hostctl/Ipv4Address.h"
 #include "platform/linux/NmNetwork.h"
 
@@ -17,27 +18,9 @@ namespace {
 
 using namespace std::chrono_literals;
 using HostCtl::Network::Ipv4Address;
+using KovoE2e::Output;
+using KovoE2e::WaitFor;
 using Value = Bus::Value;
-
-std::string Output(const std::string& command) {
-    std::string text;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-        char buffer[4096];
-        for (std::size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) text.append(buffer, n);
-        pclose(pipe);
-    }
-    while (!text.empty() && text.back() == '\n') text.pop_back();
-    return text;
-}
-
-bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds deadline) {
-    const auto end = std::chrono::steady_clock::now() + deadline;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(100ms);
-    }
-    return true;
-}
 
 std::string KernelIpv4(const std::string& interface) {
     return Output("ip -4 -o addr show dev " + interface + " 2>/dev/null | awk '{print $4}' | paste -sd' '");
