@@ -17,6 +17,7 @@
 
 #include "platform/events/ObsUserLib.h"
 #include "platform/hostctl/HostPrograms.h"
+#include "platform/hostctl/UniqueFd.h"
 #include "terminal/Log.h"
 #include "terminal/Session.h"
 
@@ -26,34 +27,15 @@ namespace Kovo {
 
 namespace {
 
+using HostCtl::UniqueFd;
+
 constexpr int kHclCmdRetryCapacity = 256;
 constexpr int kQueryTimeoutSeconds = 120;
 constexpr int kQueryCapacity = 255;
 constexpr int kTickMs = 20;
 
-class Fd {
-  public:
-    Fd() = default;
-    explicit Fd(int fd) : _fd(fd) {}
-    Fd(const Fd&) = delete;
-    Fd& operator=(const Fd&) = delete;
-    ~Fd() { Close(); }
-    void Reset(int fd) {
-        Close();
-        _fd = fd;
-    }
-    void Close() {
-        if (_fd >= 0) close(_fd);
-        _fd = -1;
-    }
-    int Get() const { return _fd; }
-
-  private:
-    int _fd = -1;
-};
-
 struct Pipe {
-    Fd read, write;
+    UniqueFd read, write;
     bool Open() {
         int fds[2];
         if (pipe2(fds, O_CLOEXEC) != 0) return false;
@@ -86,7 +68,7 @@ long long NowMs() {
 }
 
 // Reads what is there now; false at end of stream or on an error other than "try again".
-bool Drain(Fd& fd, Capture& capture) {
+bool Drain(UniqueFd& fd, Capture& capture) {
     char chunk[4096];
     for (;;) {
         ssize_t n = read(fd.Get(), chunk, sizeof chunk);
@@ -194,7 +176,7 @@ int RunCommand(const char* program, const char* const argv[], char* output, int*
     out.write.Close();
     err.write.Close();
     for (int fd : {in.write.Get(), out.read.Get(), err.read.Get()}) fcntl(fd, F_SETFL, O_NONBLOCK);
-    Fd exitFd(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
+    UniqueFd exitFd(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
 
     Capture outCapture(output, outputLength), errCapture(error, errorLength);
     const char* pending = input;

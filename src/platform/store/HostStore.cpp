@@ -10,8 +10,10 @@
 #include <mutex>
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/UniqueFd.h"
 #include "platform/store/FileLock.h"
 
+using HostCtl::UniqueFd;
 using HostCtl::Lib::HostCtlException;
 using nlohmann::json;
 
@@ -33,26 +35,6 @@ std::string BaseName(const std::string& path) {
     const auto slash = path.rfind('/');
     return slash == std::string::npos ? path : path.substr(slash + 1);
 }
-
-// Owns a descriptor so every early throw closes it.
-class Fd {
-  public:
-    explicit Fd(int fd) : _fd(fd) {}
-    ~Fd() {
-        if (_fd >= 0) ::close(_fd);
-    }
-    Fd(const Fd&) = delete;
-    Fd& operator=(const Fd&) = delete;
-    int get() const { return _fd; }
-    int release() {
-        int fd = _fd;
-        _fd = -1;
-        return fd;
-    }
-
-  private:
-    int _fd;
-};
 
 void WriteAll(int fd, const std::string& data, const std::string& path) {
     size_t done = 0;
@@ -102,17 +84,17 @@ std::shared_ptr<const json> HostStore::LoadLocked() const {
         std::lock_guard<std::mutex> guard(_cacheMutex);
         if (_cached && _cachedGeneration == GenerationOf(st)) return _cached;
     }
-    Fd fd(::open(_path.c_str(), O_RDONLY | O_CLOEXEC));
-    if (fd.get() < 0) {
+    UniqueFd fd(::open(_path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (fd.Get() < 0) {
         if (errno == ENOENT) throw HostCtlException("The host configuration " + _path + " does not exist");
         throw HostCtlException("Cannot read the host configuration " + _path + ": " + Errno());
     }
-    if (::fstat(fd.get(), &st) != 0)
+    if (::fstat(fd.Get(), &st) != 0)
         throw HostCtlException("Cannot read the host configuration " + _path + ": " + Errno());
     std::string text;
     char buffer[65536];
     for (;;) {
-        ssize_t n = ::read(fd.get(), buffer, sizeof buffer);
+        ssize_t n = ::read(fd.Get(), buffer, sizeof buffer);
         if (n < 0 && errno == EINTR) continue;
         if (n < 0) throw HostCtlException("Cannot read the host configuration " + _path + ": " + Errno());
         if (n == 0) break;
@@ -145,14 +127,14 @@ void HostStore::WriteLocked(const json& document) {
     RemoveStaleTempFiles();
     const std::string text = document.dump(2) + "\n";
     std::string temp = _path + kTempInfix + "XXXXXX";
-    Fd fd(::mkostemp(temp.data(), O_CLOEXEC));
-    if (fd.get() < 0) throw HostCtlException("Cannot create a file beside " + _path + ": " + Errno());
+    UniqueFd fd(::mkostemp(temp.data(), O_CLOEXEC));
+    if (fd.Get() < 0) throw HostCtlException("Cannot create a file beside " + _path + ": " + Errno());
     try {
-        WriteAll(fd.get(), text, temp);
-        if (::fchmod(fd.get(), 0644) != 0 || ::fsync(fd.get()) != 0) {
+        WriteAll(fd.Get(), text, temp);
+        if (::fchmod(fd.Get(), 0644) != 0 || ::fsync(fd.Get()) != 0) {
             throw HostCtlException("Cannot write the host configuration " + _path + ": " + Errno());
         }
-        if (::close(fd.release()) != 0) {
+        if (::close(fd.Release()) != 0) {
             throw HostCtlException("Cannot write the host configuration " + _path + ": " + Errno());
         }
         if (::rename(temp.c_str(), _path.c_str()) != 0) {
@@ -163,8 +145,8 @@ void HostStore::WriteLocked(const json& document) {
         throw;
     }
     // The rename is only durable once the directory entry is.
-    Fd dir(::open(DirName(_path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (dir.get() >= 0) ::fsync(dir.get());
+    UniqueFd dir(::open(DirName(_path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (dir.Get() >= 0) ::fsync(dir.Get());
     // What was just written needs no parse on the next read.
     struct stat st {};
     std::lock_guard<std::mutex> guard(_cacheMutex);
