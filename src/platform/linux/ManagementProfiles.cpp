@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 
 #include <algorithm>
+#include <cctype>
 
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/Ipv4Address.h"
@@ -103,9 +104,21 @@ void RenderIp(const ManagementNetwork& network, Value& settings) {
             servers4.push_back(NetworkOrder(Ipv4Address(server)));
         }
     }
+    // The service takes name servers and search domains only on a family that has addresses.
+    const bool hasIpv4 = !ip.GetIpv4UseNone(), hasIpv6 = ipv6["method"] != Text("link-local");
+    if (!servers4.empty() && !hasIpv4)
+        throw HostCtl::Lib::HostCtlException(
+            "IPv4 name servers need an IPv4 address on the management interface");
+    if (!servers6.empty() && !hasIpv6)
+        throw HostCtl::Lib::HostCtlException(
+            "IPv6 name servers need IPv6 on the management interface: router advertisements, DHCPv6 or a "
+            "static IPv6 address");
+    if (!network.searchDomains.empty() && !hasIpv4 && !hasIpv6)
+        throw HostCtl::Lib::HostCtlException("Search domains need an IP address on the management interface");
     if (!servers4.empty()) ipv4["dns"] = Bus::Variant("au", servers4);
     if (!servers6.empty()) ipv6["dns"] = Bus::Variant("aay", servers6);
-    if (!network.searchDomains.empty()) ipv4["dns-search"] = Bus::Variant("as", network.searchDomains);
+    if (!network.searchDomains.empty())
+        (hasIpv4 ? ipv4 : ipv6)["dns-search"] = Bus::Variant("as", network.searchDomains);
 
     settings["ipv4"] = std::move(ipv4);
     settings["ipv6"] = std::move(ipv6);
@@ -192,9 +205,11 @@ void ParseIp(const NmProfile& profile, ManagementNetwork& network) {
             for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = server[i].get<uint8_t>();
             network.nameServers.push_back(Ipv6Address(bytes).GetStringAddress());
         }
-    const Value& search = Setting(profile, "ipv4", "dns-search");
-    if (search.is_array())
-        for (const Value& domain : search) network.searchDomains.push_back(domain.get<std::string>());
+    for (const char* family : {"ipv4", "ipv6"}) {
+        const Value& search = Setting(profile, family, "dns-search");
+        if (search.is_array())
+            for (const Value& domain : search) network.searchDomains.push_back(domain.get<std::string>());
+    }
 }
 
 }  // namespace
@@ -212,7 +227,8 @@ std::vector<Bus::Value> ManagementProfiles::Render(const ManagementNetwork& netw
     Value bridge = {{"connection", bridgeConnection},
                     {"bridge", {{"stp", Bus::Variant("b", false)}}},
                     {"user", UserData({{kRoleKey, "bridge"}})}};
-    if (!network.mac.empty()) bridge["802-3-ethernet"] = {{"cloned-mac-address", Text(network.mac)}};
+    // The service's bus name for the MAC an interface takes, as text ("cloned-mac-address" wants bytes).
+    if (!network.mac.empty()) bridge["802-3-ethernet"] = {{"assigned-mac-address", Text(network.mac)}};
     if (network.vlan == 0)
         RenderIp(network, bridge);
     else
@@ -273,7 +289,11 @@ std::optional<ManagementNetwork> ManagementProfiles::ParseProfiles(const std::ve
     if (!bridge) return std::nullopt;
 
     ManagementNetwork network;
-    network.mac = bridge->Text("802-3-ethernet", "cloned-mac-address");
+    // The service gives it in capitals; the kernel, and so every other MAC the console shows, in small
+    // letters.
+    network.mac = bridge->Text("802-3-ethernet", "assigned-mac-address");
+    std::transform(network.mac.begin(), network.mac.end(), network.mac.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     if (vlan) {
         network.vlan = Setting(*vlan, "vlan", "id").get<int>();  // the service always states it
         ParseIp(*vlan, network);

@@ -82,12 +82,41 @@ TEST(ManagementProfiles, EveryShapeReadsBackAsItWasWritten) {
     servers.ip.SetDnsFromDhcp(false);
     servers.nameServers = {"192.0.2.1"};
     networks.push_back(servers);
+    // IPv4 off: the search domains go with IPv6.
+    ManagementNetwork v6only = off;
+    v6only.ip.SetUseIpv6RouterAdvertised(true);
+    v6only.searchDomains = {"corp.example"};
+    networks.push_back(v6only);
 
     for (const ManagementNetwork& network : networks) {
         const std::optional<ManagementNetwork> read =
             ManagementProfiles::Parse(Stored(ManagementProfiles::Render(network)));
         ASSERT_TRUE(read.has_value());
         EXPECT_EQ(*read, network) << ManagementProfiles::Render(network)[0].dump();
+    }
+}
+
+// The service refuses name settings on a family without addresses, with a message about its own fields:
+// the console says what is missing instead.
+TEST(ManagementProfiles, NameSettingsNeedAFamilyWithAddresses) {
+    ManagementNetwork v6servers = Dhcp({"ens3"});
+    v6servers.nameServers = {"fd00:1::53"};
+    ManagementNetwork v4servers = Dhcp({"ens3"});
+    v4servers.ip.SetIpv4UseNone();
+    v4servers.ip.SetUseIpv6RouterAdvertised(true);
+    v4servers.nameServers = {"10.1.0.53"};
+    ManagementNetwork domains = Dhcp({"ens3"});
+    domains.ip.SetIpv4UseNone();
+    domains.searchDomains = {"corp.example"};
+    for (const auto& [network, message] : {std::pair{v6servers, "IPv6 name servers need IPv6"},
+                                           {v4servers, "IPv4 name servers need"},
+                                           {domains, "Search domains need"}}) {
+        try {
+            ManagementProfiles::Render(network);
+            ADD_FAILURE() << message << ": rendered";
+        } catch (const HostCtl::Lib::HostCtlException& e) {
+            EXPECT_NE(std::string(e.what()).find(message), std::string::npos) << e.what();
+        }
     }
 }
 
@@ -103,7 +132,8 @@ TEST(ManagementProfiles, OneUplinkIsABridgePortAndTheAddressSitsOnTheBridge) {
               Value::parse(R"([{"address":{"t":"s","v":"10.1.2.3"},"prefix":{"t":"u","v":22}}])"));
     // The service takes IPv4 name servers in network byte order.
     EXPECT_EQ(bridge["ipv4"]["dns"]["v"], Value::array({0x3500010au, 0x3600010au}));
-    EXPECT_EQ(bridge["802-3-ethernet"]["cloned-mac-address"]["v"], "52:54:00:77:00:03");
+    // As text under the name that takes text: the older name wants bytes and refuses the profile.
+    EXPECT_EQ(bridge["802-3-ethernet"]["assigned-mac-address"], Bus::Variant("s", "52:54:00:77:00:03"));
 
     const Value* port = WithRole(rendered, "port", "ens3");
     ASSERT_NE(port, nullptr);
