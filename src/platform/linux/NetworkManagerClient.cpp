@@ -215,6 +215,10 @@ void NetworkManagerClient::DestroyCheckpoint(const std::string& checkpoint) {
     Call(kPath, kInterface, "CheckpointDestroy", "o", Value::array({checkpoint}));
 }
 
+std::vector<std::string> NetworkManagerClient::Checkpoints() {
+    return Paths(_bus.Property(kService, kPath, kInterface, "Checkpoints"));
+}
+
 std::map<std::string, bool> NetworkManagerClient::RollBackCheckpoint(const std::string& checkpoint) {
     std::map<std::string, bool> restored;
     const Value results =

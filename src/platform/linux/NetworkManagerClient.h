@@ -102,6 +102,8 @@ class NetworkManagerClient {
     // after `rollbackSeconds` unless it is destroyed first.
     std::string CreateCheckpoint(const std::vector<std::string>& devices, uint32_t rollbackSeconds);
     void DestroyCheckpoint(const std::string& checkpoint);
+    // The checkpoints that wait to be destroyed or rolled back, whoever made them.
+    std::vector<std::string> Checkpoints();
     // Each device's object path with whether it was restored.
     std::map<std::string, bool> RollBackCheckpoint(const std::string& checkpoint);
 

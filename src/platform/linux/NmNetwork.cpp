@@ -1,8 +1,14 @@
 #include "platform/linux/NmNetwork.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
 #include <map>
 #include <thread>
 
@@ -20,6 +26,8 @@ using namespace std::chrono_literals;
 // How long the management interface may take to come up (a DHCP lease included).
 constexpr auto kActivationTime = 45s;
 constexpr uint32_t kActiveActivated = 2, kActiveDeactivated = 4;
+// The checkpoint of the change a console has open, locked by that console while it lives.
+constexpr const char* kChangeRecord = "/run/kovo/network-change";
 
 std::string NewUuid() {
     return HostFiles("/").FirstLine("/proc/sys/kernel/random/uuid");
@@ -41,7 +49,7 @@ const NmProfile* ProfileWithRole(const std::vector<NmProfile>& profiles, const c
 
 NmNetwork::NmNetwork(NetworkManagerClient client, std::shared_ptr<const KernelNetwork> kernel,
                      HostFiles files)
-    : _client(std::move(client)), _kernel(std::move(kernel)), _names(std::move(files)) {}
+    : _client(std::move(client)), _files(files), _kernel(std::move(kernel)), _names(std::move(files)) {}
 
 std::shared_ptr<NmNetwork> NmNetwork::IfRunning(std::shared_ptr<const KernelNetwork> kernel,
                                                 HostFiles files) {
@@ -237,9 +245,61 @@ void NmNetwork::Clear() {
         if (!ManagementProfiles::RoleOf(profile).empty()) _client.DeleteProfile(profile.path);
 }
 
+void NmNetwork::ClaimChangeRecord() {
+    const std::filesystem::path path = _files.Under(kChangeRecord);
+    std::error_code ignored;
+    std::filesystem::create_directories(path.parent_path(), ignored);
+    HostCtl::UniqueFd record(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    if (record.Get() < 0)
+        throw HostCtl::Lib::HostCtlException("Cannot record the network change in " + path.string() + ": " +
+                                             std::strerror(errno));
+    if (::flock(record.Get(), LOCK_EX | LOCK_NB) != 0)
+        throw HostCtl::Lib::HostCtlException(
+            "Another console is changing the management network: try again when it has finished");
+
+    // Unlocked with a checkpoint in it: the console that opened that change ended before keeping it.
+    char left[256] = {};
+    const ssize_t length = ::pread(record.Get(), left, sizeof left - 1, 0);
+    const std::string leftCheckpoint(left, length > 0 ? static_cast<std::size_t>(length) : 0);
+    std::vector<std::string> pending = _client.Checkpoints();
+    if (std::find(pending.begin(), pending.end(), leftCheckpoint) != pending.end()) {
+        try {
+            _client.RollBackCheckpoint(leftCheckpoint);
+        } catch (const BusError&) {
+            // Its time ran out in between: the service rolled it back by itself.
+        }
+        pending = _client.Checkpoints();
+    }
+    if (::ftruncate(record.Get(), 0) != 0)
+        throw HostCtl::Lib::HostCtlException("Cannot record the network change in " + path.string() + ": " +
+                                             std::strerror(errno));
+    if (!pending.empty())
+        throw HostCtl::Lib::HostCtlException(
+            "Another change of the host's network waits to be kept or undone: try again when it has been");
+    _record.Reset(record.Release());
+}
+
+void NmNetwork::ReleaseChangeRecord() {
+    if (_record.Get() < 0) return;
+    // Should emptying it fail, the checkpoint it names is gone by the next change, which looks it up.
+    const int emptied = ::ftruncate(_record.Get(), 0);
+    (void)emptied;
+    _record.Close();
+}
+
 void NmNetwork::OpenChange(int rollbackSeconds) {
-    // Every device: a change may take NICs from anywhere, and make bridges and bonds that did not exist.
-    _checkpoint = _client.CreateCheckpoint({}, static_cast<uint32_t>(rollbackSeconds));
+    ClaimChangeRecord();
+    try {
+        // Every device: a change may take NICs from anywhere, and make bridges and bonds that did not exist.
+        _checkpoint = _client.CreateCheckpoint({}, static_cast<uint32_t>(rollbackSeconds));
+    } catch (...) {
+        ReleaseChangeRecord();
+        throw;
+    }
+    // Unrecorded, the change still undoes itself in time; only a console started after this one ends
+    // cannot hurry that.
+    const ssize_t recorded = ::pwrite(_record.Get(), _checkpoint->data(), _checkpoint->size(), 0);
+    (void)recorded;
     _rollbackAt = std::chrono::steady_clock::now() + std::chrono::seconds(rollbackSeconds);
     _interfaces.clear();
     for (const NmDevice& device : _client.Devices()) _interfaces[device.path] = device.interface;
@@ -263,6 +323,7 @@ void NmNetwork::Keep() {
     if (!_checkpoint) return;
     const std::string checkpoint = *_checkpoint;
     _checkpoint.reset();
+    ReleaseChangeRecord();
     _client.DestroyCheckpoint(checkpoint);
 }
 
@@ -270,6 +331,7 @@ std::vector<std::string> NmNetwork::RollBack() {
     if (!_checkpoint) return {};
     const std::string checkpoint = *_checkpoint;
     _checkpoint.reset();
+    ReleaseChangeRecord();
     std::map<std::string, bool> results;
     try {
         results = _client.RollBackCheckpoint(checkpoint);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/hostctl/UniqueFd.h"
 #include "platform/linux/HostNames.h"
 #include "platform/linux/KernelNetwork.h"
 #include "platform/linux/ManagementProfiles.h"
@@ -56,6 +57,8 @@ class NmNetwork {
     // A change the service undoes by itself after `rollbackSeconds` unless it is kept. The host's name and
     // name table are outside the service's reach: they are put back here on RollBack (the service puts
     // back the rest even when the console is gone).
+    // One console changes the network at a time. A change that a console left open when it ended is
+    // rolled back first: nobody is left to keep it, and the service refuses a second one meanwhile.
     void OpenChange(int rollbackSeconds);
     bool ChangeOpen() const { return _checkpoint.has_value(); }
     int SecondsLeft() const;
@@ -66,7 +69,12 @@ class NmNetwork {
     HostNames& Names() { return _names; }
 
   private:
+    // Holds the host's change record, after rolling back what a console that ended left in it.
+    void ClaimChangeRecord();
+    void ReleaseChangeRecord();
+
     NetworkManagerClient _client;
+    HostFiles _files;
     std::shared_ptr<const KernelNetwork> _kernel;
     HostNames _names;
     std::optional<std::string> _hostnameBefore, _hostsBefore;
@@ -74,6 +82,7 @@ class NmNetwork {
     std::chrono::steady_clock::time_point _rollbackAt;
     std::map<std::string, std::string> _interfaces;  // device path to name, when the change opened
     std::optional<std::string> _takenDown;           // another tool's profile Deactivate took down
+    HostCtl::UniqueFd _record;                       // locked while this console's change is open
 };
 
 }  // namespace LinuxHost
