@@ -10,11 +10,13 @@
 #include <fstream>
 #include <functional>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "ConsoleDriver.h"
+#include "LabSteps.h"
 #include "NetworkSteps.h"
 #include "ShellSteps.h"
 #include "TermSession.h"
@@ -52,23 +54,24 @@ class LabConsole : public ::testing::Test {
     static void SetUpTestSuite() {
         // The lab's own account and the console's PAM service: both in the lab's /etc alone.
         Lab("cp " + Quote(KOVO_PAM_SERVICE) + " /etc/pam.d/kovo && echo root:" + kPassword + " | chpasswd");
+        // The host tool where the package puts it, in the lab's /usr/libexec alone.
+        Lab("mkdir -p /usr/libexec/kovo && cp " + Quote(KOVO_HOST_TOOL) + " /usr/libexec/kovo/kovo-host");
     }
     void SetUp() override {
-        // Another tool's network, as a Debian host with NetworkManager has it: a DHCP profile on e0.
-        Lab("nmcli -g UUID connection show | xargs -r nmcli connection delete; rm -f "
-            "/etc/sysctl.d/90-kovo-ipv6.conf");
-        ASSERT_EQ(
-            Lab("nmcli connection add type ethernet ifname e0 con-name 'Wired e0' ipv4.method auto "
-                "ipv6.method ignore >/dev/null && nmcli connection up 'Wired e0' >/dev/null && echo up"),
-            "up");
+        Lab(KovoLab::kReset);
+        ASSERT_EQ(Lab(KovoLab::kForeignDhcp), "up");
         ASSERT_TRUE(KovoE2e::WaitFor([] { return HasLease("e0"); }, 30s)) << KernelIpv4("e0");
+        ASSERT_TRUE(StartConsole()) << term_->Dump();
+    }
+    // A console on the lab host's terminal, at its welcome screen.
+    bool StartConsole() {
         KovoTerm::SpawnOptions options;
         options.argv = {KOVO_NM_LAB, "exec", KOVO_LAB_DIR, "--", KOVO_LAB_CONSOLE};
         // In the sanitizer build a report goes to a file, not over the console's screen.
         options.environment = {{"ASAN_OPTIONS", "log_path=" + SanitizerLog()},
                                {"UBSAN_OPTIONS", "print_stacktrace=1:log_path=" + SanitizerLog()}};
         term_ = std::make_unique<TermSession>(options);
-        ASSERT_TRUE(term_->WaitForText(KovoE2e::kWelcomeKeys, 60s)) << term_->Dump();
+        return term_->WaitForText(KovoE2e::kWelcomeKeys, 60s);
     }
     void TearDown() override {
         if (term_ && term_->Running()) {
@@ -82,7 +85,7 @@ class LabConsole : public ::testing::Test {
                           << std::string(std::istreambuf_iterator<char>(report), {});
             std::filesystem::remove(entry.path());
         }
-        Lab("nmcli -g UUID connection show | xargs -r nmcli connection delete");
+        Lab(KovoLab::kReset);
     }
     ConsoleDriver Driver() { return ConsoleDriver(*term_); }
     static std::string SanitizerLog() { return std::string(KOVO_LAB_DIR) + "/sanitizer"; }
@@ -94,26 +97,47 @@ class LabConsole : public ::testing::Test {
         term.Press(Key::Enter);
         return term.WaitForText(KovoE2e::kWindowMark, 30s) && term.WaitForQuiet(300ms, 30s);
     }
-    // From the window's first entry: the entry `downs` below opened, showing `mark`.
-    bool OpenEntry(int downs, const std::string& mark) {
-        TermSession& term = *term_;
-        for (int i = 0; i < downs; ++i) {
-            term.Press(Key::Down);
-            term.WaitForQuiet(100ms, 10s);
+    // Presses `key` `times` times, letting the screen settle after each.
+    void Step(Key key, int times = 1) {
+        for (int i = 0; i < times; ++i) {
+            term_->Press(key);
+            term_->WaitForQuiet(100ms, 10s);
         }
-        term.Press(Key::Enter);
-        return term.WaitForText(mark, 30s) && term.WaitForQuiet(300ms, 30s);
+    }
+    // From the selected entry: the entry `downs` below it opened, showing `mark`.
+    bool OpenEntry(int downs, const std::string& mark) {
+        Step(Key::Down, downs);
+        term_->Press(Key::Enter);
+        return term_->WaitForText(mark, 30s) && term_->WaitForQuiet(300ms, 30s);
     }
     // Types into the focused field and waits for it to show.
     bool TypeShown(const std::string& text) {
         term_->Type(text);
         return term_->WaitForText(text, 10s) && term_->WaitForQuiet(100ms, 10s);
     }
-    // Enter on the dialog showing `mark`, then the window left with Y.
-    bool AcceptAndApply(const std::string& mark) {
+    // In a dialog of choices and fields, from the choice it opened on: `moves` presses of `direction` to
+    // another choice, taken, then the fields below it typed over in turn ("" empties one).
+    bool Choose(int moves, Key direction, const std::vector<std::string>& fields = {}) {
+        Step(direction, moves);
+        term_->Type(" ");
+        term_->WaitForQuiet(100ms, 10s);
+        for (const std::string& value : fields) {
+            Step(Key::Down);
+            if (value.empty())
+                Step(Key::Backspace);  // the whole field, as typing would replace it whole
+            else if (!TypeShown(value))
+                return false;
+        }
+        return true;
+    }
+    // Enter on the dialog showing `mark`: back in the window, on the same entry.
+    bool Accept(const std::string& mark) {
+        term_->Press(Key::Enter);
+        return term_->WaitForTextGone(mark, 30s) && term_->WaitForQuiet(300ms, 30s);
+    }
+    // The window left with Y to its question.
+    bool Leave() {
         TermSession& term = *term_;
-        term.Press(Key::Enter);
-        if (!term.WaitForTextGone(mark, 30s) || !term.WaitForQuiet(300ms, 30s)) return false;
         term.Press(Key::Escape);
         if (!term.WaitForText(KovoE2e::kConfirmTitle, 30s) || !term.WaitForQuiet(300ms, 30s)) return false;
         confirmation_ = term.Dump();
@@ -121,29 +145,33 @@ class LabConsole : public ::testing::Test {
         term.Type("y");
         return true;
     }
+    bool AcceptAndApply(const std::string& mark) { return Accept(mark) && Leave(); }
     // IPv4 set to a static address in the window, and the window left with Y.
     bool ApplyStatic(const std::string& address) {
+        return OpenNetworkWindow() && OpenEntry(KovoE2e::kIpv4Downs, KovoE2e::kStaticChoice) &&
+               Choose(1, Key::Down, {address, "255.255.255.0", "192.168.88.1"}) &&
+               AcceptAndApply(KovoE2e::kStaticChoice);
+    }
+    // The question answered Y once the change's tests have run; true when the window has gone with it.
+    bool KeepWhenAsked() {
         TermSession& term = *term_;
-        if (!OpenNetworkWindow() || !OpenEntry(KovoE2e::kIpv4Downs, KovoE2e::kStaticChoice)) return false;
-        // From the dynamic choice: the static one, then its three fields.
-        term.Press(Key::Down);
-        term.WaitForQuiet(100ms, 10s);
-        term.Type(" ");
-        term.WaitForQuiet(100ms, 10s);
-        term.Press(Key::Down);
-        term.WaitForQuiet(100ms, 10s);
-        for (const std::string& value :
-             {address, std::string("255.255.255.0"), std::string("192.168.88.1")}) {
-            if (!TypeShown(value)) return false;
-            term.Press(Key::Down);
-            term.WaitForQuiet(100ms, 10s);
-        }
-        return AcceptAndApply(KovoE2e::kStaticChoice);
+        // The last of the tests: the host's name resolved (or not).
+        const auto testsRan = [](const VirtualTerminal& screen) {
+            int row = 0, column = 0;
+            if (!screen.Find("Resolving hostname (", row, column)) return false;
+            const std::string line = screen.RowText(row);
+            return line.find("). OK.") != std::string::npos || line.find("). Failed.") != std::string::npos;
+        };
+        if (!term.WaitForText(kKeepQuestion, 90s) || !term.WaitFor(testsRan, 60s)) return false;
+        kept_ = term.Dump();
+        term.Type("y");
+        return term.WaitForTextGone(kKeepQuestion, 30s) && term.WaitForTextGone(KovoE2e::kWindowMark, 30s);
     }
 
     std::unique_ptr<TermSession> term_;
     bool takeOverShown_ = false;
     std::string confirmation_;  // the screen that asked
+    std::string kept_;          // the screen that asked to keep the change
 };
 
 TEST_F(LabConsole, AStaticAddressKeptIsWhatTheHostRunsOnTheConsolesOwnBridge) {
@@ -198,6 +226,27 @@ TEST_F(LabConsole, AChangeWhoseConsoleIsKilledUndoesItself) {
     EXPECT_EQ(Lab("nmcli -g NAME connection show"), "Wired e0");
 }
 
+// The console that opened a change is gone, and the next one (as its unit starts it again) changes the
+// network before the service's time runs out: the left change is undone first, and the new one is kept.
+TEST_F(LabConsole, AChangeLeftByAKilledConsoleGivesWayToTheNextConsolesChange) {
+    ASSERT_TRUE(ApplyStatic("192.168.88.64")) << term_->Dump();
+    ASSERT_TRUE(term_->WaitForText(kKeepQuestion, 90s)) << term_->Dump();
+    ASSERT_TRUE(term_->Signal(SIGKILL));
+    term_->WaitExit(10s);
+    ASSERT_TRUE(StartConsole()) << term_->Dump();
+    // The window shows the left change, which is what the host runs until it is undone.
+    ASSERT_TRUE(OpenNetworkWindow() && OpenEntry(KovoE2e::kIpv4Downs, KovoE2e::kStaticChoice))
+        << term_->Dump();
+    ASSERT_TRUE(term_->Screen().Contains("[ 192.168.88.64")) << term_->Dump();
+    ASSERT_TRUE(Choose(0, Key::Down, {"192.168.88.65"}) && AcceptAndApply(KovoE2e::kStaticChoice))
+        << term_->Dump();
+    ASSERT_TRUE(KeepWhenAsked()) << term_->Dump();
+    EXPECT_EQ(Lab("nmcli -g ipv4.addresses connection show 'Management Network'"), "192.168.88.65/24");
+    EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.65/24");
+    // Taken over from the profile the first change had already taken: that one is still there.
+    EXPECT_EQ(Lab("nmcli -g connection.autoconnect connection show 'Wired e0'"), "no");
+}
+
 // A change the host cannot bring up (this kernel has no VLAN links) fails when it is put in place, and the
 // previous network comes back at once.
 TEST_F(LabConsole, AChangeThatCannotComeUpIsRolledBackAndSaysSo) {
@@ -216,3 +265,161 @@ TEST_F(LabConsole, AChangeThatCannotComeUpIsRolledBackAndSaysSo) {
 }
 
 }  // namespace
+
+// The name side in one change: name servers, search domains and the host's name, as the network service
+// and the host then have them, and the change's tests run against them.
+TEST_F(LabConsole, NameServersSearchDomainsAndHostNameKept) {
+    constexpr const char* kDnsMark = "Use the following DNS server addresses and hostname:";
+    constexpr const char* kSuffixMark = "Use spaces or commas";
+    ASSERT_TRUE(OpenNetworkWindow()) << term_->Dump();
+    ASSERT_TRUE(OpenEntry(KovoE2e::kDnsDowns, kDnsMark)) << term_->Dump();
+    ASSERT_TRUE(Choose(1, Key::Down, {"192.168.88.1", "192.168.88.2", "node7.lab.example"})) << term_->Dump();
+    ASSERT_TRUE(Accept(kDnsMark)) << term_->Dump();
+    ASSERT_TRUE(OpenEntry(KovoE2e::kSuffixDowns - KovoE2e::kDnsDowns, kSuffixMark)) << term_->Dump();
+    ASSERT_TRUE(TypeShown("lab.example, other.example")) << term_->Dump();
+    ASSERT_TRUE(AcceptAndApply(kSuffixMark)) << term_->Dump();
+    ASSERT_TRUE(KeepWhenAsked()) << term_->Dump();
+    for (const char* line : {"Pinging address (192.168.88.1). OK.", "Pinging address (192.168.88.2). OK.",
+                             "Resolving hostname (node7.lab.example). OK."})
+        EXPECT_NE(kept_.find(line), std::string::npos) << line << "\n" << kept_;
+
+    EXPECT_EQ(Lab("nmcli -g ipv4.dns,ipv4.dns-search,ipv4.ignore-auto-dns connection show "
+                  "'Management Network'"),
+              "192.168.88.1,192.168.88.2\nlab.example,other.example\nyes");
+    EXPECT_EQ(Lab("hostname; cat /etc/hostname; grep '^127.0.1.1' /etc/hosts"),
+              "node7\nnode7\n127.0.1.1\tnode7.lab.example node7");
+}
+
+// IPv4 off: refused while the name servers are IPv4 ones (the change rolled back), kept once they are gone.
+TEST_F(LabConsole, Ipv4OffNeedsTheNameServersGoneWithIt) {
+    constexpr const char* kNoneChoice = "Disable IPv4 configuration for management network";
+    constexpr const char* kDnsMark = "Use the following DNS server addresses and hostname:";
+    ASSERT_TRUE(OpenNetworkWindow() && OpenEntry(KovoE2e::kIpv4Downs, kNoneChoice)) << term_->Dump();
+    ASSERT_TRUE(Choose(1, Key::Up) && AcceptAndApply(kNoneChoice)) << term_->Dump();
+    ASSERT_TRUE(term_->WaitForText("IPv4 name servers need an IPv4 address on", 90s)) << term_->Dump();
+    ASSERT_TRUE(Driver().Acknowledge(KovoE2e::kErrorTitle)) << term_->Dump();
+    ASSERT_TRUE(term_->WaitForText(kRestoredTitle, 60s)) << term_->Dump();
+    EXPECT_TRUE(KovoE2e::WaitFor([] { return HasLease("e0"); }, 30s)) << KernelIpv4("e0");
+    EXPECT_EQ(Lab("nmcli -g NAME connection show"), "Wired e0");
+    ASSERT_TRUE(Driver().Acknowledge(kRestoredTitle)) << term_->Dump();
+
+    ASSERT_TRUE(Driver().AtWelcome() && OpenNetworkWindow() && OpenEntry(KovoE2e::kIpv4Downs, kNoneChoice))
+        << term_->Dump();
+    ASSERT_TRUE(Choose(1, Key::Up) && Accept(kNoneChoice)) << term_->Dump();
+    ASSERT_TRUE(OpenEntry(KovoE2e::kDnsDowns - KovoE2e::kIpv4Downs, kDnsMark)) << term_->Dump();
+    ASSERT_TRUE(Choose(1, Key::Down, {"", "", "labhost"}) && AcceptAndApply(kDnsMark)) << term_->Dump();
+    ASSERT_TRUE(KeepWhenAsked()) << term_->Dump();
+    EXPECT_EQ(Lab("nmcli -g ipv4.method,ipv4.dns connection show 'Management Network'"), "disabled");
+    EXPECT_EQ(KernelIpv4("xswitch0"), "");
+}
+
+// IPv6 static, then by router advertisements: the kernel runs the address each asked for.
+TEST_F(LabConsole, Ipv6StaticAndThenAutoconfiguration) {
+    constexpr const char* kIpv6Mark = "Static address #1";
+    const auto globalIpv6 = [] {
+        return Lab("ip -6 -o addr show dev xswitch0 scope global | awk '{print $4}' | paste -sd' '");
+    };
+    ASSERT_TRUE(OpenNetworkWindow() && OpenEntry(KovoE2e::kIpv6Downs, kIpv6Mark)) << term_->Dump();
+    // It opens on the static choice: the profile taken over only has a link-local address.
+    ASSERT_TRUE(Choose(0, Key::Down, {"fd88:6b6f:766f:88::60/64"})) << term_->Dump();
+    Step(Key::Down, 3);
+    ASSERT_TRUE(TypeShown("fd88:6b6f:766f:88::1") && AcceptAndApply(kIpv6Mark)) << term_->Dump();
+    ASSERT_TRUE(KeepWhenAsked()) << term_->Dump();
+    EXPECT_EQ(
+        Lab("nmcli -e no -g ipv6.method,ipv6.addresses,ipv6.gateway connection show 'Management Network'"),
+        "manual\nfd88:6b6f:766f:88::60/64\nfd88:6b6f:766f:88::1");
+    EXPECT_TRUE(KovoE2e::WaitFor([&] { return globalIpv6() == "fd88:6b6f:766f:88::60/64"; }, 30s))
+        << globalIpv6();
+
+    ASSERT_TRUE(OpenNetworkWindow() && OpenEntry(KovoE2e::kIpv6Downs, kIpv6Mark)) << term_->Dump();
+    ASSERT_TRUE(Choose(2, Key::Up) && AcceptAndApply(kIpv6Mark)) << term_->Dump();
+    ASSERT_TRUE(KeepWhenAsked()) << term_->Dump();
+    EXPECT_EQ(Lab("nmcli -g ipv6.method connection show 'Management Network'"), "auto");
+    // Beside the static address, which the choice keeps: one the router's advertisement made (a /64 of
+    // the lab's prefix that nobody typed; DHCPv6's are /128).
+    EXPECT_TRUE(KovoE2e::WaitFor(
+        [&] {
+            std::istringstream addresses(globalIpv6());
+            for (std::string address; addresses >> address;)
+                if (address.rfind("fd88:6b6f:766f:88:", 0) == 0 && address.ends_with("/64") &&
+                    address != "fd88:6b6f:766f:88::60/64")
+                    return true;
+            return false;
+        },
+        30s))
+        << globalIpv6();
+}
+
+// Restart Management Network on the profile another tool made: the service brings it up again, and the
+// screen shows the address it has afterwards.
+TEST_F(LabConsole, RestartBringsTheManagementProfileUpAgain) {
+    // A static address: a lease's is not among the lines the restart shows.
+    ASSERT_EQ(Lab("nmcli connection modify 'Wired e0' ipv4.method manual ipv4.addresses 192.168.88.70/24 "
+                  "ipv4.gateway 192.168.88.1 && nmcli connection up 'Wired e0' >/dev/null && echo up"),
+              "up");
+    const auto activePath = [] {
+        return Lab("nmcli -g GENERAL.DBUS-PATH connection show --active 'Wired e0'");
+    };
+    const std::string before = activePath();
+    ASSERT_FALSE(before.empty());
+    ASSERT_TRUE(Driver().LogIn(kPassword) && Driver().Select("Restart Management Network")) << term_->Dump();
+    term_->Press(Key::Enter);
+    ASSERT_TRUE(term_->WaitForText("Restart management network now?", 30s) && term_->WaitForQuiet(300ms, 30s))
+        << term_->Dump();
+    term_->Press(Key::F11);
+    // Done twice: stopping, then starting with the addresses it has.
+    ASSERT_TRUE(term_->WaitFor(
+        [](const VirtualTerminal& screen) {
+            int done = 0;
+            for (int row = 0; row < screen.Rows(); ++row)
+                if (screen.RowText(row).find("Done.") != std::string::npos) ++done;
+            return done == 2;
+        },
+        90s))
+        << term_->Dump();
+    EXPECT_TRUE(term_->Screen().Contains("IP address is  192.168.88.70")) << term_->Dump();
+    const std::string after = activePath();
+    EXPECT_FALSE(after.empty());
+    EXPECT_NE(after, before);
+    EXPECT_EQ(KernelIpv4("e0"), "192.168.88.70/24");
+}
+
+// Test Management Network pings through the management interface and resolves through the hosts file.
+TEST_F(LabConsole, TheNetworkTestPingsAndResolvesOnTheHost) {
+    ASSERT_TRUE(Driver().LogIn(kPassword) && Driver().Select("Test Management Network")) << term_->Dump();
+    term_->Press(Key::Enter);
+    ASSERT_TRUE(term_->WaitForText("Ping Address #1", 30s) && term_->WaitForQuiet(300ms, 30s))
+        << term_->Dump();
+    // The gateway is the first address; one that nothing answers is the second.
+    Step(Key::Down);
+    ASSERT_TRUE(TypeShown("192.168.88.250")) << term_->Dump();
+    term_->Press(Key::Enter);
+    ASSERT_TRUE(term_->WaitFor(
+        [](const VirtualTerminal& screen) {
+            return screen.Contains("Resolving hostname (labhost).") && screen.Contains("<Enter> OK") &&
+                   !screen.Contains("<Esc> Cancel");
+        },
+        90s))
+        << term_->Dump();
+    EXPECT_TRUE(term_->Screen().Contains("Pinging address (192.168.88.1). OK.")) << term_->Dump();
+    EXPECT_TRUE(term_->Screen().Contains("Pinging address (192.168.88.250). Failed.")) << term_->Dump();
+    EXPECT_TRUE(term_->Screen().Contains("Resolving hostname (labhost). OK.")) << term_->Dump();
+}
+
+// The factory network: the console's bridge on the first NIC with a link, by DHCP, kept like any change.
+TEST_F(LabConsole, FactoryRestoreMakesADhcpBridgeOnTheFirstNic) {
+    ASSERT_TRUE(ApplyStatic("192.168.88.63") && KeepWhenAsked()) << term_->Dump();
+    ASSERT_TRUE(Driver().Select("Network Restore Options")) << term_->Dump();
+    term_->Press(Key::Enter);
+    ASSERT_TRUE(term_->WaitForText("Restore Network Settings", 30s) && term_->WaitForQuiet(300ms, 30s))
+        << term_->Dump();
+    term_->Press(Key::Enter);
+    ASSERT_TRUE(term_->WaitForText("Restore Network Factory Settings", 30s) &&
+                term_->WaitForQuiet(300ms, 30s))
+        << term_->Dump();
+    term_->Press(Key::F11);
+    ASSERT_TRUE(KeepWhenAsked()) << term_->Dump();
+    EXPECT_EQ(Lab("nmcli -g ipv4.method,ipv4.addresses connection show 'Management Network'"), "auto");
+    EXPECT_EQ(Lab("ip -o link show dev e0 | grep -o 'master [^ ]*'"), "master xswitch0");
+    EXPECT_TRUE(KovoE2e::WaitFor([] { return HasLease("xswitch0"); }, 30s)) << KernelIpv4("xswitch0");
+}

@@ -9,6 +9,7 @@
 #include <string>
 #include <thread>
 
+#include "LabSteps.h"
 #include "ShellSteps.h"
 #include "platform/hostctl/Ipv4Address.h"
 #include "platform/linux/NmNetwork.h"
@@ -46,21 +47,18 @@ ManagementNetwork Static(const std::string& address, std::vector<std::string> up
     return network;
 }
 
-// Each test starts on a host whose network another tool set up: one DHCP profile on e0.
+// Each test starts on a host whose network another tool set up.
 class NmNetworkLab : public ::testing::Test {
   protected:
     void SetUp() override {
         ASSERT_NE(network_, nullptr) << "no network service on the lab's bus";
-        Output("nmcli -g UUID connection show | xargs -r nmcli connection delete");
+        Output(KovoLab::kReset);
         ASSERT_TRUE(
             WaitFor([] { return ControllerOf("e0").empty() && KernelIpv4("xswitch0").empty(); }, 20s));
-        ASSERT_EQ(
-            Output("nmcli connection add type ethernet ifname e0 con-name 'Wired e0' ipv4.method auto "
-                   "ipv6.method ignore >/dev/null && nmcli connection up 'Wired e0' >/dev/null && echo up"),
-            "up");
+        ASSERT_EQ(Output(KovoLab::kForeignDhcp), "up");
         ASSERT_TRUE(WaitFor([] { return IsLease(KernelIpv4("e0")); }, 30s)) << KernelIpv4("e0");
     }
-    void TearDown() override { Output("nmcli -g UUID connection show | xargs -r nmcli connection delete"); }
+    void TearDown() override { Output(KovoLab::kReset); }
 
     std::shared_ptr<NmNetwork> network_ =
         NmNetwork::IfRunning(std::make_shared<NetlinkNetwork>(), HostFiles("/"));
@@ -119,12 +117,19 @@ TEST_F(NmNetworkLab, AKeptChangeOutlivesItsRollbackTime) {
 TEST_F(NmNetworkLab, TheUplinkMovesToAnotherNic) {
     network_->Store(Static("192.168.88.43"));
     ASSERT_EQ(ControllerOf("e0"), "xswitch0");
-    network_->Store(Static("192.168.88.43", {"e1"}));
+    // The bridge takes the new first uplink's MAC, as the window asks when the first uplink changes.
+    const std::string e1Mac = Output("cat /sys/class/net/e1/address");
+    ManagementNetwork moved = Static("192.168.88.43", {"e1"});
+    moved.mac = e1Mac;
+    network_->Store(moved);
     EXPECT_TRUE(WaitFor([] { return ControllerOf("e1") == "xswitch0" && ControllerOf("e0").empty(); }, 20s))
         << ControllerOf("e0") << "/" << ControllerOf("e1");
+    EXPECT_EQ(Output("cat /sys/class/net/xswitch0/address"), e1Mac);
     EXPECT_EQ(Output("nmcli -g NAME connection show | sort | paste -sd,"),
               "Management Network,Management Network port e1,Wired e0");
-    EXPECT_EQ(network_->Management().uplinks, std::vector<std::string>{"e1"});
+    const ManagementNetwork read = network_->Management();
+    EXPECT_EQ(read.uplinks, std::vector<std::string>{"e1"});
+    EXPECT_EQ(read.mac, e1Mac);
     // The address still answers through the new NIC.
     EXPECT_EQ(Output("ping -c 1 -W 5 -I xswitch0 192.168.88.1 >/dev/null && echo answers"), "answers");
 }
