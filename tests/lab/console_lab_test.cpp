@@ -15,35 +15,22 @@
 #include <thread>
 #include <vector>
 
-#include "ConsoleDriver.h"
-#include "LabSteps.h"
-#include "NetworkSteps.h"
-#include "ShellSteps.h"
-#include "TermSession.h"
+#include "LabConsole.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using KovoE2e::ConsoleDriver;
-using KovoE2e::Quote;
+using KovoLab::KernelIpv4;
+using KovoLab::kKeepQuestion;
+using KovoLab::kPassword;
+using KovoLab::Lab;
 using KovoTerm::Key;
 using KovoTerm::TermSession;
 using KovoTerm::VirtualTerminal;
 
-constexpr const char* kPassword = "Lab-Pass1";
-constexpr const char* kKeepQuestion = "Keep this network configuration?";
 constexpr const char* kRestoredTitle = "Network Configuration Restored";
 constexpr const char* kTakeOver = "runs on the profile \"Wired e0\"";
-
-// A shell command inside the lab's host; its output without the last line end.
-std::string Lab(const std::string& script) {
-    return KovoE2e::Output(std::string(KOVO_NM_LAB) + " exec " + Quote(KOVO_LAB_DIR) + " -- sh -c " +
-                           Quote(script) + " 2>&1");
-}
-
-std::string KernelIpv4(const std::string& interface) {
-    return Lab("ip -4 -o addr show dev " + interface + " 2>/dev/null | awk '{print $4}' | paste -sd' '");
-}
 
 bool HasLease(const std::string& interface) {
     return KernelIpv4(interface).rfind("192.168.88.1", 0) == 0;
@@ -51,12 +38,7 @@ bool HasLease(const std::string& interface) {
 
 class LabConsole : public ::testing::Test {
   protected:
-    static void SetUpTestSuite() {
-        // The lab's own account and the console's PAM service: both in the lab's /etc alone.
-        Lab("cp " + Quote(KOVO_PAM_SERVICE) + " /etc/pam.d/kovo && echo root:" + kPassword + " | chpasswd");
-        // The host tool where the package puts it, in the lab's /usr/libexec alone.
-        Lab("mkdir -p /usr/libexec/kovo && cp " + Quote(KOVO_HOST_TOOL) + " /usr/libexec/kovo/kovo-host");
-    }
+    static void SetUpTestSuite() { KovoLab::InstallConsole(); }
     void SetUp() override {
         Lab(KovoLab::kReset);
         ASSERT_EQ(Lab(KovoLab::kForeignDhcp), "up");
@@ -65,12 +47,8 @@ class LabConsole : public ::testing::Test {
     }
     // A console on the lab host's terminal, at its welcome screen.
     bool StartConsole() {
-        KovoTerm::SpawnOptions options;
-        options.argv = {KOVO_NM_LAB, "exec", KOVO_LAB_DIR, "--", KOVO_LAB_CONSOLE};
-        // In the sanitizer build a report goes to a file, not over the console's screen.
-        options.environment = {{"ASAN_OPTIONS", "log_path=" + SanitizerLog()},
-                               {"UBSAN_OPTIONS", "print_stacktrace=1:log_path=" + SanitizerLog()}};
-        term_ = std::make_unique<TermSession>(options);
+        term_ = std::make_unique<TermSession>(KovoLab::ConsoleOnLab(SanitizerLog()));
+        steps_ = std::make_unique<KovoLab::WindowSteps>(*term_);
         return term_->WaitForText(KovoE2e::kWelcomeKeys, 60s);
     }
     void TearDown() override {
@@ -90,93 +68,15 @@ class LabConsole : public ::testing::Test {
     ConsoleDriver Driver() { return ConsoleDriver(*term_); }
     static std::string SanitizerLog() { return std::string(KOVO_LAB_DIR) + "/sanitizer"; }
 
-    // Logged in, with the network window open.
-    bool OpenNetworkWindow() {
-        TermSession& term = *term_;
-        if (!Driver().LogIn(kPassword) || !Driver().Select("Configure Management Network")) return false;
-        term.Press(Key::Enter);
-        return term.WaitForText(KovoE2e::kWindowMark, 30s) && term.WaitForQuiet(300ms, 30s);
-    }
-    // Presses `key` `times` times, letting the screen settle after each.
-    void Step(Key key, int times = 1) {
-        for (int i = 0; i < times; ++i) {
-            term_->Press(key);
-            term_->WaitForQuiet(100ms, 10s);
-        }
-    }
-    // From the selected entry: the entry `downs` below it opened, showing `mark`.
-    bool OpenEntry(int downs, const std::string& mark) {
-        Step(Key::Down, downs);
-        term_->Press(Key::Enter);
-        return term_->WaitForText(mark, 30s) && term_->WaitForQuiet(300ms, 30s);
-    }
-    // Types into the focused field and waits for it to show.
-    bool TypeShown(const std::string& text) {
-        term_->Type(text);
-        return term_->WaitForText(text, 10s) && term_->WaitForQuiet(100ms, 10s);
-    }
-    // In a dialog of choices and fields, from the choice it opened on: `moves` presses of `direction` to
-    // another choice, taken, then the fields below it typed over in turn ("" empties one).
-    bool Choose(int moves, Key direction, const std::vector<std::string>& fields = {}) {
-        Step(direction, moves);
-        term_->Type(" ");
-        term_->WaitForQuiet(100ms, 10s);
-        for (const std::string& value : fields) {
-            Step(Key::Down);
-            if (value.empty())
-                Step(Key::Backspace);  // the whole field, as typing would replace it whole
-            else if (!TypeShown(value))
-                return false;
-        }
-        return true;
-    }
-    // Enter on the dialog showing `mark`: back in the window, on the same entry.
-    bool Accept(const std::string& mark) {
-        term_->Press(Key::Enter);
-        return term_->WaitForTextGone(mark, 30s) && term_->WaitForQuiet(300ms, 30s);
-    }
-    // The window left with Y to its question.
-    bool Leave() {
-        TermSession& term = *term_;
-        term.Press(Key::Escape);
-        if (!term.WaitForText(KovoE2e::kConfirmTitle, 30s) || !term.WaitForQuiet(300ms, 30s)) return false;
-        confirmation_ = term.Dump();
-        takeOverShown_ = term.Screen().Contains(kTakeOver);
-        term.Type("y");
-        return true;
-    }
-    bool AcceptAndApply(const std::string& mark) { return Accept(mark) && Leave(); }
-    // IPv4 set to a static address in the window, and the window left with Y.
-    bool ApplyStatic(const std::string& address) {
-        return OpenNetworkWindow() && OpenEntry(KovoE2e::kIpv4Downs, KovoE2e::kStaticChoice) &&
-               Choose(1, Key::Down, {address, "255.255.255.0", "192.168.88.1"}) &&
-               AcceptAndApply(KovoE2e::kStaticChoice);
-    }
-    // The question answered Y once the change's tests have run; true when the window has gone with it.
-    bool KeepWhenAsked() {
-        TermSession& term = *term_;
-        // The last of the tests: the host's name resolved (or not).
-        const auto testsRan = [](const VirtualTerminal& screen) {
-            int row = 0, column = 0;
-            if (!screen.Find("Resolving hostname (", row, column)) return false;
-            const std::string line = screen.RowText(row);
-            return line.find("). OK.") != std::string::npos || line.find("). Failed.") != std::string::npos;
-        };
-        if (!term.WaitForText(kKeepQuestion, 90s) || !term.WaitFor(testsRan, 60s)) return false;
-        kept_ = term.Dump();
-        term.Type("y");
-        return term.WaitForTextGone(kKeepQuestion, 30s) && term.WaitForTextGone(KovoE2e::kWindowMark, 30s);
-    }
+    KovoLab::WindowSteps& Steps() { return *steps_; }
 
     std::unique_ptr<TermSession> term_;
-    bool takeOverShown_ = false;
-    std::string confirmation_;  // the screen that asked
-    std::string kept_;          // the screen that asked to keep the change
+    std::unique_ptr<KovoLab::WindowSteps> steps_;
 };
 
 TEST_F(LabConsole, AStaticAddressKeptIsWhatTheHostRunsOnTheConsolesOwnBridge) {
-    ASSERT_TRUE(ApplyStatic("192.168.88.60")) << term_->Dump();
-    EXPECT_TRUE(takeOverShown_) << confirmation_;
+    ASSERT_TRUE(Steps().ApplyStatic("192.168.88.60")) << term_->Dump();
+    EXPECT_NE(Steps().confirmation.find(kTakeOver), std::string::npos) << Steps().confirmation;
     // The change is in place while the question stands, and the tests ran on it.
     ASSERT_TRUE(term_->WaitForText(kKeepQuestion, 90s)) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText("Pinging address (192.168.88.1). OK.", 60s)) << term_->Dump();
@@ -199,7 +99,7 @@ TEST_F(LabConsole, AStaticAddressKeptIsWhatTheHostRunsOnTheConsolesOwnBridge) {
 }
 
 TEST_F(LabConsole, NoToTheQuestionPutsThePreviousNetworkBackAndSaysWhere) {
-    ASSERT_TRUE(ApplyStatic("192.168.88.61")) << term_->Dump();
+    ASSERT_TRUE(Steps().ApplyStatic("192.168.88.61")) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText(kKeepQuestion, 90s)) << term_->Dump();
     EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.61/24");
     term_->Type("n");
@@ -214,7 +114,7 @@ TEST_F(LabConsole, NoToTheQuestionPutsThePreviousNetworkBackAndSaysWhere) {
 
 // The host cut off and nobody left to answer: the network service puts the old network back by itself.
 TEST_F(LabConsole, AChangeWhoseConsoleIsKilledUndoesItself) {
-    ASSERT_TRUE(ApplyStatic("192.168.88.62")) << term_->Dump();
+    ASSERT_TRUE(Steps().ApplyStatic("192.168.88.62")) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText(kKeepQuestion, 90s)) << term_->Dump();
     EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.62/24");
     ASSERT_TRUE(term_->Signal(SIGKILL));
@@ -229,18 +129,19 @@ TEST_F(LabConsole, AChangeWhoseConsoleIsKilledUndoesItself) {
 // The console that opened a change is gone, and the next one (as its unit starts it again) changes the
 // network before the service's time runs out: the left change is undone first, and the new one is kept.
 TEST_F(LabConsole, AChangeLeftByAKilledConsoleGivesWayToTheNextConsolesChange) {
-    ASSERT_TRUE(ApplyStatic("192.168.88.64")) << term_->Dump();
+    ASSERT_TRUE(Steps().ApplyStatic("192.168.88.64")) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText(kKeepQuestion, 90s)) << term_->Dump();
     ASSERT_TRUE(term_->Signal(SIGKILL));
     term_->WaitExit(10s);
     ASSERT_TRUE(StartConsole()) << term_->Dump();
     // The window shows the left change, which is what the host runs until it is undone.
-    ASSERT_TRUE(OpenNetworkWindow() && OpenEntry(KovoE2e::kIpv4Downs, KovoE2e::kStaticChoice))
+    ASSERT_TRUE(Steps().OpenNetworkWindow() && Steps().OpenEntry(KovoE2e::kIpv4Downs, KovoE2e::kStaticChoice))
         << term_->Dump();
     ASSERT_TRUE(term_->Screen().Contains("[ 192.168.88.64")) << term_->Dump();
-    ASSERT_TRUE(Choose(0, Key::Down, {"192.168.88.65"}) && AcceptAndApply(KovoE2e::kStaticChoice))
+    ASSERT_TRUE(Steps().Choose(0, Key::Down, {"192.168.88.65"}) &&
+                Steps().AcceptAndApply(KovoE2e::kStaticChoice))
         << term_->Dump();
-    ASSERT_TRUE(KeepWhenAsked()) << term_->Dump();
+    ASSERT_TRUE(Steps().KeepWhenAsked()) << term_->Dump();
     EXPECT_EQ(Lab("nmcli -g ipv4.addresses connection show 'Management Network'"), "192.168.88.65/24");
     EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.65/24");
     // Taken over from the profile the first change had already taken: that one is still there.
@@ -251,10 +152,10 @@ TEST_F(LabConsole, AChangeLeftByAKilledConsoleGivesWayToTheNextConsolesChange) {
 // previous network comes back at once.
 TEST_F(LabConsole, AChangeThatCannotComeUpIsRolledBackAndSaysSo) {
     constexpr const char* kVlanMark = "VLAN ID (1-4094, or 4095 to access all VLANs):";
-    ASSERT_TRUE(OpenNetworkWindow()) << term_->Dump();
-    ASSERT_TRUE(OpenEntry(KovoE2e::kVlanDowns, kVlanMark)) << term_->Dump();
-    ASSERT_TRUE(TypeShown("20")) << term_->Dump();
-    ASSERT_TRUE(AcceptAndApply(kVlanMark)) << term_->Dump();
+    ASSERT_TRUE(Steps().OpenNetworkWindow()) << term_->Dump();
+    ASSERT_TRUE(Steps().OpenEntry(KovoE2e::kVlanDowns, kVlanMark)) << term_->Dump();
+    ASSERT_TRUE(Steps().TypeShown("20")) << term_->Dump();
+    ASSERT_TRUE(Steps().AcceptAndApply(kVlanMark)) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText("Putting the network configuration in place failed", 90s))
         << term_->Dump();
     ASSERT_TRUE(Driver().Acknowledge(KovoE2e::kErrorTitle)) << term_->Dump();
@@ -271,17 +172,18 @@ TEST_F(LabConsole, AChangeThatCannotComeUpIsRolledBackAndSaysSo) {
 TEST_F(LabConsole, NameServersSearchDomainsAndHostNameKept) {
     constexpr const char* kDnsMark = "Use the following DNS server addresses and hostname:";
     constexpr const char* kSuffixMark = "Use spaces or commas";
-    ASSERT_TRUE(OpenNetworkWindow()) << term_->Dump();
-    ASSERT_TRUE(OpenEntry(KovoE2e::kDnsDowns, kDnsMark)) << term_->Dump();
-    ASSERT_TRUE(Choose(1, Key::Down, {"192.168.88.1", "192.168.88.2", "node7.lab.example"})) << term_->Dump();
-    ASSERT_TRUE(Accept(kDnsMark)) << term_->Dump();
-    ASSERT_TRUE(OpenEntry(KovoE2e::kSuffixDowns - KovoE2e::kDnsDowns, kSuffixMark)) << term_->Dump();
-    ASSERT_TRUE(TypeShown("lab.example, other.example")) << term_->Dump();
-    ASSERT_TRUE(AcceptAndApply(kSuffixMark)) << term_->Dump();
-    ASSERT_TRUE(KeepWhenAsked()) << term_->Dump();
+    ASSERT_TRUE(Steps().OpenNetworkWindow()) << term_->Dump();
+    ASSERT_TRUE(Steps().OpenEntry(KovoE2e::kDnsDowns, kDnsMark)) << term_->Dump();
+    ASSERT_TRUE(Steps().Choose(1, Key::Down, {"192.168.88.1", "192.168.88.2", "node7.lab.example"}))
+        << term_->Dump();
+    ASSERT_TRUE(Steps().Accept(kDnsMark)) << term_->Dump();
+    ASSERT_TRUE(Steps().OpenEntry(KovoE2e::kSuffixDowns - KovoE2e::kDnsDowns, kSuffixMark)) << term_->Dump();
+    ASSERT_TRUE(Steps().TypeShown("lab.example, other.example")) << term_->Dump();
+    ASSERT_TRUE(Steps().AcceptAndApply(kSuffixMark)) << term_->Dump();
+    ASSERT_TRUE(Steps().KeepWhenAsked()) << term_->Dump();
     for (const char* line : {"Pinging address (192.168.88.1). OK.", "Pinging address (192.168.88.2). OK.",
                              "Resolving hostname (node7.lab.example). OK."})
-        EXPECT_NE(kept_.find(line), std::string::npos) << line << "\n" << kept_;
+        EXPECT_NE(Steps().kept.find(line), std::string::npos) << line << "\n" << Steps().kept;
 
     EXPECT_EQ(Lab("nmcli -g ipv4.dns,ipv4.dns-search,ipv4.ignore-auto-dns connection show "
                   "'Management Network'"),
@@ -294,8 +196,9 @@ TEST_F(LabConsole, NameServersSearchDomainsAndHostNameKept) {
 TEST_F(LabConsole, Ipv4OffNeedsTheNameServersGoneWithIt) {
     constexpr const char* kNoneChoice = "Disable IPv4 configuration for management network";
     constexpr const char* kDnsMark = "Use the following DNS server addresses and hostname:";
-    ASSERT_TRUE(OpenNetworkWindow() && OpenEntry(KovoE2e::kIpv4Downs, kNoneChoice)) << term_->Dump();
-    ASSERT_TRUE(Choose(1, Key::Up) && AcceptAndApply(kNoneChoice)) << term_->Dump();
+    ASSERT_TRUE(Steps().OpenNetworkWindow() && Steps().OpenEntry(KovoE2e::kIpv4Downs, kNoneChoice))
+        << term_->Dump();
+    ASSERT_TRUE(Steps().Choose(1, Key::Up) && Steps().AcceptAndApply(kNoneChoice)) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText("IPv4 name servers need an IPv4 address on", 90s)) << term_->Dump();
     ASSERT_TRUE(Driver().Acknowledge(KovoE2e::kErrorTitle)) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText(kRestoredTitle, 60s)) << term_->Dump();
@@ -303,12 +206,14 @@ TEST_F(LabConsole, Ipv4OffNeedsTheNameServersGoneWithIt) {
     EXPECT_EQ(Lab("nmcli -g NAME connection show"), "Wired e0");
     ASSERT_TRUE(Driver().Acknowledge(kRestoredTitle)) << term_->Dump();
 
-    ASSERT_TRUE(Driver().AtWelcome() && OpenNetworkWindow() && OpenEntry(KovoE2e::kIpv4Downs, kNoneChoice))
+    ASSERT_TRUE(Driver().AtWelcome() && Steps().OpenNetworkWindow() &&
+                Steps().OpenEntry(KovoE2e::kIpv4Downs, kNoneChoice))
         << term_->Dump();
-    ASSERT_TRUE(Choose(1, Key::Up) && Accept(kNoneChoice)) << term_->Dump();
-    ASSERT_TRUE(OpenEntry(KovoE2e::kDnsDowns - KovoE2e::kIpv4Downs, kDnsMark)) << term_->Dump();
-    ASSERT_TRUE(Choose(1, Key::Down, {"", "", "labhost"}) && AcceptAndApply(kDnsMark)) << term_->Dump();
-    ASSERT_TRUE(KeepWhenAsked()) << term_->Dump();
+    ASSERT_TRUE(Steps().Choose(1, Key::Up) && Steps().Accept(kNoneChoice)) << term_->Dump();
+    ASSERT_TRUE(Steps().OpenEntry(KovoE2e::kDnsDowns - KovoE2e::kIpv4Downs, kDnsMark)) << term_->Dump();
+    ASSERT_TRUE(Steps().Choose(1, Key::Down, {"", "", "labhost"}) && Steps().AcceptAndApply(kDnsMark))
+        << term_->Dump();
+    ASSERT_TRUE(Steps().KeepWhenAsked()) << term_->Dump();
     EXPECT_EQ(Lab("nmcli -g ipv4.method,ipv4.dns connection show 'Management Network'"), "disabled");
     EXPECT_EQ(KernelIpv4("xswitch0"), "");
 }
@@ -319,21 +224,24 @@ TEST_F(LabConsole, Ipv6StaticAndThenAutoconfiguration) {
     const auto globalIpv6 = [] {
         return Lab("ip -6 -o addr show dev xswitch0 scope global | awk '{print $4}' | paste -sd' '");
     };
-    ASSERT_TRUE(OpenNetworkWindow() && OpenEntry(KovoE2e::kIpv6Downs, kIpv6Mark)) << term_->Dump();
+    ASSERT_TRUE(Steps().OpenNetworkWindow() && Steps().OpenEntry(KovoE2e::kIpv6Downs, kIpv6Mark))
+        << term_->Dump();
     // It opens on the static choice: the profile taken over only has a link-local address.
-    ASSERT_TRUE(Choose(0, Key::Down, {"fd88:6b6f:766f:88::60/64"})) << term_->Dump();
-    Step(Key::Down, 3);
-    ASSERT_TRUE(TypeShown("fd88:6b6f:766f:88::1") && AcceptAndApply(kIpv6Mark)) << term_->Dump();
-    ASSERT_TRUE(KeepWhenAsked()) << term_->Dump();
+    ASSERT_TRUE(Steps().Choose(0, Key::Down, {"fd88:6b6f:766f:88::60/64"})) << term_->Dump();
+    Steps().Step(Key::Down, 3);
+    ASSERT_TRUE(Steps().TypeShown("fd88:6b6f:766f:88::1") && Steps().AcceptAndApply(kIpv6Mark))
+        << term_->Dump();
+    ASSERT_TRUE(Steps().KeepWhenAsked()) << term_->Dump();
     EXPECT_EQ(
         Lab("nmcli -e no -g ipv6.method,ipv6.addresses,ipv6.gateway connection show 'Management Network'"),
         "manual\nfd88:6b6f:766f:88::60/64\nfd88:6b6f:766f:88::1");
     EXPECT_TRUE(KovoE2e::WaitFor([&] { return globalIpv6() == "fd88:6b6f:766f:88::60/64"; }, 30s))
         << globalIpv6();
 
-    ASSERT_TRUE(OpenNetworkWindow() && OpenEntry(KovoE2e::kIpv6Downs, kIpv6Mark)) << term_->Dump();
-    ASSERT_TRUE(Choose(2, Key::Up) && AcceptAndApply(kIpv6Mark)) << term_->Dump();
-    ASSERT_TRUE(KeepWhenAsked()) << term_->Dump();
+    ASSERT_TRUE(Steps().OpenNetworkWindow() && Steps().OpenEntry(KovoE2e::kIpv6Downs, kIpv6Mark))
+        << term_->Dump();
+    ASSERT_TRUE(Steps().Choose(2, Key::Up) && Steps().AcceptAndApply(kIpv6Mark)) << term_->Dump();
+    ASSERT_TRUE(Steps().KeepWhenAsked()) << term_->Dump();
     EXPECT_EQ(Lab("nmcli -g ipv6.method connection show 'Management Network'"), "auto");
     // Beside the static address, which the choice keeps: one the router's advertisement made (a /64 of
     // the lab's prefix that nobody typed; DHCPv6's are /128).
@@ -391,8 +299,8 @@ TEST_F(LabConsole, TheNetworkTestPingsAndResolvesOnTheHost) {
     ASSERT_TRUE(term_->WaitForText("Ping Address #1", 30s) && term_->WaitForQuiet(300ms, 30s))
         << term_->Dump();
     // The gateway is the first address; one that nothing answers is the second.
-    Step(Key::Down);
-    ASSERT_TRUE(TypeShown("192.168.88.250")) << term_->Dump();
+    Steps().Step(Key::Down);
+    ASSERT_TRUE(Steps().TypeShown("192.168.88.250")) << term_->Dump();
     term_->Press(Key::Enter);
     ASSERT_TRUE(term_->WaitFor(
         [](const VirtualTerminal& screen) {
@@ -408,7 +316,7 @@ TEST_F(LabConsole, TheNetworkTestPingsAndResolvesOnTheHost) {
 
 // The factory network: the console's bridge on the first NIC with a link, by DHCP, kept like any change.
 TEST_F(LabConsole, FactoryRestoreMakesADhcpBridgeOnTheFirstNic) {
-    ASSERT_TRUE(ApplyStatic("192.168.88.63") && KeepWhenAsked()) << term_->Dump();
+    ASSERT_TRUE(Steps().ApplyStatic("192.168.88.63") && Steps().KeepWhenAsked()) << term_->Dump();
     ASSERT_TRUE(Driver().Select("Network Restore Options")) << term_->Dump();
     term_->Press(Key::Enter);
     ASSERT_TRUE(term_->WaitForText("Restore Network Settings", 30s) && term_->WaitForQuiet(300ms, 30s))
@@ -418,7 +326,7 @@ TEST_F(LabConsole, FactoryRestoreMakesADhcpBridgeOnTheFirstNic) {
                 term_->WaitForQuiet(300ms, 30s))
         << term_->Dump();
     term_->Press(Key::F11);
-    ASSERT_TRUE(KeepWhenAsked()) << term_->Dump();
+    ASSERT_TRUE(Steps().KeepWhenAsked()) << term_->Dump();
     EXPECT_EQ(Lab("nmcli -g ipv4.method,ipv4.addresses connection show 'Management Network'"), "auto");
     EXPECT_EQ(Lab("ip -o link show dev e0 | grep -o 'master [^ ]*'"), "master xswitch0");
     EXPECT_TRUE(KovoE2e::WaitFor([] { return HasLease("xswitch0"); }, 30s)) << KernelIpv4("xswitch0");
