@@ -7,10 +7,10 @@ A KEY is a qemu key code, with modifiers joined by '-': f2, ret, esc, down, spc,
 --text types TEXT as a US keyboard would produce it (the guest's keymap decides what it becomes). Keys
 go in the order given. What they reach is the guest's foreground virtual console, not its serial line.
 """
-import json
-import socket
 import sys
 import time
+
+from qmp import Qmp, QmpError
 
 HOLD_MS = 50
 # qemu releases a key after the hold time; the next one waits until then, so none overlap.
@@ -28,43 +28,7 @@ PLAIN = {
 }
 
 
-class QmpError(Exception):
-    pass
-
-
-class Qmp:
-    def __init__(self, path):
-        self.sock = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
-        self.sock.settimeout(10.0)
-        self.sock.connect(path)
-        self.buf = b""
-        self._message()  # the greeting
-        self.call("qmp_capabilities")
-
-    def _message(self):
-        while True:
-            line, newline, rest = self.buf.partition(b"\n")
-            if newline:
-                self.buf = rest
-                message = json.loads(line)
-                if "event" not in message:
-                    return message
-                continue
-            data = self.sock.recv(65536)
-            if not data:
-                raise QmpError("qemu closed its QMP socket")
-            self.buf += data
-
-    def call(self, command, arguments=None):
-        message = {"execute": command}
-        if arguments is not None:
-            message["arguments"] = arguments
-        self.sock.sendall(json.dumps(message).encode() + b"\n")
-        reply = self._message()
-        if "error" in reply:
-            raise QmpError(reply["error"].get("desc", str(reply["error"])))
-        return reply.get("return")
-
+class Keyboard(Qmp):
     def press(self, codes):
         self.call("send-key", {"keys": [{"type": "qcode", "data": c} for c in codes],
                                "hold-time": HOLD_MS})
@@ -99,7 +63,7 @@ def main(argv):
             else:
                 strokes.append(args[0].split("-"))
                 args = args[1:]
-        qmp = Qmp(argv[1])
+        qmp = Keyboard(argv[1])
         for codes in strokes:
             qmp.press(codes)
     except (OSError, QmpError, ValueError) as e:

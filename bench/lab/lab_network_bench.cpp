@@ -90,7 +90,7 @@ void BM_LabStaticChangeToKeepQuestion(benchmark::State& state) {
         TermSession term(Console());
         WindowSteps steps(term);
         const bool asked =
-            term.WaitForText(KovoE2e::kWelcomeKeys, 60s) && steps.OpenNetworkWindow() &&
+            term.WaitForText(KovoE2e::kWelcomeKeys, 60s) && steps.OpenNetworkWindow(kPassword) &&
             steps.OpenEntry(KovoE2e::kIpv4Downs, KovoE2e::kStaticChoice) &&
             steps.Choose(1, Key::Down,
                          {"192.168.88." + std::to_string(address++), "255.255.255.0", "192.168.88.1"}) &&

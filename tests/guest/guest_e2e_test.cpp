@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <regex>
 #include <string>
@@ -19,6 +20,7 @@
 #include "HostSteps.h"
 #include "ShellSteps.h"
 #include "TermSession.h"
+#include "WindowSteps.h"
 
 using namespace std::chrono_literals;
 using KovoTerm::Key;
@@ -74,7 +76,7 @@ class Guest {
 
     std::unique_ptr<TermSession> term;
 
-  private:
+    // One of kovo-vm's verbs on this guest.
     Result Vm(const std::string& verb, const std::vector<std::string>& words) const {
         std::string line = std::string(KOVO_VM) + " " + verb + " " + Quote(_dir);
         for (const std::string& word : words) line += " " + Quote(word);
@@ -88,6 +90,7 @@ class Guest {
         return result;
     }
 
+  private:
     std::string _dir;
 };
 
@@ -420,6 +423,81 @@ TEST_F(DebianGuest, ThirtyCtrlCInThreeSecondsLeaveTheConsoleOnItsLine) {
     ASSERT_TRUE(Driver().OpenLogin()) << term.Dump();
     term.Press(Key::Escape);
     EXPECT_TRUE(term.WaitForTextGone(kLoginTitle, 30s)) << term.Dump();
+}
+
+// A whole session on the real host: a static address set in the network window from the login on, kept
+// once its tests passed, and shown by the idle screen.
+TEST_F(DebianGuest, AStaticAddressAppliedFromTheWindowIsWhatTheIdleScreenShows) {
+    auto& term = Term();
+    KovoE2e::WindowSteps steps(term);
+    ASSERT_TRUE(steps.ApplyStatic(password, "192.168.77.50", "255.255.255.0", "192.168.77.1")) << term.Dump();
+    ASSERT_TRUE(steps.KeepWhenAsked()) << term.Dump();
+    EXPECT_NE(steps.kept.find("Pinging address (192.168.77.1). OK."), std::string::npos) << steps.kept;
+    EXPECT_EQ(Trim(guest->Shell("nmcli -g ipv4.method,ipv4.addresses connection show 'Management Network'")),
+              "manual\n192.168.77.50/24");
+    EXPECT_EQ(Trim(guest->Shell("ip -4 -o addr show dev xswitch0 | awk '{print $4}'")), "192.168.77.50/24");
+    ASSERT_TRUE(Driver().AtWelcome()) << term.Dump();
+    EXPECT_TRUE(term.WaitForText("https://192.168.77.50/ (STATIC)", 60s)) << term.Dump();
+}
+
+// Two uplinks on a real kernel, the second NIC checked first: an active-backup bond under the bridge whose
+// first NIC carries the traffic, and whose second takes over when the first loses its link.
+TEST_F(DebianGuest, TwoUplinksAreAnActiveBackupBondInTheOrderChecked) {
+    constexpr const char* kAdaptersMark = "Select the adapters for this host's default management network";
+    auto& term = Term();
+    KovoE2e::WindowSteps steps(term);
+    ASSERT_TRUE(steps.OpenNetworkWindow(password) && steps.OpenEntry(0, kAdaptersMark)) << term.Dump();
+    // Both cleared, then ens4 checked and ens3 after it. A slow guest may drop a key typed while it draws,
+    // so each key is checked for its effect and pressed again if it had none.
+    const auto cell = [&](const char* nic) {
+        int row = 0, column = 0;
+        return term.Screen().Find(nic, row, column) ? std::make_pair(row, column) : std::make_pair(-1, -1);
+    };
+    const auto checked = [&](const char* nic) {
+        const auto [row, column] = cell(nic);
+        return row >= 0 && term.Screen().RowText(row).find("[X] " + std::string(nic)) != std::string::npos;
+    };
+    const auto selected = [&](const char* nic) {
+        const auto [row, column] = cell(nic);
+        return row >= 0 && term.Screen().CellAt(row, column).reverse;
+    };
+    const auto until = [&](const std::function<bool()>& done, const std::function<void()>& press) {
+        for (int i = 0; i < 3 && !done(); ++i) {
+            press();
+            term.WaitUntil(done, 10s);
+        }
+        return done();
+    };
+    const auto select = [&](const char* nic, Key toward) {
+        return until([&] { return selected(nic); }, [&] { term.Press(toward); });
+    };
+    const auto mark = [&](const char* nic, bool on) {
+        return until([&] { return checked(nic) == on; }, [&] { term.Type(" "); });
+    };
+    ASSERT_TRUE(select("ens3", Key::Up) && mark("ens3", false) && select("ens4", Key::Down) &&
+                mark("ens4", false) && mark("ens4", true) && select("ens3", Key::Up) && mark("ens3", true))
+        << term.Dump();
+    ASSERT_TRUE(steps.AcceptAndApply(kAdaptersMark)) << term.Dump();
+    ASSERT_TRUE(steps.KeepWhenAsked()) << term.Dump();
+
+    const auto bonding = [] { return guest->Shell("cat /proc/net/bonding/mgmtbond0"); };
+    const auto active = [&](const std::string& nic) {
+        return bonding().find("Currently Active Slave: " + nic) != std::string::npos;
+    };
+    EXPECT_NE(bonding().find("Bonding Mode: fault-tolerance (active-backup)"), std::string::npos)
+        << bonding();
+    EXPECT_NE(bonding().find("Primary Slave: ens4"), std::string::npos) << bonding();
+    EXPECT_TRUE(active("ens4")) << bonding();
+    EXPECT_EQ(Trim(guest->Shell("ip -o link show dev mgmtbond0 | grep -o 'master [^ ]*'")),
+              "master xswitch0");
+
+    // The first NIC's cable pulled: the second carries the address, which still reaches the gateway.
+    ASSERT_EQ(guest->Vm("link", {"nic1", "down"}).status, 0);
+    EXPECT_TRUE(term.WaitUntil([&] { return active("ens3"); }, 60s, 1000ms)) << bonding();
+    EXPECT_EQ(Trim(guest->Shell("ping -c 1 -W 5 -I xswitch0 192.168.77.1 >/dev/null && echo answers")),
+              "answers");
+    ASSERT_EQ(guest->Vm("link", {"nic1", "up"}).status, 0);
+    EXPECT_TRUE(term.WaitUntil([&] { return active("ens4"); }, 60s, 1000ms)) << bonding();
 }
 
 TEST_F(DebianGuest, RestartBootsTheHostAndTheConsoleComesBack) {

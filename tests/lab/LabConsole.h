@@ -9,11 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "ConsoleDriver.h"
 #include "LabSteps.h"
-#include "NetworkSteps.h"
 #include "ShellSteps.h"
-#include "TermSession.h"
+#include "WindowSteps.h"
 
 namespace KovoLab {
 
@@ -23,7 +21,8 @@ using KovoTerm::TermSession;
 using KovoTerm::VirtualTerminal;
 
 inline constexpr const char* kPassword = "Lab-Pass1";
-inline constexpr const char* kKeepQuestion = "Keep this network configuration?";
+using KovoE2e::kKeepQuestion;
+using KovoE2e::WindowSteps;
 
 // A shell command inside the lab's host; its output without the last line end.
 inline std::string Lab(const std::string& script) {
@@ -53,96 +52,5 @@ inline KovoTerm::SpawnOptions ConsoleOnLab(const std::string& sanitizerLog) {
                            {"UBSAN_OPTIONS", "print_stacktrace=1:log_path=" + sanitizerLog}};
     return options;
 }
-
-// The steps of the network window on a console of the lab's host.
-class WindowSteps {
-  public:
-    explicit WindowSteps(TermSession& term) : term_(&term) {}
-
-    // Logged in, with the network window open.
-    bool OpenNetworkWindow() {
-        TermSession& term = *term_;
-        if (!KovoE2e::ConsoleDriver(*term_).LogIn(kPassword) ||
-            !KovoE2e::ConsoleDriver(*term_).Select("Configure Management Network"))
-            return false;
-        term.Press(Key::Enter);
-        return term.WaitForText(KovoE2e::kWindowMark, 30s) && term.WaitForQuiet(300ms, 30s);
-    }
-    // Presses `key` `times` times, letting the screen settle after each.
-    void Step(Key key, int times = 1) {
-        for (int i = 0; i < times; ++i) {
-            term_->Press(key);
-            term_->WaitForQuiet(100ms, 10s);
-        }
-    }
-    // From the selected entry: the entry `downs` below it opened, showing `mark`.
-    bool OpenEntry(int downs, const std::string& mark) {
-        Step(Key::Down, downs);
-        term_->Press(Key::Enter);
-        return term_->WaitForText(mark, 30s) && term_->WaitForQuiet(300ms, 30s);
-    }
-    // Types into the focused field and waits for it to show.
-    bool TypeShown(const std::string& text) {
-        term_->Type(text);
-        return term_->WaitForText(text, 10s) && term_->WaitForQuiet(100ms, 10s);
-    }
-    // In a dialog of choices and fields, from the choice it opened on: `moves` presses of `direction` to
-    // another choice, taken, then the fields below it typed over in turn ("" empties one).
-    bool Choose(int moves, Key direction, const std::vector<std::string>& fields = {}) {
-        Step(direction, moves);
-        term_->Type(" ");
-        term_->WaitForQuiet(100ms, 10s);
-        for (const std::string& value : fields) {
-            Step(Key::Down);
-            if (value.empty())
-                Step(Key::Backspace);  // the whole field, as typing would replace it whole
-            else if (!TypeShown(value))
-                return false;
-        }
-        return true;
-    }
-    // Enter on the dialog showing `mark`: back in the window, on the same entry.
-    bool Accept(const std::string& mark) {
-        term_->Press(Key::Enter);
-        return term_->WaitForTextGone(mark, 30s) && term_->WaitForQuiet(300ms, 30s);
-    }
-    // The window left with Y to its question.
-    bool Leave() {
-        TermSession& term = *term_;
-        term.Press(Key::Escape);
-        if (!term.WaitForText(KovoE2e::kConfirmTitle, 30s) || !term.WaitForQuiet(300ms, 30s)) return false;
-        confirmation = term.Dump();
-        term.Type("y");
-        return true;
-    }
-    bool AcceptAndApply(const std::string& mark) { return Accept(mark) && Leave(); }
-    // IPv4 set to a static address in the window, and the window left with Y.
-    bool ApplyStatic(const std::string& address) {
-        return OpenNetworkWindow() && OpenEntry(KovoE2e::kIpv4Downs, KovoE2e::kStaticChoice) &&
-               Choose(1, Key::Down, {address, "255.255.255.0", "192.168.88.1"}) &&
-               AcceptAndApply(KovoE2e::kStaticChoice);
-    }
-    // The question answered Y once the change's tests have run; true when the window has gone with it.
-    bool KeepWhenAsked() {
-        TermSession& term = *term_;
-        // The last of the tests: the host's name resolved (or not).
-        const auto testsRan = [](const VirtualTerminal& screen) {
-            int row = 0, column = 0;
-            if (!screen.Find("Resolving hostname (", row, column)) return false;
-            const std::string line = screen.RowText(row);
-            return line.find("). OK.") != std::string::npos || line.find("). Failed.") != std::string::npos;
-        };
-        if (!term.WaitForText(kKeepQuestion, 90s) || !term.WaitFor(testsRan, 60s)) return false;
-        kept = term.Dump();
-        term.Type("y");
-        return term.WaitForTextGone(kKeepQuestion, 30s) && term.WaitForTextGone(KovoE2e::kWindowMark, 30s);
-    }
-
-    std::string confirmation;  // the screen that asked to apply the change
-    std::string kept;          // the screen that asked to keep it
-
-  private:
-    TermSession* term_;
-};
 
 }  // namespace KovoLab

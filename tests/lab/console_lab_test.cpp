@@ -69,13 +69,17 @@ class LabConsole : public ::testing::Test {
     static std::string SanitizerLog() { return std::string(KOVO_LAB_DIR) + "/sanitizer"; }
 
     KovoLab::WindowSteps& Steps() { return *steps_; }
+    // IPv4 set to a static address of the lab's network in the window, and the window left with Y.
+    bool ApplyStatic(const std::string& address) {
+        return Steps().ApplyStatic(kPassword, address, "255.255.255.0", "192.168.88.1");
+    }
 
     std::unique_ptr<TermSession> term_;
     std::unique_ptr<KovoLab::WindowSteps> steps_;
 };
 
 TEST_F(LabConsole, AStaticAddressKeptIsWhatTheHostRunsOnTheConsolesOwnBridge) {
-    ASSERT_TRUE(Steps().ApplyStatic("192.168.88.60")) << term_->Dump();
+    ASSERT_TRUE(ApplyStatic("192.168.88.60")) << term_->Dump();
     EXPECT_NE(Steps().confirmation.find(kTakeOver), std::string::npos) << Steps().confirmation;
     // The change is in place while the question stands, and the tests ran on it.
     ASSERT_TRUE(term_->WaitForText(kKeepQuestion, 90s)) << term_->Dump();
@@ -99,7 +103,7 @@ TEST_F(LabConsole, AStaticAddressKeptIsWhatTheHostRunsOnTheConsolesOwnBridge) {
 }
 
 TEST_F(LabConsole, NoToTheQuestionPutsThePreviousNetworkBackAndSaysWhere) {
-    ASSERT_TRUE(Steps().ApplyStatic("192.168.88.61")) << term_->Dump();
+    ASSERT_TRUE(ApplyStatic("192.168.88.61")) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText(kKeepQuestion, 90s)) << term_->Dump();
     EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.61/24");
     term_->Type("n");
@@ -114,7 +118,7 @@ TEST_F(LabConsole, NoToTheQuestionPutsThePreviousNetworkBackAndSaysWhere) {
 
 // The host cut off and nobody left to answer: the network service puts the old network back by itself.
 TEST_F(LabConsole, AChangeWhoseConsoleIsKilledUndoesItself) {
-    ASSERT_TRUE(Steps().ApplyStatic("192.168.88.62")) << term_->Dump();
+    ASSERT_TRUE(ApplyStatic("192.168.88.62")) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText(kKeepQuestion, 90s)) << term_->Dump();
     EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.62/24");
     ASSERT_TRUE(term_->Signal(SIGKILL));
@@ -129,13 +133,14 @@ TEST_F(LabConsole, AChangeWhoseConsoleIsKilledUndoesItself) {
 // The console that opened a change is gone, and the next one (as its unit starts it again) changes the
 // network before the service's time runs out: the left change is undone first, and the new one is kept.
 TEST_F(LabConsole, AChangeLeftByAKilledConsoleGivesWayToTheNextConsolesChange) {
-    ASSERT_TRUE(Steps().ApplyStatic("192.168.88.64")) << term_->Dump();
+    ASSERT_TRUE(ApplyStatic("192.168.88.64")) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText(kKeepQuestion, 90s)) << term_->Dump();
     ASSERT_TRUE(term_->Signal(SIGKILL));
     term_->WaitExit(10s);
     ASSERT_TRUE(StartConsole()) << term_->Dump();
     // The window shows the left change, which is what the host runs until it is undone.
-    ASSERT_TRUE(Steps().OpenNetworkWindow() && Steps().OpenEntry(KovoE2e::kIpv4Downs, KovoE2e::kStaticChoice))
+    ASSERT_TRUE(Steps().OpenNetworkWindow(kPassword) &&
+                Steps().OpenEntry(KovoE2e::kIpv4Downs, KovoE2e::kStaticChoice))
         << term_->Dump();
     ASSERT_TRUE(term_->Screen().Contains("[ 192.168.88.64")) << term_->Dump();
     ASSERT_TRUE(Steps().Choose(0, Key::Down, {"192.168.88.65"}) &&
@@ -152,7 +157,7 @@ TEST_F(LabConsole, AChangeLeftByAKilledConsoleGivesWayToTheNextConsolesChange) {
 // previous network comes back at once.
 TEST_F(LabConsole, AChangeThatCannotComeUpIsRolledBackAndSaysSo) {
     constexpr const char* kVlanMark = "VLAN ID (1-4094, or 4095 to access all VLANs):";
-    ASSERT_TRUE(Steps().OpenNetworkWindow()) << term_->Dump();
+    ASSERT_TRUE(Steps().OpenNetworkWindow(kPassword)) << term_->Dump();
     ASSERT_TRUE(Steps().OpenEntry(KovoE2e::kVlanDowns, kVlanMark)) << term_->Dump();
     ASSERT_TRUE(Steps().TypeShown("20")) << term_->Dump();
     ASSERT_TRUE(Steps().AcceptAndApply(kVlanMark)) << term_->Dump();
@@ -172,7 +177,7 @@ TEST_F(LabConsole, AChangeThatCannotComeUpIsRolledBackAndSaysSo) {
 TEST_F(LabConsole, NameServersSearchDomainsAndHostNameKept) {
     constexpr const char* kDnsMark = "Use the following DNS server addresses and hostname:";
     constexpr const char* kSuffixMark = "Use spaces or commas";
-    ASSERT_TRUE(Steps().OpenNetworkWindow()) << term_->Dump();
+    ASSERT_TRUE(Steps().OpenNetworkWindow(kPassword)) << term_->Dump();
     ASSERT_TRUE(Steps().OpenEntry(KovoE2e::kDnsDowns, kDnsMark)) << term_->Dump();
     ASSERT_TRUE(Steps().Choose(1, Key::Down, {"192.168.88.1", "192.168.88.2", "node7.lab.example"}))
         << term_->Dump();
@@ -196,7 +201,7 @@ TEST_F(LabConsole, NameServersSearchDomainsAndHostNameKept) {
 TEST_F(LabConsole, Ipv4OffNeedsTheNameServersGoneWithIt) {
     constexpr const char* kNoneChoice = "Disable IPv4 configuration for management network";
     constexpr const char* kDnsMark = "Use the following DNS server addresses and hostname:";
-    ASSERT_TRUE(Steps().OpenNetworkWindow() && Steps().OpenEntry(KovoE2e::kIpv4Downs, kNoneChoice))
+    ASSERT_TRUE(Steps().OpenNetworkWindow(kPassword) && Steps().OpenEntry(KovoE2e::kIpv4Downs, kNoneChoice))
         << term_->Dump();
     ASSERT_TRUE(Steps().Choose(1, Key::Up) && Steps().AcceptAndApply(kNoneChoice)) << term_->Dump();
     ASSERT_TRUE(term_->WaitForText("IPv4 name servers need an IPv4 address on", 90s)) << term_->Dump();
@@ -206,7 +211,7 @@ TEST_F(LabConsole, Ipv4OffNeedsTheNameServersGoneWithIt) {
     EXPECT_EQ(Lab("nmcli -g NAME connection show"), "Wired e0");
     ASSERT_TRUE(Driver().Acknowledge(kRestoredTitle)) << term_->Dump();
 
-    ASSERT_TRUE(Driver().AtWelcome() && Steps().OpenNetworkWindow() &&
+    ASSERT_TRUE(Driver().AtWelcome() && Steps().OpenNetworkWindow(kPassword) &&
                 Steps().OpenEntry(KovoE2e::kIpv4Downs, kNoneChoice))
         << term_->Dump();
     ASSERT_TRUE(Steps().Choose(1, Key::Up) && Steps().Accept(kNoneChoice)) << term_->Dump();
@@ -224,7 +229,7 @@ TEST_F(LabConsole, Ipv6StaticAndThenAutoconfiguration) {
     const auto globalIpv6 = [] {
         return Lab("ip -6 -o addr show dev xswitch0 scope global | awk '{print $4}' | paste -sd' '");
     };
-    ASSERT_TRUE(Steps().OpenNetworkWindow() && Steps().OpenEntry(KovoE2e::kIpv6Downs, kIpv6Mark))
+    ASSERT_TRUE(Steps().OpenNetworkWindow(kPassword) && Steps().OpenEntry(KovoE2e::kIpv6Downs, kIpv6Mark))
         << term_->Dump();
     // It opens on the static choice: the profile taken over only has a link-local address.
     ASSERT_TRUE(Steps().Choose(0, Key::Down, {"fd88:6b6f:766f:88::60/64"})) << term_->Dump();
@@ -238,7 +243,7 @@ TEST_F(LabConsole, Ipv6StaticAndThenAutoconfiguration) {
     EXPECT_TRUE(KovoE2e::WaitFor([&] { return globalIpv6() == "fd88:6b6f:766f:88::60/64"; }, 30s))
         << globalIpv6();
 
-    ASSERT_TRUE(Steps().OpenNetworkWindow() && Steps().OpenEntry(KovoE2e::kIpv6Downs, kIpv6Mark))
+    ASSERT_TRUE(Steps().OpenNetworkWindow(kPassword) && Steps().OpenEntry(KovoE2e::kIpv6Downs, kIpv6Mark))
         << term_->Dump();
     ASSERT_TRUE(Steps().Choose(2, Key::Up) && Steps().AcceptAndApply(kIpv6Mark)) << term_->Dump();
     ASSERT_TRUE(Steps().KeepWhenAsked()) << term_->Dump();
@@ -316,7 +321,7 @@ TEST_F(LabConsole, TheNetworkTestPingsAndResolvesOnTheHost) {
 
 // The factory network: the console's bridge on the first NIC with a link, by DHCP, kept like any change.
 TEST_F(LabConsole, FactoryRestoreMakesADhcpBridgeOnTheFirstNic) {
-    ASSERT_TRUE(Steps().ApplyStatic("192.168.88.63") && Steps().KeepWhenAsked()) << term_->Dump();
+    ASSERT_TRUE(ApplyStatic("192.168.88.63") && Steps().KeepWhenAsked()) << term_->Dump();
     ASSERT_TRUE(Driver().Select("Network Restore Options")) << term_->Dump();
     term_->Press(Key::Enter);
     ASSERT_TRUE(term_->WaitForText("Restore Network Settings", 30s) && term_->WaitForQuiet(300ms, 30s))
