@@ -440,26 +440,31 @@ TEST_F(DebianGuest, AStaticAddressAppliedFromTheWindowIsWhatTheIdleScreenShows) 
     EXPECT_TRUE(term.WaitForText("https://192.168.77.50/ (STATIC)", 60s)) << term.Dump();
 }
 
-// Two uplinks on a real kernel, the second NIC checked first: an active-backup bond under the bridge whose
-// first NIC carries the traffic, and whose second takes over when the first loses its link.
-TEST_F(DebianGuest, TwoUplinksAreAnActiveBackupBondInTheOrderChecked) {
+// Two uplinks on a real kernel: the NIC the bridge already had stays first in the teaming order, and the
+// one checked beside it comes second. An active-backup bond under the bridge whose first NIC carries the
+// traffic, and whose second takes over when the first loses its link.
+TEST_F(DebianGuest, TwoUplinksAreAnActiveBackupBondTheFirstActive) {
     constexpr const char* kAdaptersMark = "Select the adapters for this host's default management network";
     auto& term = Term();
+    // The NIC the last change put under the bridge: the one whose lease was the management address.
+    const std::string first = Trim(guest->Shell("ip -o link show master xswitch0 | awk -F': ' '{print $2}'"));
+    ASSERT_TRUE(first == "ens3" || first == "ens4") << first;
+    const std::string second = first == "ens3" ? "ens4" : "ens3";
     KovoE2e::WindowSteps steps(term);
     ASSERT_TRUE(steps.OpenNetworkWindow(password) && steps.OpenEntry(0, kAdaptersMark)) << term.Dump();
-    // Both cleared, then ens4 checked and ens3 after it. A slow guest may drop a key typed while it draws,
+    // The rows are ens3 and ens4, the first selected. A slow guest may drop a key typed while it draws,
     // so each key is checked for its effect and pressed again if it had none.
-    const auto cell = [&](const char* nic) {
-        int row = 0, column = 0;
-        return term.Screen().Find(nic, row, column) ? std::make_pair(row, column) : std::make_pair(-1, -1);
+    const auto row = [&](const std::string& nic) {
+        int at = 0, column = 0;
+        return term.Screen().Find(nic, at, column) ? std::make_pair(at, column) : std::make_pair(-1, -1);
     };
-    const auto checked = [&](const char* nic) {
-        const auto [row, column] = cell(nic);
-        return row >= 0 && term.Screen().RowText(row).find("[X] " + std::string(nic)) != std::string::npos;
+    const auto checked = [&] {
+        const auto [at, column] = row(second);
+        return at >= 0 && term.Screen().RowText(at).find("[X] " + second) != std::string::npos;
     };
-    const auto selected = [&](const char* nic) {
-        const auto [row, column] = cell(nic);
-        return row >= 0 && term.Screen().CellAt(row, column).reverse;
+    const auto selected = [&] {
+        const auto [at, column] = row(second);
+        return at >= 0 && term.Screen().CellAt(at, column).reverse;
     };
     const auto until = [&](const std::function<bool()>& done, const std::function<void()>& press) {
         for (int i = 0; i < 3 && !done(); ++i) {
@@ -468,14 +473,8 @@ TEST_F(DebianGuest, TwoUplinksAreAnActiveBackupBondInTheOrderChecked) {
         }
         return done();
     };
-    const auto select = [&](const char* nic, Key toward) {
-        return until([&] { return selected(nic); }, [&] { term.Press(toward); });
-    };
-    const auto mark = [&](const char* nic, bool on) {
-        return until([&] { return checked(nic) == on; }, [&] { term.Type(" "); });
-    };
-    ASSERT_TRUE(select("ens3", Key::Up) && mark("ens3", false) && select("ens4", Key::Down) &&
-                mark("ens4", false) && mark("ens4", true) && select("ens3", Key::Up) && mark("ens3", true))
+    ASSERT_TRUE(until(selected, [&] { term.Press(second == "ens4" ? Key::Down : Key::Up); }) &&
+                until(checked, [&] { term.Type(" "); }))
         << term.Dump();
     ASSERT_TRUE(steps.AcceptAndApply(kAdaptersMark)) << term.Dump();
     ASSERT_TRUE(steps.KeepWhenAsked()) << term.Dump();
@@ -486,18 +485,49 @@ TEST_F(DebianGuest, TwoUplinksAreAnActiveBackupBondInTheOrderChecked) {
     };
     EXPECT_NE(bonding().find("Bonding Mode: fault-tolerance (active-backup)"), std::string::npos)
         << bonding();
-    EXPECT_NE(bonding().find("Primary Slave: ens4"), std::string::npos) << bonding();
-    EXPECT_TRUE(active("ens4")) << bonding();
+    EXPECT_NE(bonding().find("Primary Slave: " + first), std::string::npos) << bonding();
+    EXPECT_TRUE(active(first)) << bonding();
     EXPECT_EQ(Trim(guest->Shell("ip -o link show dev mgmtbond0 | grep -o 'master [^ ]*'")),
               "master xswitch0");
 
     // The first NIC's cable pulled: the second carries the address, which still reaches the gateway.
-    ASSERT_EQ(guest->Vm("link", {"nic1", "down"}).status, 0);
-    EXPECT_TRUE(term.WaitUntil([&] { return active("ens3"); }, 60s, 1000ms)) << bonding();
+    const std::string firstCable = first == "ens3" ? "nic0" : "nic1";
+    ASSERT_EQ(guest->Vm("link", {firstCable, "down"}).status, 0);
+    EXPECT_TRUE(term.WaitUntil([&] { return active(second); }, 60s, 1000ms)) << bonding();
     EXPECT_EQ(Trim(guest->Shell("ping -c 1 -W 5 -I xswitch0 192.168.77.1 >/dev/null && echo answers")),
               "answers");
-    ASSERT_EQ(guest->Vm("link", {"nic1", "up"}).status, 0);
-    EXPECT_TRUE(term.WaitUntil([&] { return active("ens4"); }, 60s, 1000ms)) << bonding();
+    // Plugged again: the first is the primary, so it takes the traffic back.
+    ASSERT_EQ(guest->Vm("link", {firstCable, "up"}).status, 0);
+    EXPECT_TRUE(term.WaitUntil([&] { return active(first); }, 60s, 1000ms)) << bonding();
+}
+
+// A VLAN on a real kernel: the management address moves onto VLAN 20, which the lab's switch carries
+// tagged on the guest's NICs and untagged on a segment of its own.
+TEST_F(DebianGuest, AVlanCarriesTheManagementAddressTagged) {
+    constexpr const char* kVlanMark = "VLAN ID (1-4094, or 4095 to access all VLANs):";
+    auto& term = Term();
+    KovoE2e::WindowSteps steps(term);
+    ASSERT_TRUE(steps.OpenNetworkWindow(password) && steps.OpenEntry(KovoE2e::kVlanDowns, kVlanMark))
+        << term.Dump();
+    ASSERT_TRUE(steps.TypeShown("20") && steps.Accept(kVlanMark)) << term.Dump();
+    // The address of VLAN 20's segment, from the entry below.
+    ASSERT_TRUE(steps.OpenEntry(KovoE2e::kIpv4Downs - KovoE2e::kVlanDowns, KovoE2e::kStaticChoice))
+        << term.Dump();
+    ASSERT_TRUE(steps.Choose(0, Key::Down, {"192.168.20.50", "255.255.255.0", "192.168.20.1"}) &&
+                steps.AcceptAndApply(KovoE2e::kStaticChoice))
+        << term.Dump();
+    ASSERT_TRUE(steps.KeepWhenAsked()) << term.Dump();
+    // The gateway answered: the guest's frames reached VLAN 20's segment, which takes only tagged ones.
+    EXPECT_NE(steps.kept.find("Pinging address (192.168.20.1). OK."), std::string::npos) << steps.kept;
+    EXPECT_NE(guest->Shell("ip -d link show dev xswitch0.20").find("vlan protocol 802.1Q id 20"),
+              std::string::npos)
+        << guest->Shell("ip -d link show dev xswitch0.20");
+    EXPECT_EQ(Trim(guest->Shell("ip -4 -o addr show dev xswitch0.20 | awk '{print $4}'")),
+              "192.168.20.50/24");
+    EXPECT_EQ(Trim(guest->Shell("ip -4 -o addr show dev xswitch0")), "");
+    // From the segment's side, the address answers.
+    EXPECT_EQ(guest->Vm("lab", {"--", "ping", "-c", "1", "-W", "5", "-I", "sw20", "192.168.20.50"}).status,
+              0);
 }
 
 TEST_F(DebianGuest, RestartBootsTheHostAndTheConsoleComesBack) {
