@@ -58,7 +58,7 @@ TEST(NetworkRestoreDvs, TheNextHostLocalPortTakesTheValuesTypedAndTheManagementI
               json::parse(R"({"key": "17", "name": "hlp-zk0#5", "portGroup": "dvpg-management", "vlanId": 25,
                   "blocked": false, "hostLocal": true, "uplinks": ["zennic0", "zennic1"]})"));
     EXPECT_EQ(StoreJson(*host, "/network/zenkNics/0/connection"),
-              json::parse(R"({"type": "dvPort", "dvs": "dvSwitch0", "port": "17"})"));
+              json::parse(R"({"type": "dvPort", "dvs": "xds0", "port": "17"})"));
     EXPECT_EQ(StoreJson(*host, "/network/dvs/0/ports/0"), oldPort);
     EXPECT_EQ(Lines(HostRecords(*host, "events.log"),
                     std::string("@&!*@*@(obs.user.kovo.dvs.port.restored)") + kRestored)
@@ -75,7 +75,7 @@ TEST(NetworkRestoreDvs, AnotherMakersSwitchIsRefusedWithNothingChanged) {
     EXPECT_TRUE(ShowsMessage(*host, kErrorTitle, "Restore xDS operation cannot be performed"))
         << host->Term().Dump();
     EXPECT_TRUE(host->Term().Screen().Contains("on 3rd party xDS."));
-    EXPECT_TRUE(host->WaitForSyslog({"user.err", "]: Restore xDS refused: dvSwitch0 is a 3rd party xDS"}))
+    EXPECT_TRUE(host->WaitForSyslog({"user.err", "]: Restore xDS refused: xds0 is a 3rd party xDS"}))
         << host->Syslog();
     ASSERT_TRUE(Acknowledge(*host, "on 3rd party xDS."));
     EXPECT_FALSE(host->Term().Screen().Contains(kDialogMark)) << host->Term().Dump();

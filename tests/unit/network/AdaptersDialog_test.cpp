@@ -56,8 +56,8 @@ TEST(AdapterInfoTest, FiveLinesAndWhoUsesTheNic) {
     EXPECT_EQ(AdapterInfoDialog::Text(adapter, "Unknown"),
               "Device Name: zennic3\nHardware Label: Sample I350\nMAC Address: 00:1b:21:4a:20:01\n"
               "Connection Status: Disconnected\nUsed By: None");
-    adapter.usedBy = "dvSwitch0";
-    EXPECT_NE(AdapterInfoDialog::Text(adapter, "Unknown").find("\nUsed By: dvSwitch0"), std::string::npos);
+    adapter.usedBy = "xds0";
+    EXPECT_NE(AdapterInfoDialog::Text(adapter, "Unknown").find("\nUsed By: xds0"), std::string::npos);
     adapter.usedBy.clear();
     adapter.usedByKnown = false;
     EXPECT_NE(AdapterInfoDialog::Text(adapter, "Unknown").find("\nUsed By: Unknown"), std::string::npos);
@@ -125,12 +125,12 @@ TEST_F(AdaptersDialogTest, TakingANicFromAnotherSwitchIsAskedFirst) {
 TEST_F(AdaptersDialogTest, OnADistributedSwitchOnlyNicsOfOtherSwitchesAsk) {
     Make("dvs");
     // zennic0 and zennic1 belong to the management network's own distributed switch.
-    auto own = Open("\n", {"zennic0", "zennic1"}, "dvSwitch0");
+    auto own = Open("\n", {"zennic0", "zennic1"}, "xds0");
     EXPECT_EQ(own.result, 1);
     EXPECT_FALSE(own->Showed("Network Adapters: Warning"));
     // zennic2 is on the standard switch.
     auto other = Open(Keys::kDown + Keys::kDown + " \n\t" + Keys::kEsc + Keys::kEsc, {"zennic0", "zennic1"},
-                      "dvSwitch0");
+                      "xds0");
     EXPECT_EQ(other.result, 0);
     EXPECT_TRUE(other->Showed("Network Adapters: Warning"));
 }
@@ -162,7 +162,7 @@ TEST_F(AdaptersDialogTest, WhatTheScansGatheredIsShownAndEachFailureLogged) {
 
     Fault("NetworkInfo.GetPnics");
     // No rows: Space and D have nothing to act on, Enter returns the list it was given.
-    auto none = Open(" D\n", {"zennic0"}, "dvSwitch0");
+    auto none = Open(" D\n", {"zennic0"}, "xds0");
     EXPECT_TRUE(LoggedError("Getting physical nics failed: scan refused"));
     EXPECT_TRUE(none->Adapters().empty());
     EXPECT_EQ(none.result, 1);

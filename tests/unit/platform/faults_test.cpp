@@ -51,7 +51,7 @@ TEST_F(FaultPointsTest, EachOperationFailsWithItsOwnTextBeforeItChangesAnything)
     auto dns = [&] { return host->GetDnsConfig(); };
     auto routing = [&] { return host->GetRoutingInfo(); };
     auto switches = [&] { return host->GetVirtualSwitchInfo(); };
-    auto port = [&] { return host->GetDvPort("dvSwitch0", "10"); };
+    auto port = [&] { return host->GetDvPort("xds0", "10"); };
     const auto pnic = host->GetPnic("zennic2");
     const std::map<FaultPoint, std::function<void()>> operations{
         {FaultPoint::NetworkInfoAutoConfigNetwork, [&] { host->GetNetworkInfo()->AutoConfigNetwork(); }},
@@ -63,7 +63,7 @@ TEST_F(FaultPointsTest, EachOperationFailsWithItsOwnTextBeforeItChangesAnything)
         {FaultPoint::NetworkInfoUpdateManagementInterface,
          [&] { host->GetNetworkInfo()->UpdateManagementInterface(); }},
         {FaultPoint::ZenkNicCommit, [&] { nic()->Commit(); }},
-        {FaultPoint::ZenkNicConnectToDvPort, [&] { nic()->ConnectToDvPort("dvSwitch0", "10"); }},
+        {FaultPoint::ZenkNicConnectToDvPort, [&] { nic()->ConnectToDvPort("xds0", "10"); }},
         {FaultPoint::ZenkNicConnectToPortGroup, [&] { nic()->ConnectToPortGroup("VM Network"); }},
         {FaultPoint::ZenkNicDisable, [&] { nic()->Disable(); }},
         {FaultPoint::ZenkNicEnable, [&] { nic()->Enable(); }},
@@ -94,7 +94,7 @@ TEST_F(FaultPointsTest, EachOperationFailsWithItsOwnTextBeforeItChangesAnything)
          [&] { routing()->SetZenKernelDefaultGateway(Ipv4Address("192.168.10.2"), false); }},
         {FaultPoint::VirtualSwitchInfoAddDvsHostLocalPort,
          [&] {
-             switches()->AddDvsHostLocalPort("dvSwitch0", {"hlp-zk0#9", "", 0, false, false, {}});
+             switches()->AddDvsHostLocalPort("xds0", {"hlp-zk0#9", "", 0, false, false, {}});
          }},
         {FaultPoint::VirtualSwitchInfoAddPortGroup,
          [&] { switches()->AddPortGroup("xSwitch0", "Extra", 3); }},
@@ -109,7 +109,7 @@ TEST_F(FaultPointsTest, EachOperationFailsWithItsOwnTextBeforeItChangesAnything)
         {FaultPoint::VirtualSwitchInfoGetTeamingPolicy, [&] { switches()->GetTeamingPolicy("xSwitch0"); }},
         {FaultPoint::VirtualSwitchInfoGetVirtualSwitches, [&] { switches()->GetVirtualSwitches(); }},
         {FaultPoint::VirtualSwitchInfoRemoveDvsUplink,
-         [&] { switches()->RemoveDvsUplink("dvSwitch0", "zennic1"); }},
+         [&] { switches()->RemoveDvsUplink("xds0", "zennic1"); }},
         {FaultPoint::VirtualSwitchInfoRemoveUplink, [&] { switches()->RemoveUplink("xSwitch0", "zennic0"); }},
         {FaultPoint::VirtualSwitchInfoRemoveVirtualSwitch,
          [&] { switches()->RemoveVirtualSwitch("xSwitch0"); }},

@@ -183,7 +183,7 @@ TEST_F(NetworkTest, ConnectionPointsAndDistributedPorts) {
     EXPECT_EQ(port.GetVlanId(), 4094);
     EXPECT_THROW(port.SetVlanId(4095), HostCtlException);
     EXPECT_THROW(nics[0]->ConnectToPortGroup("No Such Group"), HostCtlException);
-    nics[0]->ConnectToDvPort("dvSwitch0", "10");
+    nics[0]->ConnectToDvPort("xds0", "10");
     EXPECT_EQ(nics[0]->GetConnectionPoint().connecteeType, CONNECTEE_DVPORT);
 }
 
@@ -203,9 +203,9 @@ TEST_F(NetworkTest, SwitchesUplinksPortGroupsAndVlans) {
     EXPECT_EQ(switches.GetPortGroupSwitch("Management Network1"), "xSwitch1");
 
     // A NIC belongs to one switch at a time.
-    EXPECT_EQ(switches.FindUplinkOwner("zennic1"), "dvSwitch0");
+    EXPECT_EQ(switches.FindUplinkOwner("zennic1"), "xds0");
     EXPECT_THROW(switches.AddUplink("xSwitch1", "zennic1"), HostCtlException);
-    switches.RemoveDvsUplink("dvSwitch0", "zennic1");
+    switches.RemoveDvsUplink("xds0", "zennic1");
     switches.AddUplink("xSwitch1", "zennic1");
     EXPECT_EQ(switches.FindUplinkOwner("zennic1"), "xSwitch1");
     EXPECT_THROW(switches.AddUplink("xSwitch1", "zennic7"), HostCtlException);

@@ -98,10 +98,10 @@ TEST(SafeModeNetworkTest, NamesAreTheFirstFreeOnesCountingFromZeroAndOne) {
             (Calls{std::string("Switch.AddVirtualSwitch ") + c.switchName + " 128",
                    std::string("Switch.AddPortGroup ") + c.switchName + " " + c.portGroup,
                    std::string("Nic.ConnectToPortGroup ") + c.portGroup,
-                   "Switch.RemoveDvsUplink dvSwitch0 zennic0",
+                   "Switch.RemoveDvsUplink xds0 zennic0",
                    std::string("Switch.AddUplink ") + c.switchName + " zennic0",
                    std::string("Switch.SetTeamingPolicy ") + c.switchName + " max 0 order zennic0",
-                   "Switch.RemoveDvsUplink dvSwitch0 zennic1",
+                   "Switch.RemoveDvsUplink xds0 zennic1",
                    std::string("Switch.AddUplink ") + c.switchName + " zennic1",
                    std::string("Switch.SetTeamingPolicy ") + c.switchName + " max 0 order zennic0 zennic1",
                    "Nic.Enable"}));
