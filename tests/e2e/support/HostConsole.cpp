@@ -122,6 +122,9 @@ pid_t HostConsole::WaitForConsole(pid_t notThis) {
     _term->WaitUntil([&] {
         for (pid_t pid : KovoTerm::ProcessTree::Descendants(_term->Pid())) {
             if (pid == notThis || KovoTerm::ProcessTree::CommandName(pid) != "kovo") continue;
+            // A child the console forked has its name until it runs its program: not a console.
+            const std::optional<pid_t> parent = KovoTerm::ProcessTree::ParentOf(pid);
+            if (parent && KovoTerm::ProcessTree::CommandName(*parent) == "kovo") continue;
             found = pid;
             return true;
         }

@@ -129,8 +129,8 @@ TEST_F(AdaptersDialogTest, OnADistributedSwitchOnlyNicsOfOtherSwitchesAsk) {
     EXPECT_EQ(own.result, 1);
     EXPECT_FALSE(own->Showed("Network Adapters: Warning"));
     // zennic2 is on the standard switch.
-    auto other = Open(Keys::kDown + Keys::kDown + " \n\t" + Keys::kEsc + Keys::kEsc, {"zennic0", "zennic1"},
-                      "xds0");
+    auto other =
+        Open(Keys::kDown + Keys::kDown + " \n\t" + Keys::kEsc + Keys::kEsc, {"zennic0", "zennic1"}, "xds0");
     EXPECT_EQ(other.result, 0);
     EXPECT_TRUE(other->Showed("Network Adapters: Warning"));
 }
