@@ -11,6 +11,7 @@
 
 #include "LabSteps.h"
 #include "ShellSteps.h"
+#include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/Ipv4Address.h"
 #include "platform/linux/NmNetwork.h"
 
@@ -112,6 +113,37 @@ TEST_F(NmNetworkLab, AKeptChangeOutlivesItsRollbackTime) {
     std::this_thread::sleep_for(5s);
     EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.42/24");
     EXPECT_EQ(ControllerOf("e0"), "xswitch0");
+}
+
+// One change at a time: a second console's change waits for the first's to be kept or undone, and a
+// checkpoint another tool made is left to that tool.
+TEST_F(NmNetworkLab, AChangeIsRefusedWhileAnotherIsOpen) {
+    std::shared_ptr<NmNetwork> other = NmNetwork::IfRunning(std::make_shared<NetlinkNetwork>(), HostFiles("/"));
+    ASSERT_NE(other, nullptr);
+    network_->OpenChange(60);
+    try {
+        other->OpenChange(60);
+        ADD_FAILURE() << "a second change was opened";
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        EXPECT_NE(std::string(e.what()).find("Another console is changing the management network"),
+                  std::string::npos)
+            << e.what();
+    }
+    network_->RollBack();
+    other->OpenChange(60);
+    EXPECT_TRUE(other->ChangeOpen());
+    other->Keep();
+
+    NetworkManagerClient client = NetworkManagerClient::Connect();
+    const std::string foreign = client.CreateCheckpoint({}, 60);
+    try {
+        network_->OpenChange(60);
+        ADD_FAILURE() << "a change was opened over another tool's checkpoint";
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        EXPECT_NE(std::string(e.what()).find("waits to be kept or undone"), std::string::npos) << e.what();
+    }
+    EXPECT_EQ(client.Checkpoints(), std::vector<std::string>{foreign});
+    client.DestroyCheckpoint(foreign);
 }
 
 TEST_F(NmNetworkLab, TheUplinkMovesToAnotherNic) {
