@@ -118,7 +118,8 @@ TEST_F(NmNetworkLab, AKeptChangeOutlivesItsRollbackTime) {
 // One change at a time: a second console's change waits for the first's to be kept or undone, and a
 // checkpoint another tool made is left to that tool.
 TEST_F(NmNetworkLab, AChangeIsRefusedWhileAnotherIsOpen) {
-    std::shared_ptr<NmNetwork> other = NmNetwork::IfRunning(std::make_shared<NetlinkNetwork>(), HostFiles("/"));
+    std::shared_ptr<NmNetwork> other =
+        NmNetwork::IfRunning(std::make_shared<NetlinkNetwork>(), HostFiles("/"));
     ASSERT_NE(other, nullptr);
     network_->OpenChange(60);
     try {

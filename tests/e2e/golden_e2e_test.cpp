@@ -1,0 +1,97 @@
+// Golden screens: each window and dialog once, whole, as the console draws it on the simulated host, with
+// every cell's style. A changed screen fails with the lines that differ; `KOVO_GOLDEN_UPDATE=1` rewrites
+// the files in tests/e2e/golden for review (see docs/TESTING.md).
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "GoldenScreen.h"
+#include "NetworkSteps.h"
+
+namespace {
+
+using namespace KovoE2e;
+
+constexpr int kRestartNetworkDowns = 3, kTestNetworkDowns = 4, kRestoreDowns = 5;
+
+struct GoldenCase {
+    const char* name;
+    int columns = 80, rows = 25;
+    // From the settled welcome screen of the default host to the screen to compare.
+    std::function<bool(HostConsole&)> reach;
+};
+
+bool Menu(HostConsole& host) {
+    return LogIn(host, "", kRootPassword);
+}
+
+bool FromMenu(HostConsole& host, int downs, const char* title) {
+    return Menu(host) && OpenFromMenu(host, downs, title);
+}
+
+bool InNetworkWindow(HostConsole& host, int downs, const char* mark) {
+    return OpenNetwork(host) && OpenFromMenu(host, downs, mark);
+}
+
+const GoldenCase kCases[] = {
+    {"welcome", 80, 25, [](HostConsole&) { return true; }},
+    {"welcome-80x24", 80, 24, [](HostConsole&) { return true; }},
+    {"welcome-132x43", 132, 43, [](HostConsole&) { return true; }},
+    {"login", 80, 25,
+     [](HostConsole& host) {
+         host.Term().Press(Key::F2);
+         return host.Term().WaitForText(kLoginTitle);
+     }},
+    {"menu", 80, 25, Menu},
+    {"menu-80x24", 80, 24, Menu},
+    {"menu-132x43", 132, 43, Menu},
+    {"network-window", 80, 25, OpenNetwork},
+    {"adapters-dialog", 80, 25,
+     [](HostConsole& host) { return InNetworkWindow(host, 0, "Select the adapters for this host's"); }},
+    {"vlan-dialog", 80, 25,
+     [](HostConsole& host) { return InNetworkWindow(host, kVlanDowns, "VLAN ID (1-4094"); }},
+    {"ipv4-dialog", 80, 25,
+     [](HostConsole& host) { return InNetworkWindow(host, kIpv4Downs, kStaticChoice); }},
+    {"ipv6-dialog", 80, 25,
+     [](HostConsole& host) { return InNetworkWindow(host, kIpv6Downs, "Static address #1"); }},
+    {"dns-dialog", 80, 25,
+     [](HostConsole& host) { return InNetworkWindow(host, kDnsDowns, "Use the following DNS server"); }},
+    {"suffixes-dialog", 80, 25,
+     [](HostConsole& host) { return InNetworkWindow(host, kSuffixDowns, "Use spaces or commas"); }},
+    {"restart-network-dialog", 80, 25,
+     [](HostConsole& host) {
+         return FromMenu(host, kRestartNetworkDowns, "Restart management network now?");
+     }},
+    {"test-network-dialog", 80, 25,
+     [](HostConsole& host) { return FromMenu(host, kTestNetworkDowns, "Ping Address #1"); }},
+    {"restore-window", 80, 25,
+     [](HostConsole& host) { return FromMenu(host, kRestoreDowns, "Restore Network Settings"); }},
+    {"troubleshooting-window", 80, 25,
+     [](HostConsole& host) { return FromMenu(host, kTroubleshootingDowns, kTroubleshootingTitle); }},
+};
+
+class GoldenScreens : public ::testing::TestWithParam<GoldenCase> {};
+
+TEST_P(GoldenScreens, AreDrawnAsReviewed) {
+    const GoldenCase& screen = GetParam();
+    ConsoleStart start;
+    start.columns = screen.columns;
+    start.rows = screen.rows;
+    auto host = MakeHost("default", {}, start);
+    ASSERT_TRUE(host->Term().WaitForText(kWelcomeKeys) && host->Term().WaitForQuiet(500ms))
+        << host->Term().Dump();
+    ASSERT_TRUE(screen.reach(*host)) << host->Term().Dump();
+    ASSERT_TRUE(host->Term().WaitForQuiet(500ms));
+    const std::string differences = CompareWithGolden(host->Term().Screen(), screen.name);
+    EXPECT_EQ(differences, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Default, GoldenScreens, ::testing::ValuesIn(kCases),
+                         [](const ::testing::TestParamInfo<GoldenCase>& info) {
+                             std::string name = info.param.name;
+                             std::erase(name, '-');
+                             return name;
+                         });
+
+}  // namespace
