@@ -34,6 +34,14 @@ bool InNetworkWindow(HostConsole& host, int downs, const char* mark) {
     return OpenNetwork(host) && OpenFromMenu(host, downs, mark);
 }
 
+bool InTroubleshooting(HostConsole& host, int downs, const char* mark) {
+    return FromMenu(host, kTroubleshootingDowns, kTroubleshootingTitle) && OpenFromMenu(host, downs, mark);
+}
+
+bool InRestoreWindow(HostConsole& host, int downs, const char* mark) {
+    return FromMenu(host, kRestoreDowns, "Restore Network Settings") && OpenFromMenu(host, downs, mark);
+}
+
 const GoldenCase kCases[] = {
     {"welcome", 80, 25, [](HostConsole&) { return true; }},
     {"welcome-80x24", 80, 24, [](HostConsole&) { return true; }},
@@ -69,6 +77,21 @@ const GoldenCase kCases[] = {
      [](HostConsole& host) { return FromMenu(host, kRestoreDowns, "Restore Network Settings"); }},
     {"troubleshooting-window", 80, 25,
      [](HostConsole& host) { return FromMenu(host, kTroubleshootingDowns, kTroubleshootingTitle); }},
+    {"shell-timeout-dialog", 80, 25,
+     [](HostConsole& host) { return InTroubleshooting(host, 2, "Availability timeout"); }},
+    {"kovo-timeout-dialog", 80, 25,
+     [](HostConsole& host) { return InTroubleshooting(host, 3, "KOVO idle timeout"); }},
+    {"restart-agents-dialog", 80, 25,
+     [](HostConsole& host) { return InTroubleshooting(host, 4, "Restart management agents now?"); }},
+    {"restore-network-dialog", 80, 25,
+     [](HostConsole& host) { return InRestoreWindow(host, 0, "Restore Network Factory Settings"); }},
+    {"password-dialog", 80, 25, [](HostConsole& host) { return FromMenu(host, 0, "New Password:"); }},
+    {"lockdown-dialog", 80, 25,
+     [](HostConsole& host) { return FromMenu(host, kLockdownDowns, "Enable lockdown mode"); }},
+    {"system-logs", 80, 25, [](HostConsole& host) { return FromMenu(host, kSystemLogsDowns, "<1> Syslog"); }},
+    {"reset-dialog", 80, 25,
+     [](HostConsole& host) { return FromMenu(host, kResetDowns, "Reset System Configuration now?"); }},
+    {"shutdown-dialog", 80, 25, OpenShutdown},
 };
 
 class GoldenScreens : public ::testing::TestWithParam<GoldenCase> {};
