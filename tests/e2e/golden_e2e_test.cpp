@@ -18,8 +18,9 @@ constexpr int kRestartNetworkDowns = 3, kTestNetworkDowns = 4, kRestoreDowns = 5
 struct GoldenCase {
     const char* name;
     int columns = 80, rows = 25;
-    // From the settled welcome screen of the default host to the screen to compare.
+    // From the settled welcome screen to the screen to compare.
     std::function<bool(HostConsole&)> reach;
+    const char* scenario = "default";
 };
 
 bool Menu(HostConsole& host) {
@@ -92,6 +93,35 @@ const GoldenCase kCases[] = {
     {"reset-dialog", 80, 25,
      [](HostConsole& host) { return FromMenu(host, kResetDowns, "Reset System Configuration now?"); }},
     {"shutdown-dialog", 80, 25, OpenShutdown},
+    {"network-confirm", 80, 25,
+     [](HostConsole& host) {
+         if (!InNetworkWindow(host, kVlanDowns, "VLAN ID (1-4094")) return false;
+         host.Term().Type("20");
+         if (!host.Term().WaitForText("[ 20")) return false;
+         host.Term().Press(Key::Enter);
+         if (!host.Term().WaitForTextGone("VLAN ID (1-4094") || !host.Term().WaitForQuiet(300ms))
+             return false;
+         host.Term().Press(Key::Escape);
+         return host.Term().WaitForText(kConfirmTitle);
+     }},
+    {"restore-window-dvs", 80, 25,
+     [](HostConsole& host) { return FromMenu(host, kRestoreDowns, "Restore xDS"); }, "dvs"},
+    {"safe-mode-dialog", 80, 25,
+     [](HostConsole& host) {
+         return InRestoreWindow(host, 1, "Move the management network onto a standard switch?");
+     },
+     "dvs"},
+    {"restore-dvs-dialog", 80, 25,
+     [](HostConsole& host) {
+         return InRestoreWindow(host, 2, "Enter the properties for new xDS host local port");
+     },
+     "dvs-host-local-ports"},
+    {"login-disabled", 80, 25,
+     [](HostConsole& host) {
+         host.Term().Press(Key::F2);
+         return host.Term().WaitForText("Direct console access has been disabled");
+     },
+     "login-disabled"},
 };
 
 class GoldenScreens : public ::testing::TestWithParam<GoldenCase> {};
@@ -101,7 +131,7 @@ TEST_P(GoldenScreens, AreDrawnAsReviewed) {
     ConsoleStart start;
     start.columns = screen.columns;
     start.rows = screen.rows;
-    auto host = MakeHost("default", {}, start);
+    auto host = MakeHost(screen.scenario, {}, start);
     ASSERT_TRUE(host->Term().WaitForText(kWelcomeKeys) && host->Term().WaitForQuiet(500ms))
         << host->Term().Dump();
     ASSERT_TRUE(screen.reach(*host)) << host->Term().Dump();
