@@ -116,6 +116,31 @@ const GoldenCase kCases[] = {
          return InRestoreWindow(host, 2, "Enter the properties for new xDS host local port");
      },
      "dvs-host-local-ports"},
+    {"adapter-details", 80, 25,
+     [](HostConsole& host) {
+         if (!InNetworkWindow(host, 0, "Select the adapters for this host's")) return false;
+         host.Term().Type("d");
+         return host.Term().WaitForText("Adapter Details");
+     }},
+    {"running-vms-warning", 80, 25,
+     [](HostConsole& host) {
+         if (!InRestoreWindow(host, 0, "Restore Network Factory Settings")) return false;
+         host.Term().Press(Key::F11);
+         return host.Term().WaitForText("Host has VMs running.");
+     }},
+    {"restart-network-done", 80, 25,
+     [](HostConsole& host) {
+         if (!FromMenu(host, kRestartNetworkDowns, "Restart management network now?")) return false;
+         host.Term().Press(Key::F11);
+         return host.Term().WaitForText("<Enter> OK") &&
+                host.Term().WaitForText("Starting management network.");
+     }},
+    {"dvs-uplinks-chooser", 80, 25,
+     [](HostConsole& host) {
+         return InRestoreWindow(host, 2, "Enter the properties for new xDS host local port") &&
+                OpenFromMenu(host, 2, "Select the xDS Uplinks (one or more)");
+     },
+     "dvs-host-local-ports"},
     {"login-disabled", 80, 25,
      [](HostConsole& host) {
          host.Term().Press(Key::F2);
