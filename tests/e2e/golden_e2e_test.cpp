@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <ostream>
 #include <string>
 
 #include "GoldenScreen.h"
@@ -22,6 +23,11 @@ struct GoldenCase {
     std::function<bool(HostConsole&)> reach;
     const char* scenario = "default";
 };
+
+// A failure names the screen rather than the case's bytes.
+void PrintTo(const GoldenCase& screen, std::ostream* out) {
+    *out << screen.name;
+}
 
 bool Menu(HostConsole& host) {
     return LogIn(host, "", kRootPassword);
@@ -141,6 +147,12 @@ const GoldenCase kCases[] = {
                 OpenFromMenu(host, 2, "Select the xDS Uplinks (one or more)");
      },
      "dvs-host-local-ports"},
+    {"support-information", 80, 25,
+     [](HostConsole& host) {
+         if (!Menu(host)) return false;
+         Press(host, Key::Down, kSystemLogsDowns + 1);
+         return host.Term().WaitForText("Page 1 of 3");
+     }},
     {"login-disabled", 80, 25,
      [](HostConsole& host) {
          host.Term().Press(Key::F2);
