@@ -153,6 +153,15 @@ const GoldenCase kCases[] = {
          Press(host, Key::Down, kSystemLogsDowns + 1);
          return host.Term().WaitForText("Page 1 of 3");
      }},
+    {"invalid-address-message", 80, 25,
+     [](HostConsole& host) {
+         if (!FromMenu(host, kTestNetworkDowns, "Ping Address #1")) return false;
+         Press(host, Key::Down);
+         host.Term().Type("1.2.3");
+         if (!host.Term().WaitForText("[ 1.2.3")) return false;
+         host.Term().Press(Key::Enter);
+         return host.Term().WaitForText("Invalid IP or IPv6 address.");
+     }},
     {"login-disabled", 80, 25,
      [](HostConsole& host) {
          host.Term().Press(Key::F2);
