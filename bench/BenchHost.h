@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 
+#include "Settled.h"
 #include "TermSession.h"
 
 namespace KovoBench {
@@ -52,29 +53,6 @@ inline bool LogInToMenu(KovoTerm::TermSession& session) {
     session.Type(kRootPassword);
     session.Press(Key::Enter);
     return session.WaitForText("System Customization") && session.WaitForQuiet(300ms);
-}
-
-// The moment the console wrote its last byte before staying silent for `quiet` with `shown` on the
-// screen, output before `since` not counted; nullopt when that did not come within the harness's
-// deadline. Each read is stamped as it arrives, so the quiet period itself is not part of the result.
-inline std::optional<KovoTerm::TermSession::Clock::time_point> SettledAt(
-    KovoTerm::TermSession& session, const KovoTerm::TermSession::ScreenPredicate& shown,
-    KovoTerm::TermSession::Millis quiet, KovoTerm::TermSession::Clock::time_point since) {
-    using Clock = KovoTerm::TermSession::Clock;
-    std::size_t seen = session.Output().size();
-    Clock::time_point last = since;
-    const bool settled = session.WaitUntil(
-        [&] {
-            const auto now = Clock::now();
-            if (session.Output().size() != seen) {
-                seen = session.Output().size();
-                last = now;
-            }
-            return now - last >= quiet && shown(session.Screen());
-        },
-        KovoTerm::TermSession::kDefaultDeadline, 5ms);
-    if (!settled) return std::nullopt;
-    return last;
 }
 
 }  // namespace KovoBench

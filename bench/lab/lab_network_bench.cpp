@@ -8,10 +8,10 @@
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
-#include <optional>
 #include <string>
 
 #include "LabConsole.h"
+#include "Settled.h"
 
 namespace {
 
@@ -23,26 +23,6 @@ constexpr TermSession::Millis kQuiet = 200ms;
 
 double Seconds(Clock::duration span) {
     return std::chrono::duration<double>(span).count();
-}
-
-// The moment the last byte before `shown` held arrived, output before `since` not counted; with a quiet
-// period, only once the screen then stayed silent that long.
-std::optional<Clock::time_point> ShownAt(TermSession& term, const TermSession::ScreenPredicate& shown,
-                                         TermSession::Millis quiet, Clock::time_point since) {
-    std::size_t seen = term.Output().size();
-    Clock::time_point last = since;
-    const bool done = term.WaitUntil(
-        [&] {
-            const auto now = Clock::now();
-            if (term.Output().size() != seen) {
-                seen = term.Output().size();
-                last = now;
-            }
-            return now - last >= quiet && shown(term.Screen());
-        },
-        120s, 2ms);
-    if (!done) return std::nullopt;
-    return last;
 }
 
 KovoTerm::SpawnOptions Console() {
@@ -66,9 +46,9 @@ void BM_LabNetworkWindowOpen(benchmark::State& state) {
     for (auto _ : state) {
         const auto start = Clock::now();
         term.Press(Key::Enter);
-        const auto settled = ShownAt(
+        const auto settled = KovoBench::SettledAt(
             term, [](const VirtualTerminal& screen) { return screen.Contains(KovoE2e::kWindowMark); }, kQuiet,
-            start);
+            start, 120s);
         if (!settled) return state.SkipWithError("the network window did not settle");
         state.SetIterationTime(Seconds(*settled - start));
 
@@ -103,8 +83,9 @@ void BM_LabStaticChangeToKeepQuestion(benchmark::State& state) {
 
         const auto start = Clock::now();
         term.Type("y");
-        const auto shown = ShownAt(
-            term, [](const VirtualTerminal& screen) { return screen.Contains(kKeepQuestion); }, 0ms, start);
+        const auto shown = KovoBench::SettledAt(
+            term, [](const VirtualTerminal& screen) { return screen.Contains(kKeepQuestion); }, 0ms, start,
+            120s);
         if (!shown) return state.SkipWithError("the question to keep the change did not come");
         state.SetIterationTime(Seconds(*shown - start));
 

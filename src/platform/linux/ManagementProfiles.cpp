@@ -105,7 +105,8 @@ void RenderIp(const ManagementNetwork& network, Value& settings) {
         }
     }
     // The service takes name servers and search domains only on a family that has addresses.
-    const bool hasIpv4 = !ip.GetIpv4UseNone(), hasIpv6 = ipv6["method"] != Text("link-local");
+    const bool hasIpv4 = !ip.GetIpv4UseNone();
+    const bool hasIpv6 = ip.GetUseIpv6RouterAdvertised() || ip.GetUseIpv6Dhcp() || !statics.empty();
     if (!servers4.empty() && !hasIpv4)
         throw HostCtl::Lib::HostCtlException(
             "IPv4 name servers need an IPv4 address on the management interface");
