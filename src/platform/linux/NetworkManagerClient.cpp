@@ -20,8 +20,10 @@ constexpr const char* kActive = "org.freedesktop.NetworkManager.Connection.Activ
 constexpr const char* kIp4Config = "org.freedesktop.NetworkManager.IP4Config";
 constexpr const char* kIp6Config = "org.freedesktop.NetworkManager.IP6Config";
 
-// Settings.AddConnection2 and Connection.Update2: kept on disk.
-constexpr uint32_t kToDisk = 0x1;
+// Settings.AddConnection2 and Connection.Update2: kept on disk, and not brought up by the service on its
+// own as it is saved. A profile saved half-way through a change would otherwise start before the rest of
+// it is written, and before the caller activates the whole.
+constexpr uint32_t kToDisk = 0x1, kBlockAutoconnect = 0x20;
 // CheckpointCreate: the devices' own profiles are deleted on rollback when they were made after it.
 constexpr uint32_t kDeleteNewConnections = 0x2, kDisconnectNewDevices = 0x4;
 
@@ -178,12 +180,12 @@ NmIpConfig NetworkManagerClient::IpConfig(const std::string& path, int family) {
 
 std::string NetworkManagerClient::AddProfile(const Value& settings) {
     const Value reply = Call(kSettingsPath, kSettings, "AddConnection2", "a{sa{sv}}ua{sv}",
-                             Value::array({settings, kToDisk, Value::object()}));
+                             Value::array({settings, kToDisk | kBlockAutoconnect, Value::object()}));
     return reply.at(0).get<std::string>();
 }
 
 void NetworkManagerClient::UpdateProfile(const std::string& path, const Value& settings) {
-    Call(path, kConnection, "Update2", "a{sa{sv}}ua{sv}", Value::array({settings, kToDisk, Value::object()}));
+    Call(path, kConnection, "Update2", "a{sa{sv}}ua{sv}", Value::array({settings, kToDisk | kBlockAutoconnect, Value::object()}));
 }
 
 void NetworkManagerClient::DeleteProfile(const std::string& path) {
