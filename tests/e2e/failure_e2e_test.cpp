@@ -9,8 +9,6 @@ using namespace KovoE2e;
 
 namespace {
 
-constexpr const char* kKeyboardDialogText = "If you are having difficulty";
-
 // On a black-and-white terminal an active dialog body is plain; a greyed one is in standout.
 bool LoginBodyActive(const KovoTerm::VirtualTerminal& screen) {
     int row = 0, column = 0;

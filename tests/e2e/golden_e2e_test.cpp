@@ -22,6 +22,8 @@ struct GoldenCase {
     // From the settled welcome screen to the screen to compare.
     std::function<bool(HostConsole&)> reach;
     const char* scenario = "default";
+    // The machine's own keyboard (a local xterm) rather than a remote session: the keyboard entries show.
+    const char* term = nullptr;
 };
 
 // A failure names the screen rather than the case's bytes.
@@ -168,6 +170,88 @@ const GoldenCase kCases[] = {
          return host.Term().WaitForText("Direct console access has been disabled");
      },
      "login-disabled"},
+    {"keyboard-dialog", 80, 25,
+     [](HostConsole& host) { return FromMenu(host, kKeyboardDowns, kKeyboardDialogText); }, "default",
+     "xterm"},
+    {"login-at-the-keyboard", 80, 25,
+     [](HostConsole& host) {
+         host.Term().Press(Key::F2);
+         return host.Term().WaitForText("Configured Keyboard");
+     },
+     "default", "xterm"},
+    {"keyboard-from-login", 80, 25,
+     [](HostConsole& host) {
+         host.Term().Press(Key::F2);
+         // The keyboard line has the focus first.
+         if (!host.Term().WaitForText("Configured Keyboard") || !host.Term().WaitForQuiet(300ms))
+             return false;
+         host.Term().Press(Key::Enter);
+         return host.Term().WaitForText(kKeyboardDialogText);
+     },
+     "default", "xterm"},
+    {"same-password-warning", 80, 25,
+     [](HostConsole& host) {
+         if (!FromMenu(host, 0, "New Password:")) return false;
+         for (int field = 0; field < 3; ++field) {
+             host.Term().Type(kRootPassword);
+             host.Term().Press(Key::Enter);
+         }
+         return host.Term().WaitForText("New password is same as old password. Are you sure?") &&
+                host.Term().WaitForText("<Enter> Confirm");
+     }},
+    {"used-adapters-warning", 80, 25,
+     [](HostConsole& host) {
+         if (!InNetworkWindow(host, 0, "Select the adapters for this host's")) return false;
+         Press(host, Key::Down, 2);
+         host.Term().Type(" ");
+         if (!host.Term().WaitForQuiet(200ms)) return false;
+         host.Term().Press(Key::Enter);
+         return host.Term().WaitForText("Remove these adapters from their current connections?");
+     },
+     "crowded-switches"},
+    {"reboot-question", 80, 25,
+     [](HostConsole& host) {
+         if (!InNetworkWindow(host, kIpv6Downs, "Set static IPv6 address")) return false;
+         Press(host, Key::Up);
+         host.Term().Type(" ");
+         if (!host.Term().WaitForQuiet(200ms)) return false;
+         host.Term().Press(Key::Enter);
+         if (!host.Term().WaitForTextGone("Set static IPv6 address") || !host.Term().WaitForQuiet(300ms))
+             return false;
+         host.Term().Press(Key::Escape);
+         return host.Term().WaitForText(kRebootQuestion);
+     }},
+    {"dvs-uplinks-warning", 80, 25,
+     [](HostConsole& host) {
+         // The uplink chosen for the operator taken out again, then Enter on the blocked setting's box.
+         if (!InRestoreWindow(host, 2, "Enter the properties for new xDS host local port") ||
+             !OpenFromMenu(host, 2, "Select the xDS Uplinks (one or more)"))
+             return false;
+         host.Term().Type(" ");
+         if (!host.Term().WaitForText("[ ] zennic0")) return false;
+         host.Term().Press(Key::Enter);
+         if (!host.Term().WaitForTextGone("Select the xDS Uplinks (one or more)")) return false;
+         Press(host, Key::Up);
+         host.Term().Press(Key::Enter);
+         return host.Term().WaitForText("No uplinks were selected.");
+     },
+     "dvs-host-local-ports"},
+    {"test-network-results", 80, 25,
+     [](HostConsole& host) {
+         if (!FromMenu(host, kTestNetworkDowns, "Ping Address #1")) return false;
+         host.Term().Press(Key::Enter);
+         return host.Term().WaitForText("Testing Management Network") &&
+                host.Term().WaitForText("Resolving hostname") && host.Term().WaitForText("<Enter> OK", 30s);
+     }},
+    {"restore-network-done", 80, 25,
+     [](HostConsole& host) {
+         if (!InRestoreWindow(host, 0, "Restore Network Factory Settings")) return false;
+         host.Term().Press(Key::F11);
+         if (!host.Term().WaitForText("Host has VMs running.") || !host.Term().WaitForQuiet(200ms))
+             return false;
+         host.Term().Press(Key::Enter);
+         return host.Term().WaitForText("Auto-configuring network. Done.", 30s);
+     }},
 };
 
 class GoldenScreens : public ::testing::TestWithParam<GoldenCase> {};
@@ -177,6 +261,7 @@ TEST_P(GoldenScreens, AreDrawnAsReviewed) {
     ConsoleStart start;
     start.columns = screen.columns;
     start.rows = screen.rows;
+    if (screen.term) start.term = screen.term;
     auto host = MakeHost(screen.scenario, {}, start);
     ASSERT_TRUE(host->Term().WaitForText(kWelcomeKeys) && host->Term().WaitForQuiet(500ms))
         << host->Term().Dump();

@@ -8,12 +8,6 @@ using namespace KovoE2e;
 
 namespace {
 
-// From Configure Password: Lockdown, Configure Management Network, Restart, Test, Network Restore
-// Options, then Configure Keyboard (blank lines are skipped).
-constexpr int kKeyboardDowns = 6;
-// The dialog's own text (the menu shows another description of the entry).
-constexpr const char* kKeyboardDialogText = "If you are having difficulty";
-
 TEST(Keyboard, EnterWithoutMovingReappliesTheCurrentLayoutAndLogs) {
     ConsoleStart start;
     start.term = "xterm";  // no remote session: the operator sits at the keyboard

@@ -185,7 +185,8 @@ std::string NetworkManagerClient::AddProfile(const Value& settings) {
 }
 
 void NetworkManagerClient::UpdateProfile(const std::string& path, const Value& settings) {
-    Call(path, kConnection, "Update2", "a{sa{sv}}ua{sv}", Value::array({settings, kToDisk | kBlockAutoconnect, Value::object()}));
+    Call(path, kConnection, "Update2", "a{sa{sv}}ua{sv}",
+         Value::array({settings, kToDisk | kBlockAutoconnect, Value::object()}));
 }
 
 void NetworkManagerClient::DeleteProfile(const std::string& path) {

@@ -36,6 +36,10 @@ inline constexpr int kTroubleshootingDowns = 6;
 inline constexpr int kResetDowns = 9;
 // Entries below Configure Password down to View System Logs (blank lines are skipped).
 inline constexpr int kSystemLogsDowns = 7;
+// At the machine's own keyboard the menu has Configure Keyboard after Network Restore Options.
+inline constexpr int kKeyboardDowns = 6;
+// The keyboard dialog's own text (the menu shows another description of the entry).
+inline constexpr const char* kKeyboardDialogText = "If you are having difficulty";
 inline constexpr const char* kPagerPrompt = "<Q> Quit </> RegExp Search <H> Help";
 
 // JSON pointer and JSON value pairs.
