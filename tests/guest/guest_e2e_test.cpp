@@ -301,16 +301,61 @@ TEST_F(DebianGuest, TheLocalShellAndItsIdleTimeOutAreTheHostsOwn) {
     EXPECT_TRUE(term.WaitFor(MenuShown, 30s)) << term.Dump();
 }
 
-// The guest runs no hypervisor, so it has none of the agents a restart would stop and start: the
-// dialog says so at each step instead of claiming them done.
-TEST_F(DebianGuest, RestartingAgentsTheHostDoesNotRunSaysSo) {
+// A machine of the guest's hypervisor service: a container sharing the guest's files, whose init says in
+// /var/lib/kovo-test/NAME that it runs, and that it stopped when asked to (SIGTERM, or a request on its
+// init's control pipe, as the service asks a SysV init). Its /run is its own, so the pipe is too.
+constexpr const char* kMachineInit = R"(#!/bin/sh
+stop() { echo stopped >"/var/lib/kovo-test/$1"; exit 0; }
+trap 'stop "$1"' TERM
+echo running >"/var/lib/kovo-test/$1"
+rm -f /run/initctl && mkfifo /run/initctl
+while :; do
+  head -c 1 /run/initctl >/dev/null &
+  wait $! && stop "$1"
+done
+)";
+constexpr const char* kMachineDomain = R"(<domain type='lxc'>
+  <name>NAME</name>
+  <memory unit='MiB'>32</memory>
+  <os><type>exe</type><init>/usr/local/sbin/kovo-test-machine</init><initarg>NAME</initarg></os>
+  <devices>
+    <filesystem type='ram' accessmode='passthrough'><source usage='8' units='MiB'/><target dir='/run'/></filesystem>
+    <console type='pty'/>
+  </devices>
+</domain>
+)";
+constexpr const char* kContainers = "lxc:///system";
+
+// Starts machine `name`; true once its init has said it runs.
+bool StartMachine(Guest& guest, const std::string& name) {
+    const std::string domain = std::regex_replace(kMachineDomain, std::regex("NAME"), name);
+    const Result started =
+        guest.Exec({"sh", "-c",
+                    "mkdir -p /var/lib/kovo-test && rm -f /var/lib/kovo-test/\"$3\" && printf '%s' \"$1\" "
+                    ">/usr/local/sbin/kovo-test-machine && chmod +x /usr/local/sbin/kovo-test-machine && "
+                    "printf '%s' \"$2\" >/tmp/machine.xml && virsh -q -c \"$4\" create /tmp/machine.xml",
+                    "_", kMachineInit, domain, name, kContainers});
+    if (started.status != 0) {
+        std::fprintf(stderr, "machine %s: %s\n", name.c_str(), started.out.c_str());
+        return false;
+    }
+    for (int tries = 0; tries < 30; ++tries) {
+        if (Trim(guest.Shell("cat /var/lib/kovo-test/" + name + " 2>/dev/null")) == "running") return true;
+        std::this_thread::sleep_for(1s);
+    }
+    return false;
+}
+
+// Both agents restarted for real, each stop and start waited for; the machines they serve run on.
+TEST_F(DebianGuest, RestartingAgentsRestartsTheHypervisorServiceAndItsMachinesRunOn) {
     auto& term = Term();
+    ASSERT_TRUE(StartMachine(*guest, "web1"));
+    const std::string invocation = "systemctl show -p InvocationID --value ";
+    const std::string daemonBefore = Trim(guest->Shell(invocation + "libvirtd.service"));
+    const std::string logBefore = Trim(guest->Shell(invocation + "virtlogd.service"));
     if (!MenuShown(term.Screen())) {
         ASSERT_TRUE(Driver().LogIn(password)) << term.Dump();
     }
-    ASSERT_EQ(
-        Trim(guest->Shell("systemctl list-unit-files --no-legend libvirtd.service virtlogd.service | wc -l")),
-        "0");
     ASSERT_TRUE(Driver().Select("Troubleshooting Options")) << term.Dump();
     term.Press(Key::Enter);
     ASSERT_TRUE(term.WaitForText("Troubleshooting Mode Options", 30s) && term.WaitForQuiet(500ms, 30s))
@@ -320,11 +365,13 @@ TEST_F(DebianGuest, RestartingAgentsTheHostDoesNotRunSaysSo) {
     ASSERT_TRUE(term.WaitForText("Restart management agents now?", 30s) && term.WaitForQuiet(500ms, 30s))
         << term.Dump();
     term.Press(Key::F11);
-    ASSERT_TRUE(term.WaitForText("Starting management agents. This host has no management agents", 120s))
-        << term.Dump();
-    EXPECT_TRUE(term.Screen().Contains("Stopping management agents. This host has no management agents"))
-        << term.Dump();
-    EXPECT_FALSE(term.Screen().Contains("Done.")) << term.Dump();
+    ASSERT_TRUE(term.WaitForText("Starting management agents. Done.", 120s)) << term.Dump();
+    EXPECT_TRUE(term.Screen().Contains("Stopping management agents. Done.")) << term.Dump();
+    EXPECT_EQ(Trim(guest->Shell("systemctl is-active libvirtd.service virtlogd.service")), "active\nactive");
+    EXPECT_NE(Trim(guest->Shell(invocation + "libvirtd.service")), daemonBefore);
+    EXPECT_NE(Trim(guest->Shell(invocation + "virtlogd.service")), logBefore);
+    EXPECT_EQ(Trim(guest->Shell(std::string("virsh -c ") + kContainers + " domstate web1")), "running");
+    EXPECT_EQ(Trim(guest->Shell("cat /var/lib/kovo-test/web1")), "running");
     term.Press(Key::Enter);
     // The window discards keys typed while it comes back: let it settle first.
     ASSERT_TRUE(term.WaitForTextGone("Restart management agents now?", 30s) && term.WaitForQuiet(500ms, 30s))
@@ -530,8 +577,23 @@ TEST_F(DebianGuest, AVlanCarriesTheManagementAddressTagged) {
               0);
 }
 
-TEST_F(DebianGuest, RestartBootsTheHostAndTheConsoleComesBack) {
+// The running machines are asked to shut down, and have, before the host restarts. This guest's machines
+// are containers: the console's unit is told so through libvirt's own variable.
+TEST_F(DebianGuest, RestartShutsTheMachinesDownBootsTheHostAndTheConsoleComesBack) {
     auto& term = Term();
+    const size_t restarted = term.Output().size();
+    ASSERT_EQ(
+        guest
+            ->Exec({"sh", "-c",
+                    "mkdir -p /etc/systemd/system/kovo@.service.d && printf "
+                    "'[Service]\\nEnvironment=LIBVIRT_DEFAULT_URI=%s\\n' \"$1\" "
+                    ">/etc/systemd/system/kovo@.service.d/containers.conf && systemctl daemon-reload && "
+                    "systemctl restart kovo@ttyS0.service",
+                    "_", kContainers})
+            .status,
+        0);
+    ASSERT_TRUE(ConsoleBack(restarted)) << term.Dump();
+    ASSERT_TRUE(StartMachine(*guest, "web2"));
     const std::string boot = Trim(guest->Shell("cat /proc/sys/kernel/random/boot_id"));
     ASSERT_TRUE(Driver().OpenLogin(Key::F12)) << term.Dump();
     Driver().Submit(password);
@@ -548,6 +610,7 @@ TEST_F(DebianGuest, RestartBootsTheHostAndTheConsoleComesBack) {
         now = r.status == 0 ? Trim(r.out) : "";
     }
     ASSERT_NE(now, boot) << term.Dump();
+    EXPECT_EQ(Trim(guest->Shell("cat /var/lib/kovo-test/web2")), "stopped");
     EXPECT_TRUE(ConsoleBack(before)) << term.Dump();
 }
 
