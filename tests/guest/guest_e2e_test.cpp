@@ -575,6 +575,13 @@ TEST_F(DebianGuest, AVlanCarriesTheManagementAddressTagged) {
     // From the segment's side, the address answers.
     EXPECT_EQ(guest->Vm("lab", {"--", "ping", "-c", "1", "-W", "5", "-I", "sw20", "192.168.20.50"}).status,
               0);
+    // From the untagged LAN, a neighbour of the same subnet gets no answer: the replies go out tagged.
+    const Result offIt = guest->Vm(
+        "lab", {"--", "sh", "-c",
+                "ip addr add 192.168.20.9/24 dev lab0 && ping -c 2 -W 2 -I lab0 192.168.20.50; status=$?; "
+                "ip addr del 192.168.20.9/24 dev lab0; exit $status"});
+    EXPECT_NE(offIt.status, 0) << offIt.out;
+    EXPECT_NE(offIt.out.find("0 received"), std::string::npos) << offIt.out;
 }
 
 // The running machines are asked to shut down, and have, before the host restarts. This guest's machines
