@@ -2,13 +2,12 @@
 // Esc during a test, and a hosts file that stays whole whatever happens to the console meanwhile.
 #include <gtest/gtest.h>
 
-#include <dirent.h>
 #include <signal.h>
 
-#include <fstream>
 #include <functional>
 
 #include "NetworkSteps.h"
+#include "ProcessTree.h"
 
 namespace {
 
@@ -65,16 +64,12 @@ bool RunToEnd(HostConsole& host) {
 
 // Whether a ping of `address` is still running on the machine (the host's processes are visible here).
 bool PingRunning(const std::string& address) {
-    DIR* proc = opendir("/proc");
-    bool found = false;
-    while (dirent* entry = proc ? readdir(proc) : nullptr) {
-        std::ifstream in(std::string("/proc/") + entry->d_name + "/cmdline", std::ios::binary);
-        const std::string line((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    for (pid_t pid : KovoTerm::ProcessTree::All()) {
+        const std::string line = KovoTerm::ProcessTree::CommandLine(pid);
         if (line.find("zenkping") != std::string::npos && line.find(address) != std::string::npos)
-            found = true;
+            return true;
     }
-    if (proc) closedir(proc);
-    return found;
+    return false;
 }
 
 TEST(NetworkCheck, DefaultHostPingsAndResolvesWhatItShows) {

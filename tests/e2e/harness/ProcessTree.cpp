@@ -20,15 +20,8 @@ std::string ReadFile(const std::string& path) {
 
 std::map<pid_t, pid_t> ParentMap() {
     std::map<pid_t, pid_t> parents;
-    DIR* proc = opendir("/proc");
-    if (!proc) return parents;
-    while (dirent* entry = readdir(proc)) {
-        char* end = nullptr;
-        long pid = std::strtol(entry->d_name, &end, 10);
-        if (*end != '\0' || pid <= 0) continue;
-        if (auto parent = ProcessTree::ParentOf(pid_t(pid))) parents[pid_t(pid)] = *parent;
-    }
-    closedir(proc);
+    for (pid_t pid : ProcessTree::All())
+        if (auto parent = ProcessTree::ParentOf(pid)) parents[pid] = *parent;
     return parents;
 }
 
@@ -67,6 +60,24 @@ std::optional<std::string> ProcessTree::CommandName(pid_t pid) {
     if (comm.empty()) return std::nullopt;
     if (comm.back() == '\n') comm.pop_back();
     return comm;
+}
+
+std::string ProcessTree::CommandLine(pid_t pid) {
+    // A process may end while it is read: what it had by then, or nothing, never an exception.
+    return ReadFile("/proc/" + std::to_string(pid) + "/cmdline");
+}
+
+std::vector<pid_t> ProcessTree::All() {
+    std::vector<pid_t> pids;
+    DIR* proc = opendir("/proc");
+    if (!proc) return pids;
+    while (dirent* entry = readdir(proc)) {
+        char* end = nullptr;
+        const long pid = std::strtol(entry->d_name, &end, 10);
+        if (*end == '\0' && pid > 0) pids.push_back(pid_t(pid));
+    }
+    closedir(proc);
+    return pids;
 }
 
 std::vector<pid_t> ProcessTree::Descendants(pid_t root) {

@@ -18,6 +18,10 @@ class ProcessTree {
     // The first process below `root` whose command name (comm) is `name`; 0 when none.
     static pid_t FindDescendant(pid_t root, std::string_view name);
     static std::optional<std::string> CommandName(pid_t pid);
+    // Its arguments, each ended by a NUL; empty once the process has gone (or for a kernel thread).
+    static std::string CommandLine(pid_t pid);
+    // Every process on the machine, whoever started it.
+    static std::vector<pid_t> All();
     static std::optional<pid_t> ParentOf(pid_t pid);
     // A "Name:   value kB" line of /proc/<pid>/status, e.g. "VmHWM" (peak resident set); in kB.
     static std::optional<long> StatusKb(pid_t pid, std::string_view field);
