@@ -70,27 +70,26 @@ TEST(HostNetworkTest, ASilentNameServerAnswersButTheNameServerNeverListensThere)
 }
 
 TEST(HostNetworkTest, TheManagementAddressIsTheOneTheInterfaceRuns) {
-    auto store = [](const std::string& nics) {
-        return json::parse(R"({"network": {"zenkNics": )" + nics + "}}");
+    const std::pair<const char*, const char*> cases[] = {
+        // The running state wins over the configuration: a lease taken, or a change not yet worked out.
+        {R"([{"management": true, "ipConfig": {"ipv4": {"mode": "dhcp"}},
+              "running": {"ipv4": {"address": "10.20.30.77"}}}])",
+         "10.20.30.77"},
+        {R"([{"management": true, "ipConfig": {"ipv4": {"mode": "static", "address": "10.0.0.1"}},
+              "running": {"ipv4": {"address": "0.0.0.0"}}}])",
+         ""},
+        // No running state yet: a static address is what will run, a DHCP interface has none.
+        {R"([{"ipConfig": {"ipv4": {"mode": "static", "address": "10.0.0.1"}}}])", "10.0.0.1"},
+        {R"([{"ipConfig": {"ipv4": {"mode": "dhcp", "address": "10.0.0.1"}}}])", ""},
+        {R"([{"running": {"ipv4": {"address": "not-an-address"}}}])", ""},
+        {R"(["not an interface"])", ""},
+        {"{}", ""},
     };
-    // The running state wins over the configuration: a lease taken, or a change not yet worked out.
-    EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"([{"management": true,
-        "ipConfig": {"ipv4": {"mode": "dhcp"}}, "running": {"ipv4": {"address": "10.20.30.77"}}}])")),
-              "10.20.30.77");
-    EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"([{"management": true,
-        "ipConfig": {"ipv4": {"mode": "static", "address": "10.0.0.1"}}, "running": {"ipv4": {"address": "0.0.0.0"}}}])")),
-              "");
-    // No running state yet: a static address is what will run, a DHCP interface has none.
-    EXPECT_EQ(HostNetwork::ManagementIpv4(
-                  store(R"([{"ipConfig": {"ipv4": {"mode": "static", "address": "10.0.0.1"}}}])")),
-              "10.0.0.1");
-    EXPECT_EQ(HostNetwork::ManagementIpv4(
-                  store(R"([{"ipConfig": {"ipv4": {"mode": "dhcp", "address": "10.0.0.1"}}}])")),
-              "");
-    EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"([{"running": {"ipv4": {"address": "not-an-address"}}}])")),
-              "");
-    EXPECT_EQ(HostNetwork::ManagementIpv4(store(R"(["not an interface"])")), "");
-    EXPECT_EQ(HostNetwork::ManagementIpv4(store("{}")), "");
+    for (const auto& [nics, address] : cases)
+        EXPECT_EQ(HostNetwork::ManagementIpv4(
+                      json::parse(R"({"network": {"zenkNics": )" + std::string(nics) + "}}")),
+                  address)
+            << nics;
 }
 
 TEST(HostNetworkTest, DnsAnswersTheHostsNameAndTheScenariosNames) {

@@ -9,18 +9,16 @@ constexpr uint64_t kPage = 4096;
 constexpr uint64_t kMiB = 1048576;
 constexpr uint64_t kGiB = 1024 * kMiB;
 
-TEST(HostValues, MemoryIsRoundedUpToAQuarterGiBAndTruncatedToTenths) {
-    EXPECT_EQ(FormatMemory(8 * kGiB / kPage, kPage), "8 GB");
-    EXPECT_EQ(FormatMemory(8 * kGiB / kPage + 1, kPage), "8.2 GB");
-    EXPECT_EQ(FormatMemory(900 * kMiB / kPage, kPage), "1 GB");
-    EXPECT_EQ(FormatMemory(7 * kGiB / kPage + 3 * kGiB / 4 / kPage, kPage), "7.7 GB");
-}
-
-TEST(HostValues, MemoryUnitClimbsToTerabytesAndBelowAGigabyteStaysInMegabytes) {
-    EXPECT_EQ(FormatMemory(256 * kMiB / kPage, kPage), "256 MB");
-    EXPECT_EQ(FormatMemory(1, kPage), "256 MB");
-    EXPECT_EQ(FormatMemory(1536 * kGiB / kPage, kPage), "1.5 TB");
-    EXPECT_EQ(FormatMemory(0, kPage), "0 MB");
+// Rounded up to a quarter GiB and cut to tenths; below a gigabyte in megabytes, above a thousand in
+// terabytes.
+TEST(HostValues, MemoryIsRoundedUpToAQuarterGiBAndShownInItsUnit) {
+    const std::pair<uint64_t, const char*> cases[] = {
+        {8 * kGiB, "8 GB"},      {8 * kGiB + kPage, "8.2 GB"},
+        {900 * kMiB, "1 GB"},    {7 * kGiB + 3 * kGiB / 4, "7.7 GB"},
+        {256 * kMiB, "256 MB"},  {kPage, "256 MB"},
+        {1536 * kGiB, "1.5 TB"}, {0, "0 MB"},
+    };
+    for (const auto& [bytes, shown] : cases) EXPECT_EQ(FormatMemory(bytes / kPage, kPage), shown) << bytes;
 }
 
 }  // namespace

@@ -55,27 +55,40 @@ class ItemListTest : public OffscreenCurses {
     std::vector<std::unique_ptr<LabelItem>> _items;
 };
 
-TEST_F(ItemListTest, FirstSelectionSkipsDisabledAndCountsThem) {
-    Make(4, {1}, {0});
-    EXPECT_EQ(Index(), 2);
-    EXPECT_EQ(_list->GetSelected(), 1);  // the disabled selectable item before it counts
-    EXPECT_EQ(_list->GetSelectedItem(), _items[2].get());
-    _list->Down();
-    EXPECT_EQ(_list->GetSelected(), 2);
-    _list->Up();
-    EXPECT_EQ(Index(), 2);  // nothing enabled above: no move, no change of ordinal
-    EXPECT_EQ(_list->GetSelected(), 1);
-}
-
-TEST_F(ItemListTest, NeverWrapsAtEitherEnd) {
-    Make(3);
-    _list->Up();
-    EXPECT_EQ(_list->GetSelected(), 0);
-    _list->Down();
-    _list->Down();
-    _list->Down();
-    EXPECT_EQ(Index(), 2);
-    EXPECT_EQ(_list->GetSelected(), 2);
+// The selection walks over disabled items and labels, never wraps, and counts its ordinal among the
+// selectable items, disabled ones included.
+TEST_F(ItemListTest, TheSelectionSkipsWhatCannotBeChosenAndNeverWraps) {
+    const struct {
+        const char* what;
+        int count;
+        std::vector<int> disabled, labels;
+        const char* keys;  // U up, D down, a digit selects that ordinal
+        int index, ordinal;
+    } walks[] = {
+        {"first selection after a label and before a disabled item", 4, {1}, {0}, "", 2, 1},
+        {"down counts the disabled item passed", 4, {1}, {0}, "D", 3, 2},
+        {"nothing enabled above", 4, {1}, {0}, "DUU", 2, 1},
+        {"no wrap at the top", 3, {}, {}, "U", 0, 0},
+        {"no wrap at the bottom", 3, {}, {}, "DDD", 2, 2},
+        {"both ways over disabled items and a label", 5, {1, 3}, {2}, "D", 4, 3},
+        {"and back", 5, {1, 3}, {2}, "DU", 0, 0},
+        {"an ordinal counts disabled items", 5, {1}, {0}, "2", 3, 2},
+        {"no such ordinal: unchanged", 5, {1}, {0}, "29", 3, 2},
+    };
+    for (const auto& walk : walks) {
+        Make(walk.count, walk.disabled, walk.labels);
+        for (const char* key = walk.keys; *key; ++key) {
+            if (*key == 'U')
+                _list->Up();
+            else if (*key == 'D')
+                _list->Down();
+            else
+                _list->Select(*key - '0');
+        }
+        EXPECT_EQ(Index(), walk.index) << walk.what;
+        EXPECT_EQ(_list->GetSelected(), walk.ordinal) << walk.what;
+    }
+    EXPECT_EQ(_list->GetSelectedItem(), _items[3].get());
 }
 
 TEST_F(ItemListTest, AllDisabledKeepsTheSelectionWhereItWas) {
@@ -88,25 +101,6 @@ TEST_F(ItemListTest, AllDisabledKeepsTheSelectionWhereItWas) {
     _list->Up();
     EXPECT_EQ(Index(), 1);
     EXPECT_EQ(_list->GetSelected(), 1);
-}
-
-TEST_F(ItemListTest, SkipsDisabledItemsBothWays) {
-    Make(5, {1, 3}, {2});
-    _list->Down();
-    EXPECT_EQ(Index(), 4);
-    EXPECT_EQ(_list->GetSelected(), 3);  // selectables 1 and 3 passed, the label not counted
-    _list->Up();
-    EXPECT_EQ(Index(), 0);
-    EXPECT_EQ(_list->GetSelected(), 0);
-}
-
-TEST_F(ItemListTest, SelectByOrdinalCountsDisabledItems) {
-    Make(5, {1}, {0});
-    _list->Select(2);
-    EXPECT_EQ(Index(), 3);
-    EXPECT_EQ(_list->GetSelected(), 2);
-    _list->Select(9);  // no such choice: unchanged
-    EXPECT_EQ(Index(), 3);
 }
 
 TEST_F(ItemListTest, ScrollsAndMovesTheThumb) {

@@ -102,32 +102,6 @@ TEST_F(TextAreaTest, AppendBuildsOnTheKeptText) {
     EXPECT_EQ(_area->Text(), "");
 }
 
-TEST_F(TextAreaTest, KnowsEveryHostValueByName) {
-    const char* names[] = {"ip",
-                           "ssl-thumbprint",
-                           "ssh-dsa-fingerprint",
-                           "ssh-rsa-fingerprint",
-                           "serial-number",
-                           "hostname",
-                           "qorproduct",
-                           "qorversion",
-                           "supportstart",
-                           "supportperiod",
-                           "memory",
-                           "servicetag",
-                           "assettag",
-                           "BIOSversion",
-                           "BMCversion",
-                           "CPLDversion",
-                           "PLSAversion"};
-    EXPECT_EQ(_area->Variables().size(), std::size(names));
-    for (const char* name : names) EXPECT_EQ(_area->Variables().count(name), 1u) << name;
-    _area->SetText("{supportstart}|{supportperiod}|{CPLDversion}");
-    EXPECT_EQ(Row(Area(), 0), "N/A|N/A|N/A         ");
-    EXPECT_EQ(_area->Colors().at("dark-grey"), 6);
-    EXPECT_EQ(_area->Colors().at("light-grey"), 2);
-}
-
 TEST_F(TextAreaTest, BlackAndWhiteUsesStandoutOnDarkBackgrounds) {
     bwColor = true;
     _area->SetText("{bgcolor:black}ab{/bgcolor}cd{bgcolor:dark-grey}e{bgcolor:light-grey}f");

@@ -4,20 +4,16 @@
 //   append PATH TEXT          append TEXT and a newline to PATH
 //   pidfile                   write the own pid to /var/run/kovo.pid
 //   report FILE               write facts about the environment it runs in, one "key=value" a line
-//   send SOCKET TEXT          send TEXT as one datagram to a Unix datagram socket
 //   wait                      exit 0 on SIGINT or SIGTERM, as the real console does; wait for them
 //   exit N                    exit with status N
 #include <signal.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <sys/sysmacros.h>
-#include <sys/un.h>
 #include <syslog.h>
 #include <unistd.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -34,18 +30,10 @@ std::string FsType(const char* path) {
     return "other";
 }
 
-void Report(const std::string& file, int argc, char** argv) {
+void Report(const std::string& file) {
     std::ofstream out(file);
     out << "pid=" << ::getpid() << "\n";
     out << "uid=" << ::getuid() << "\n";
-    out << "args=";
-    for (int i = 1; i < argc; ++i) out << (i > 1 ? " " : "") << argv[i];
-    out << "\n";
-    const char* probe = std::getenv("SIM_TEST_PROBE");
-    out << "probe=" << (probe ? probe : "(unset)") << "\n";
-    const char* term = std::getenv("TERM");
-    out << "term=" << (term ? term : "(unset)") << "\n";
-    out << "isatty=" << ::isatty(0) << ::isatty(1) << "\n";
     for (const char* path :
          {"/run", "/var/run", "/etc", "/usr/bin", "/usr/sbin", "/usr/lib", "/var/log", "/dev"})
         out << "fs:" << path << "=" << FsType(path) << "\n";
@@ -86,23 +74,10 @@ int main(int argc, char** argv) {
         } else if (action == "append") {
             const std::string path = next();
             std::ofstream(path, std::ios::app) << next() << "\n";
-        } else if (action == "send") {
-            const std::string path = next();
-            const std::string text = next();
-            struct sockaddr_un address {};
-            address.sun_family = AF_UNIX;
-            std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
-            const int fd = ::socket(AF_UNIX, SOCK_DGRAM, 0);
-            if (fd < 0 || ::sendto(fd, text.data(), text.size(), 0, reinterpret_cast<sockaddr*>(&address),
-                                   sizeof address) != static_cast<ssize_t>(text.size())) {
-                std::perror("send");
-                return 101;
-            }
-            ::close(fd);
         } else if (action == "pidfile") {
             std::ofstream("/var/run/kovo.pid", std::ios::trunc) << ::getpid();
         } else if (action == "report") {
-            Report(next(), argc, argv);
+            Report(next());
         } else if (action == "wait") {
             ::signal(SIGINT, ExitZero);
             ::signal(SIGTERM, ExitZero);

@@ -17,8 +17,6 @@
 #include <stdexcept>
 #include <thread>
 
-extern char** environ;
-
 namespace KovoSim::Test {
 namespace {
 
@@ -30,8 +28,7 @@ int StatusOf(int status) {
     return -1;
 }
 
-[[noreturn]] void ExecWith(const std::vector<std::string>& argv, const std::vector<std::string>& env) {
-    for (const auto& entry : env) ::putenv(const_cast<char*>(entry.c_str()));
+[[noreturn]] void Exec(const std::vector<std::string>& argv) {
     std::vector<char*> args;
     for (const auto& arg : argv) args.push_back(const_cast<char*>(arg.c_str()));
     args.push_back(nullptr);
@@ -61,7 +58,7 @@ RunResult RunProgram(const std::vector<std::string>& argv, const RunOptions& opt
             if (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(options.uid) != 0)
                 _exit(126);
         }
-        ExecWith(argv, options.env);
+        Exec(argv);
     }
     ::close(out[1]);
     ::close(err[1]);
@@ -90,13 +87,13 @@ RunResult RunProgram(const std::vector<std::string>& argv, const RunOptions& opt
     return result;
 }
 
-PtyProcess::PtyProcess(const std::vector<std::string>& argv, const std::vector<std::string>& env) {
+PtyProcess::PtyProcess(const std::vector<std::string>& argv) {
     struct winsize size {};
     size.ws_row = 24;
     size.ws_col = 80;
     _pid = ::forkpty(&_master, nullptr, nullptr, &size);
     if (_pid < 0) throw std::runtime_error("forkpty");
-    if (_pid == 0) ExecWith(argv, env);
+    if (_pid == 0) Exec(argv);
     ::fcntl(_master, F_SETFD, FD_CLOEXEC);
 }
 

@@ -16,7 +16,6 @@ struct RunResult {
     std::string err;
 };
 struct RunOptions {
-    std::vector<std::string> env;        // extra NAME=VALUE entries on top of ours
     uid_t uid = static_cast<uid_t>(-1);  // run as this user (and its group 65534) when set
 };
 RunResult RunProgram(const std::vector<std::string>& argv, const RunOptions& options = {});
@@ -28,7 +27,7 @@ RunResult RunInHost(const std::string& launcher, const std::string& hostDir,
 // foreground process group, so the terminal's Ctrl-C reaches the whole group).
 class PtyProcess {
   public:
-    PtyProcess(const std::vector<std::string>& argv, const std::vector<std::string>& env = {});
+    explicit PtyProcess(const std::vector<std::string>& argv);
     ~PtyProcess();
     PtyProcess(const PtyProcess&) = delete;
     PtyProcess& operator=(const PtyProcess&) = delete;
