@@ -303,11 +303,15 @@ TEST_F(DebianGuest, TheLocalShellAndItsIdleTimeOutAreTheHostsOwn) {
 
 // A machine of the guest's hypervisor service: a container sharing the guest's files, whose init says in
 // /var/lib/kovo-test/NAME that it runs, and that it stopped when asked to (SIGTERM, or a request on its
-// init's control pipe, as the service asks a SysV init). Its /run is its own, so the pipe is too.
+// init's control pipe, as the service asks a SysV init). Its /run is its own, so the pipe is too. With
+// "ignores" after its name it takes no request at all: an init without a handler never sees SIGTERM.
 constexpr const char* kMachineInit = R"(#!/bin/sh
+echo running >"/var/lib/kovo-test/$1"
+if [ "$2" = ignores ]; then
+  while :; do sleep 1; done
+fi
 stop() { echo stopped >"/var/lib/kovo-test/$1"; exit 0; }
 trap 'stop "$1"' TERM
-echo running >"/var/lib/kovo-test/$1"
 rm -f /run/initctl && mkfifo /run/initctl
 while :; do
   head -c 1 /run/initctl >/dev/null &
@@ -317,7 +321,7 @@ done
 constexpr const char* kMachineDomain = R"(<domain type='lxc'>
   <name>NAME</name>
   <memory unit='MiB'>32</memory>
-  <os><type>exe</type><init>/usr/local/sbin/kovo-test-machine</init><initarg>NAME</initarg></os>
+  <os><type>exe</type><init>/usr/local/sbin/kovo-test-machine</init><initarg>NAME</initarg><initarg>MODE</initarg></os>
   <devices>
     <filesystem type='ram' accessmode='passthrough'><source usage='8' units='MiB'/><target dir='/run'/></filesystem>
     <console type='pty'/>
@@ -327,8 +331,10 @@ constexpr const char* kMachineDomain = R"(<domain type='lxc'>
 constexpr const char* kContainers = "lxc:///system";
 
 // Starts machine `name`; true once its init has said it runs.
-bool StartMachine(Guest& guest, const std::string& name) {
-    const std::string domain = std::regex_replace(kMachineDomain, std::regex("NAME"), name);
+bool StartMachine(Guest& guest, const std::string& name, bool answers = true) {
+    const std::string domain =
+        std::regex_replace(std::regex_replace(kMachineDomain, std::regex("NAME"), name), std::regex("MODE"),
+                           answers ? "answers" : "ignores");
     const Result started =
         guest.Exec({"sh", "-c",
                     "mkdir -p /var/lib/kovo-test && rm -f /var/lib/kovo-test/\"$3\" && printf '%s' \"$1\" "
@@ -378,6 +384,25 @@ TEST_F(DebianGuest, RestartingAgentsRestartsTheHypervisorServiceAndItsMachinesRu
         << term.Dump();
     term.Press(Key::Escape);
     EXPECT_TRUE(term.WaitFor(MenuShown, 30s)) << term.Dump();
+}
+
+// A machine that takes no shut-down request: asked, it runs on; forced (what the power dialog's box asks
+// for), the host tool switches it off at once.
+TEST_F(DebianGuest, AForcedShutDownSwitchesOffAMachineThatIgnoresTheRequest) {
+    ASSERT_TRUE(StartMachine(*guest, "db1", false));
+    const std::string tool =
+        std::string("LIBVIRT_DEFAULT_URI=") + kContainers + " /usr/libexec/kovo/kovo-host ";
+    const std::string state = std::string("virsh -c ") + kContainers + " domstate db1 2>/dev/null";
+    ASSERT_EQ(guest->Exec({"sh", "-c", tool + "vms running"}).status, 0);
+    // Asked through the service, with no waiting: the request is made and the machine still runs.
+    ASSERT_EQ(guest->Exec({"sh", "-c", std::string("virsh -c ") + kContainers + " shutdown db1"}).status, 0);
+    std::this_thread::sleep_for(3s);
+    EXPECT_EQ(Trim(guest->Shell(state)), "running");
+    const Result forced = guest->Exec({"sh", "-c", tool + "vms shutdown --force"});
+    EXPECT_EQ(forced.status, 0) << forced.out;
+    EXPECT_EQ(Trim(guest->Shell(state)), "");
+    // Nothing runs any more (the host tool says so with status 3).
+    EXPECT_EQ(guest->Exec({"sh", "-c", tool + "vms running"}).status, 3);
 }
 
 TEST_F(DebianGuest, TheSystemLogIsTheJournalInThePager) {

@@ -73,19 +73,16 @@ int VirtualMachines::ShutDown(bool force, int graceSeconds) const {
     {
         Domains domains;
         Running(connection.get(), domains);
-        // A machine that ignores the request (no guest agent, no ACPI) is left to the wait below.
-        for (int i = 0; i < domains.count; ++i) virDomainShutdown(domains.list[i]);
+        // Forced, a machine is switched off as it is; asked, one that ignores the request (no guest agent,
+        // no ACPI) is left to the wait below.
+        for (int i = 0; i < domains.count; ++i)
+            force ? virDomainDestroy(domains.list[i]) : virDomainShutdown(domains.list[i]);
     }
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(graceSeconds);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(force ? 0 : graceSeconds);
     for (;;) {
         Domains domains;
-        if (Running(connection.get(), domains) == 0) return 0;
-        if (std::chrono::steady_clock::now() >= deadline) {
-            if (!force) return domains.count;
-            for (int i = 0; i < domains.count; ++i) virDomainDestroy(domains.list[i]);
-            Domains left;
-            return Running(connection.get(), left);
-        }
+        if (Running(connection.get(), domains) == 0 || std::chrono::steady_clock::now() >= deadline)
+            return domains.count;
         std::this_thread::sleep_for(std::chrono::milliseconds(500));
     }
 }

@@ -14,7 +14,7 @@ class VirtualMachines {
     // HostCtl::Lib::HostCtlException when the service is there but does not answer.
     int CountRunning() const;
     // Asks every running machine to shut down and waits up to `graceSeconds` for them; with `force`,
-    // those still running then are switched off. Returns how many still run.
+    // switches them off at once instead. Returns how many still run.
     int ShutDown(bool force, int graceSeconds) const;
 
   private:
