@@ -167,6 +167,34 @@ TEST_F(NmNetworkLab, TheUplinkMovesToAnotherNic) {
     EXPECT_EQ(Output("ping -c 1 -W 5 -I xswitch0 192.168.88.1 >/dev/null && echo answers"), "answers");
 }
 
+// A NIC another tool configures (as ifupdown does, the service told to leave it alone) cannot become a
+// port of the bridge: a change is refused in words before anything is touched, and the host keeps its
+// address.
+TEST_F(NmNetworkLab, AManagementNicTheServiceLeavesAloneIsRefusedInWordsAndKeepsItsAddress) {
+    Output("nmcli device set e0 managed no");
+    ASSERT_TRUE(
+        WaitFor([] { return Output("nmcli -g GENERAL.STATE device show e0").rfind("10 ", 0) == 0; }, 10s));
+    const std::string address = KernelIpv4("e0");
+    ASSERT_TRUE(IsLease(address)) << address;
+    EXPECT_EQ(network_->ManagementInterface(), "e0");
+    const std::vector<std::function<void()>> changes = {[&] { network_->OpenChange(60); },
+                                                        [&] { network_->Store(Static("192.168.88.45")); }};
+    for (const auto& change : changes) {
+        try {
+            change();
+            ADD_FAILURE() << "a change of a NIC the service does not manage went ahead";
+        } catch (const HostCtl::Lib::HostCtlException& e) {
+            EXPECT_NE(std::string(e.what()).find("The network service does not manage e0"), std::string::npos)
+                << e.what();
+        }
+    }
+    EXPECT_FALSE(network_->ChangeOpen());
+    EXPECT_EQ(KernelIpv4("e0"), address);
+    EXPECT_EQ(ControllerOf("e0"), "");
+    EXPECT_EQ(Output("nmcli -g NAME connection show"), "Wired e0");
+    EXPECT_EQ(NetworkManagerClient::Connect().Checkpoints(), std::vector<std::string>{});
+}
+
 // A checkpoint does not cover the host's name and name table: the rollback puts them back itself.
 TEST_F(NmNetworkLab, ARollBackPutsTheHostNameAndTheNameTableBack) {
     const std::string name = Output("hostname"), table = Output("cat /etc/hosts");

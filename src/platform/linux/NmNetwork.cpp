@@ -165,7 +165,20 @@ ManagementNetwork NmNetwork::Management() {
     return network;
 }
 
+void NmNetwork::RefuseUnmanagedManagement() {
+    if (ConsoleMade()) return;
+    const std::string interface = ManagementInterface();
+    for (const NmDevice& device : _client.Devices())
+        if (device.interface == interface && device.state == NmDevice::kUnmanaged)
+            throw HostCtl::Lib::HostCtlException(
+                "The network service does not manage " + interface +
+                ", which holds the management address: another tool configures it (see "
+                "/etc/network/interfaces). Hand it to the network service, then change the management "
+                "network here");
+}
+
 void NmNetwork::Store(const ManagementNetwork& network) {
+    if (!ChangeOpen()) RefuseUnmanagedManagement();
     const std::vector<NmProfile> profiles = _client.Profiles();
     std::map<std::string, const NmProfile*> own;
     for (const NmProfile& profile : profiles)
@@ -288,6 +301,7 @@ void NmNetwork::ReleaseChangeRecord() {
 }
 
 void NmNetwork::OpenChange(int rollbackSeconds) {
+    RefuseUnmanagedManagement();
     ClaimChangeRecord();
     try {
         // Every device: a change may take NICs from anywhere, and make bridges and bonds that did not exist.

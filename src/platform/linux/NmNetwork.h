@@ -69,6 +69,10 @@ class NmNetwork {
     HostNames& Names() { return _names; }
 
   private:
+    // Throws, before anything is touched, when the management address sits on a NIC the service leaves to
+    // another tool (ifupdown's /etc/network/interfaces, or one set unmanaged): the service cannot make it
+    // a port of the bridge, so a change would fail half-way.
+    void RefuseUnmanagedManagement();
     // Holds the host's change record, after rolling back what a console that ended left in it.
     void ClaimChangeRecord();
     void ReleaseChangeRecord();
