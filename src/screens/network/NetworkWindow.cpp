@@ -1,6 +1,7 @@
 #include "network/NetworkWindow.h"
 
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "frames/MessageDialog.h"
 #include "network/AdaptersDialog.h"
 #include "network/ApplyChangesDialog.h"
@@ -9,7 +10,6 @@
 #include "network/IPConfigurationDialog.h"
 #include "network/IPv6ConfigurationDialog.h"
 #include "network/ManagementSwitch.h"
-#include "network/NetworkLog.h"
 #include "network/SuffixesDialog.h"
 #include "network/VlanDialog.h"
 #include "platform/hostctl/HostCtlException.h"

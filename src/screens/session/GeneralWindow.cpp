@@ -8,8 +8,8 @@
 
 #include "access/ChangePasswordDialog.h"
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "frames/MessageDialog.h"
-#include "network/NetworkLog.h"
 #include "network/NetworkWindow.h"
 #include "network/TestDialog.h"
 #include "platform/hostctl/AdvancedOption.h"
