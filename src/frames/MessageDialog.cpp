@@ -1,6 +1,7 @@
 #include "frames/MessageDialog.h"
 
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "terminal/Keys.h"
 #include "text/StringFactory.h"
 
@@ -22,6 +23,16 @@ bool MessageDialog::OnKey(int key) {
     // The line feed alone: a report is acknowledged with the Enter key and nothing else.
     if (key == kEnter) Close(1);
     return true;
+}
+
+void ReportFailure(Frame* parent, const std::string& logLine, unsigned titleId, unsigned messageId) {
+    LogError(logLine);
+    MessageDialog(parent, titleId, messageId).RunModal();
+}
+
+void ReportFailure(Frame* parent, const std::string& logLine, unsigned titleId, const std::string& message) {
+    LogError(logLine);
+    MessageDialog(parent, titleId, message).RunModal();
 }
 
 }  // namespace Kovo

@@ -16,4 +16,9 @@ class MessageDialog : public Dialog {
     bool OnKey(int key) override;
 };
 
+// A failure the operator must hear of: the line goes to the log as an error, then the message shows over
+// `parent` until Enter. One path for both, so the log and the screen always tell the same failure.
+void ReportFailure(Frame* parent, const std::string& logLine, unsigned titleId, unsigned messageId);
+void ReportFailure(Frame* parent, const std::string& logLine, unsigned titleId, const std::string& message);
+
 }  // namespace Kovo

@@ -4,8 +4,8 @@
 #include <map>
 
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "network/AdapterInfoDialog.h"
-#include "network/NetworkLog.h"
 #include "network/UsedAdaptersDialog.h"
 #include "platform/hostctl/NetworkInfo.h"
 #include "platform/hostctl/Pnic.h"

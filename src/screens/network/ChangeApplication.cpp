@@ -4,10 +4,10 @@
 
 #include "frames/Frame.h"
 #include "frames/HostAccess.h"
+#include "frames/Log.h"
 #include "frames/MessageDialog.h"
 #include "network/ChangeConfirmation.h"
 #include "network/ManagementSwitch.h"
-#include "network/NetworkLog.h"
 #include "network/PendingNetwork.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/Ipv4Address.h"

@@ -1,8 +1,8 @@
 #include "network/ChangeConfirmation.h"
 
+#include "frames/Log.h"
 #include "frames/MessageDialog.h"
 #include "network/KeepNetworkDialog.h"
-#include "network/NetworkLog.h"
 #include "network/TestDialog.h"
 #include "text/StringFactory.h"
 

@@ -9,7 +9,7 @@
 #include <cstring>
 #include <system_error>
 
-#include "network/NetworkLog.h"
+#include "frames/Log.h"
 #include "platform/hostctl/WholeFile.h"
 
 namespace Kovo {

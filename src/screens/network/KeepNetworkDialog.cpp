@@ -1,7 +1,7 @@
 #include "network/KeepNetworkDialog.h"
 
 #include "frames/Footers.h"
-#include "network/NetworkLog.h"
+#include "frames/Log.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/NetworkInfo.h"
 #include "terminal/Colors.h"

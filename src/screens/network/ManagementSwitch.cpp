@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "frames/HostAccess.h"
-#include "network/NetworkLog.h"
+#include "frames/Log.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/NicTeamingPolicy.h"
 #include "platform/hostctl/VirtualSwitchInfo.h"

@@ -11,9 +11,9 @@
 #include <system_error>
 #include <thread>
 
+#include "frames/Log.h"
 #include "network/HostsFileBackup.h"
 #include "network/LinkLocal.h"
-#include "network/NetworkLog.h"
 #include "platform/hostctl/Ipv6Address.h"
 #include "platform/hostctl/ShellWords.h"
 

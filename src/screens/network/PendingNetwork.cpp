@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "frames/HostAccess.h"
+#include "frames/Log.h"
 #include "network/ManagementSwitch.h"
-#include "network/NetworkLog.h"
 
 namespace Kovo {
 

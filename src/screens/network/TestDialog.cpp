@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "frames/MessageDialog.h"
-#include "network/NetworkLog.h"
 #include "network/RunTestDialog.h"
 #include "platform/hostctl/DnsConfig.h"
 #include "platform/hostctl/Ipv4Address.h"

@@ -1,7 +1,7 @@
 #include "recovery/DoRestartNetworkDialog.h"
 
 #include "frames/Footers.h"
-#include "network/NetworkLog.h"
+#include "frames/Log.h"
 #include "platform/hostctl/IpConfig.h"
 #include "platform/hostctl/ZenkNic.h"
 #include "terminal/Colors.h"

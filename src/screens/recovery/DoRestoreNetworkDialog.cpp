@@ -1,8 +1,8 @@
 #include "recovery/DoRestoreNetworkDialog.h"
 
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "network/ChangeConfirmation.h"
-#include "network/NetworkLog.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/NetworkInfo.h"
 #include "platform/hostctl/ResourceInfo.h"

@@ -1,7 +1,13 @@
 #include "recovery/RestartNetworkDialog.h"
 
+#include <exception>
+#include <string>
+
 #include "frames/Footers.h"
+#include "frames/MessageDialog.h"
+#include "platform/hostctl/ZenkNic.h"
 #include "recovery/DoRestartNetworkDialog.h"
+#include "system/MenuFacts.h"
 #include "terminal/Colors.h"
 #include "terminal/Keys.h"
 #include "text/StringFactory.h"
@@ -11,6 +17,7 @@ namespace Kovo {
 
 namespace {
 constexpr unsigned kTitle = 122, kWarning = 123, kQuestion = 124;
+constexpr unsigned kError = 16, kNoManagementInterface = 19, kOperationFailed = 20;
 }  // namespace
 
 RestartNetworkDialog::RestartNetworkDialog(Frame* parent, HostCtl::Network::ZenkNic& nic, HostAccess& host)
@@ -27,6 +34,23 @@ bool RestartNetworkDialog::OnKey(int key) {
     }
     // Esc is the only other key that means anything.
     return key != kEsc;
+}
+
+bool RestartNetworkDialog::Offer(Frame* parent, HostAccess& host) {
+    const auto nic = LookUpManagementInterface(host);
+    if (!nic) {
+        MessageDialog(parent, kError, kNoManagementInterface).RunModal();
+        return false;
+    }
+    try {
+        RestartNetworkDialog(parent, *nic, host).RunModal();
+    } catch (const std::exception& e) {
+        // The restart reports nothing itself; whatever step failed, the operator learns it here and the
+        // console stays.
+        ReportFailure(parent, std::string("Restarting the management network failed: ") + e.what(), kError,
+                      kOperationFailed);
+    }
+    return true;
 }
 
 }  // namespace Kovo

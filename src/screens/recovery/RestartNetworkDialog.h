@@ -16,6 +16,10 @@ class RestartNetworkDialog : public Dialog {
   public:
     RestartNetworkDialog(Frame* parent, HostCtl::Network::ZenkNic& nic, HostAccess& host);
 
+    // Looks the management interface up and runs the dialog for it; says so when there is none, and
+    // reports (logged, then shown) whatever step of the restart failed. False when the host has none.
+    static bool Offer(Frame* parent, HostAccess& host);
+
   protected:
     bool OnKey(int key) override;
 

@@ -4,8 +4,8 @@
 #include <boost/regex.hpp>
 
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "frames/MessageDialog.h"
-#include "network/NetworkLog.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/NetworkInfo.h"
 #include "platform/hostctl/Pnic.h"

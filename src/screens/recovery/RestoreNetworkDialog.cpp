@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "network/NetworkLog.h"
+#include "frames/Log.h"
 #include "recovery/DoRestoreNetworkDialog.h"
 #include "terminal/Colors.h"
 #include "terminal/HostEvent.h"

@@ -1,8 +1,8 @@
 #include "recovery/SafeModeNetwork.h"
 
 #include "frames/HostAccess.h"
+#include "frames/Log.h"
 #include "network/ManagementSwitch.h"
-#include "network/NetworkLog.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/NetworkInfo.h"
 #include "platform/hostctl/Portset.h"

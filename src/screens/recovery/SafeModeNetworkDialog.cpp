@@ -1,8 +1,8 @@
 #include "recovery/SafeModeNetworkDialog.h"
 
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "frames/MessageDialog.h"
-#include "network/NetworkLog.h"
 #include "recovery/SafeModeNetwork.h"
 #include "terminal/Colors.h"
 #include "terminal/Keys.h"

@@ -1,34 +1,23 @@
 #include "session/GeneralWindow.h"
 
 #include <curses.h>
-#include <syslog.h>
 
 #include <algorithm>
-#include <exception>
 
 #include "access/ChangePasswordDialog.h"
 #include "frames/Footers.h"
-#include "frames/MessageDialog.h"
-#include "network/NetworkLog.h"
+#include "frames/Log.h"
 #include "network/NetworkWindow.h"
 #include "network/TestDialog.h"
-#include "platform/hostctl/AdvancedOption.h"
 #include "platform/hostctl/HostCtlException.h"
-#include "platform/hostctl/NetworkInfo.h"
-#include "platform/hostctl/ZenkNic.h"
 #include "recovery/NetworkRestoreWindow.h"
 #include "recovery/RestartNetworkDialog.h"
 #include "system/KeyboardDialog.h"
 #include "system/LockdownDialog.h"
-#include "system/LogPager.h"
 #include "system/MenuCodes.h"
 #include "system/RestoreDialog.h"
 #include "system/TroubleShootingWindow.h"
-#include "terminal/KeyReader.h"
 #include "terminal/Keys.h"
-#include "terminal/Session.h"
-#include "text/ItemList.h"
-#include "text/LabelItem.h"
 #include "text/StringFactory.h"
 #include "text/TextArea.h"
 
@@ -36,304 +25,156 @@ namespace Kovo {
 
 namespace {
 
-enum StringId : unsigned {
-    kVersionLine = 2,
-    kMenuTitle = 4,
-    kRestartNetworkError = 16,
-    kNoManagementInterface = 19,
-    kOperationFailed = 20,
-    kPasswordHelp = 21,
-    kLockdownHelp = 22,
-    kNetworkHelp = 23,
-    kRestartNetworkHelp = 24,
-    kTestNetworkHelp = 25,
-    kRestoreHelp = 26,
-    kTroubleshootingHelp = 28,
-    kResetHelp = 29,
-    kKeyboardHelp = 32,
-    kEmptyPasswordHelp = 33,
-    kIpv4AddressLabel = 35,
-    kHostnameLabel = 40,
-    kEnabled = 113,
-    kDisabled = 114,
-};
+constexpr unsigned kVersionLine = 2, kMenuTitle = 4, kIpv4AddressLabel = 35, kHostnameLabel = 40,
+                   kEnabled = 113, kDisabled = 114;
+constexpr unsigned kPasswordHelp = 21, kLockdownHelp = 22, kNetworkHelp = 23, kRestartNetworkHelp = 24,
+                   kTestNetworkHelp = 25, kRestoreHelp = 26, kTroubleshootingHelp = 28, kResetHelp = 29,
+                   kKeyboardHelp = 32, kEmptyPasswordHelp = 33;
 
 // A host value for the detail pane; a host that cannot tell it leaves the line out.
 std::string Guarded(std::string (*read)()) {
     try {
         return read();
     } catch (const HostCtl::Lib::HostCtlException& e) {
-        syslog(LOG_ERR, "Unable to read the management network settings: %s", e.what());
+        LogFailure("Unable to read the management network settings: ", e);
         return {};
-    }
-}
-
-bool LookUpManagementInterface(HostAccess& host) {
-    try {
-        auto network = host.Network();
-        network->UpdateManagementInterface();
-        auto nic = network->GetManagementInterface();
-        const bool valid = nic && nic->IsValid();
-        GeneralWindow::_mgmtIntf = valid ? std::move(nic) : nullptr;
-        return valid;
-    } catch (const HostCtl::Lib::HostCtlException& e) {
-        syslog(LOG_ERR, "Unable to look up the management network interface: %s", e.what());
-        GeneralWindow::_mgmtIntf = nullptr;
-        return false;
     }
 }
 
 }  // namespace
 
-std::unique_ptr<HostCtl::Network::ZenkNic> GeneralWindow::_mgmtIntf;
-
-MenuFacts GeneralWindow::ReadHostFacts(HostAccess& host) {
-    MenuFacts facts;
-    facts.lockdownEnabled = host.Query("hclsvc/auth/lockdown_is_enabled");
-    facts.lockdownPossible = facts.lockdownEnabled || host.Query("hclsvc/auth/lockdown_is_possible");
-    facts.managementInterface = LookUpManagementInterface(host);
-    try {
-        facts.pxeBoot = host.UserOptions()->FindOption("PXEBootEnabled") != nullptr;
-    } catch (const HostCtl::Lib::HostCtlException& e) {
-        syslog(LOG_ERR, "Unable to read the host's boot options: %s", e.what());
-    }
-    facts.keyboard = usingKeyboard;
-    return facts;
-}
-
 GeneralWindow::GeneralWindow(Frame* parent, HostAccess& host)
-    : GeneralWindow(parent, ReadHostFacts(host), host) {}
+    : GeneralWindow(parent, MenuFacts::Read(host), host) {}
 
 GeneralWindow::GeneralWindow(Frame* parent, const MenuFacts& facts, HostAccess& host)
-    : RootWindow(parent), _host(host), _lockdownEnabled(facts.lockdownEnabled) {
-    std::vector<Item*> items;
-    for (const MenuEntry& entry : facts.Entries()) {
-        auto item = std::make_unique<LabelItem>(Strings()->GetString(entry.code), entry.selectable);
-        item->SetEnabled(entry.enabled);
-        items.push_back(item.get());
-        _items.push_back(std::move(item));
-        _codes.push_back(entry.code);
-    }
-    List()->SetItems(items);
-    LeftTitle()->SetText(Strings()->GetString(kMenuTitle));
-    LeftFooter()->SetText(Footer::kMenuSelectLogOut);
-    List()->Draw();
-    DrawDetails();
-    DrawStatusLine();
+    : MenuWindow(parent, kMenuTitle, Footer::kMenuSelectLogOut),
+      _host(host),
+      _entries(facts.Entries()),
+      _managementInterface(facts.managementInterface),
+      _lockdownEnabled(facts.lockdownEnabled) {
+    ShowRows();
 }
 
-// The list keeps pointers to the items; it goes with the window tree, after them here, but draws
-// nothing on the way.
-GeneralWindow::~GeneralWindow() = default;
+std::vector<MenuWindow::Row> GeneralWindow::Rows() {
+    std::vector<Row> rows;
+    for (const MenuEntry& entry : _entries) rows.push_back(RowFor(entry));
+    return rows;
+}
 
-unsigned GeneralWindow::SelectedCode() const {
-    const Item* selected = List()->GetSelectedItem();
-    for (std::size_t i = 0; i < _items.size(); ++i)
-        if (_items[i].get() == selected) return _codes[i];
-    return kBlankLine;
+MenuWindow::Row GeneralWindow::RowFor(const MenuEntry& entry) {
+    Row row{.id = entry.code,
+            .caption = String(entry.code),
+            .title = String(entry.code),
+            .footer = Footer::kDetailChange,
+            .selectable = entry.selectable,
+            .enabled = entry.enabled};
+    // Most entries say what they are for and open a screen over the menu.
+    auto opens = [this, &row](unsigned help, std::function<void()> open) {
+        row.detail = [this, help] { return String(help); };
+        row.open = std::move(open);
+    };
+    switch (entry.code) {
+        case kConfigurePassword:
+            row.detail = [this] {
+                return String(Frame::_isUserPasswordEmpty ? kEmptyPasswordHelp : kPasswordHelp);
+            };
+            row.open = [this] { ChangePasswordDialog(this, _host).RunModal(); };
+            break;
+        case kConfigureLockdown:
+            row.detail = [this] {
+                return "{color:white}" + String(_lockdownEnabled ? kEnabled : kDisabled) + "{/color}\n\n" +
+                       String(kLockdownHelp);
+            };
+            row.open = [this] {
+                if (LockdownDialog(this, _host).RunModal() != 0)
+                    _lockdownEnabled = _host.Query("hclsvc/auth/lockdown_is_enabled");
+            };
+            break;
+        case kConfigureNetwork:
+            row.detail = [this] { return NetworkDetails(); };
+            row.open = [this] { NetworkWindow(this, _host).RunModal(); };
+            break;
+        case kRestartNetwork:
+            opens(kRestartNetworkHelp,
+                  [this] { _managementInterface = RestartNetworkDialog::Offer(this, _host); });
+            break;
+        case kTestNetwork:
+            opens(kTestNetworkHelp, [this] { TestDialog(this, _host).RunModal(); });
+            break;
+        case kNetworkRestore:
+            opens(kRestoreHelp, [this] { NetworkRestoreWindow(this, _host).RunModal(); });
+            break;
+        case kTroubleshooting:
+            opens(kTroubleshootingHelp, [this] { TroubleShootingWindow(this, _host).RunModal(); });
+            break;
+        case kResetConfiguration:
+            opens(kResetHelp, [this] { RestoreDialog(this, _host).RunModal(); });
+            break;
+        case kConfigureKeyboard:
+            opens(kKeyboardHelp, [this] { KeyboardDialog(this, _host).RunModal(); });
+            // The keyboard dialog passes the host's failures on: the reason alone is logged and shown.
+            row.failure = "";
+            break;
+        case kViewSystemLogs:
+            row.footer.clear();
+            row.detail = [this] {
+                _logs.Refresh(_host);
+                return _logs.Details(*Strings());
+            };
+            row.keys = [this](int key) { _logs.Open(key, *this); };
+            break;
+        case kViewSupportInfo:
+            row.footer = _support.Footer(_supportPage);
+            row.detail = [this] { return _support.Compose(_supportPage, *Strings()); };
+            row.keys = [this](int key) {
+                if (_support.Turn(_supportPage, key)) UpdateDetails();
+            };
+            break;
+        default:
+            row.footer.clear();
+            break;
+    }
+    return row;
 }
 
 void GeneralWindow::DrawStatusLine() {
     // Kept as the area's text (not printed over it) so that every repaint of the area shows it again.
-    const std::string version = Strings()->GetString(kVersionLine);
+    const std::string version = String(kVersionLine);
     const int column = std::max(0, COLS / 2 - static_cast<int>(version.size()) / 2);
     StatusLine()->SetText(std::string(static_cast<std::size_t>(column), ' ') + version);
 }
 
 std::string GeneralWindow::NetworkDetails() const {
     std::string text;
-    if (_mgmtIntf) {
+    if (_managementInterface) {
         const std::string address = Guarded(&TextArea::GetIpValue);
         const std::string hostname = Guarded(&TextArea::GetHostnameValue);
         if (!address.empty())
-            text += std::string("{color:white}") + Strings()->GetString(kIpv4AddressLabel) + ":{/color}\n  " +
-                    address + "\n\n";
+            text += "{color:white}" + String(kIpv4AddressLabel) + ":{/color}\n  " + address + "\n\n";
         if (!hostname.empty())
-            text += std::string("{color:white}") + Strings()->GetString(kHostnameLabel) + ":{/color}\n  " +
-                    hostname + "\n\n";
+            text += "{color:white}" + String(kHostnameLabel) + ":{/color}\n  " + hostname + "\n\n";
     }
-    return text + Strings()->GetString(kNetworkHelp);
-}
-
-void GeneralWindow::DrawDetails() {
-    const unsigned code = SelectedCode();
-    StringFactory& strings = *Strings();
-    std::string text;
-    std::string footer = Footer::kDetailChange;
-    switch (code) {
-        case kConfigurePassword:
-            text = strings.GetString(Frame::_isUserPasswordEmpty ? kEmptyPasswordHelp : kPasswordHelp);
-            break;
-        case kConfigureLockdown:
-            text = std::string("{color:white}") + strings.GetString(_lockdownEnabled ? kEnabled : kDisabled) +
-                   "{/color}\n\n" + strings.GetString(kLockdownHelp);
-            break;
-        case kConfigureNetwork:
-            text = NetworkDetails();
-            break;
-        case kRestartNetwork:
-            text = strings.GetString(kRestartNetworkHelp);
-            break;
-        case kTestNetwork:
-            text = strings.GetString(kTestNetworkHelp);
-            break;
-        case kNetworkRestore:
-            text = strings.GetString(kRestoreHelp);
-            break;
-        case kTroubleshooting:
-            text = strings.GetString(kTroubleshootingHelp);
-            break;
-        case kResetConfiguration:
-            text = strings.GetString(kResetHelp);
-            break;
-        case kConfigureKeyboard:
-            text = strings.GetString(kKeyboardHelp);
-            break;
-        case kViewSystemLogs:
-            _logs.Refresh([this](const std::string& path) {
-                try {
-                    return _host.SystemInfo()->IsLogKept(path);
-                } catch (const HostCtl::Lib::HostCtlException&) {
-                    return false;  // a host that cannot say offers no log rather than a broken one
-                }
-            });
-            text = _logs.Details(strings);
-            footer.clear();
-            break;
-        case kViewSupportInfo:
-            text = _support.Compose(_supportPage, strings);
-            footer = _support.Footer(_supportPage);
-            break;
-        default:
-            footer.clear();
-            break;
-    }
-    RightTitle()->SetText(strings.GetString(code));
-    Details()->SetText(text);
-    RightFooter()->SetText(footer);
-}
-
-void GeneralWindow::UpdateDetails() {
-    DrawDetails();
+    return text + String(kNetworkHelp);
 }
 
 void GeneralWindow::Notification() {
-    DrawDetails();
+    UpdateDetails();
 }
 
-void GeneralWindow::Choose(unsigned code) {
-    switch (code) {
-        case kConfigurePassword:
-            ChangePasswordDialog(this, _host).RunModal();
-            // A password set where there was none changes what the pane asks for.
-            DrawDetails();
-            break;
-        case kConfigureLockdown:
-            if (LockdownDialog(this, _host).RunModal() != 0) {
-                _lockdownEnabled = _host.Query("hclsvc/auth/lockdown_is_enabled");
-                DrawDetails();
-            }
-            break;
-        case kConfigureNetwork:
-            NetworkWindow(this, _host).RunModal();
-            // The pane shows the management address, which the window may just have changed.
-            DrawDetails();
-            break;
-        case kRestartNetwork:
-            if (!LookUpManagementInterface(_host)) {
-                MessageDialog(this, kRestartNetworkError, kNoManagementInterface).RunModal();
-                break;
-            }
-            try {
-                RestartNetworkDialog(this, *_mgmtIntf, _host).RunModal();
-            } catch (const std::exception& e) {
-                // The restart reports nothing itself; whatever step failed, the operator learns it here
-                // and the console stays.
-                LogFailure("Restarting the management network failed: ", e);
-                MessageDialog(this, kRestartNetworkError, kOperationFailed).RunModal();
-            }
-            break;
-        case kTestNetwork:
-            TestDialog(this, _host).RunModal();
-            break;
-        case kNetworkRestore:
-            NetworkRestoreWindow(this, _host).RunModal();
-            // A restore may have given the management interface another address.
-            DrawDetails();
-            break;
-        case kTroubleshooting:
-            TroubleShootingWindow(this, _host).RunModal();
-            break;
-        case kResetConfiguration:
-            RestoreDialog(this, _host).RunModal();
-            break;
-        case kConfigureKeyboard:
-            try {
-                KeyboardDialog(this, _host).RunModal();
-            } catch (const HostCtl::Lib::HostCtlException& e) {
-                // The keyboard dialog passes the host's failures to its caller: report, stay in the menu.
-                syslog(LOG_ERR, "%s", e.what());
-                MessageDialog(this, kConfigureKeyboard, e.what()).RunModal();
-            }
-            break;
-        default:
-            break;
-    }
-}
-
-void GeneralWindow::OpenLog(int row) {
-    Frame::fgFrame = nullptr;
-    LogPager().Show(SystemLogs::Table()[static_cast<std::size_t>(row)].path);
-    SetActive(false);
-    SetActive(true);
-    Frame::fgFrame = this;
-    clearok(curscr, TRUE);
-    refresh();
-}
-
-bool GeneralWindow::OnKey(int key) {
-    const unsigned code = SelectedCode();
-    switch (key) {
-        case kEsc:
-            return false;
-        case KEY_DOWN:
-        case KEY_UP:
-            // Support information always opens on its first page.
-            _supportPage = 0;
-            key == KEY_DOWN ? List()->Down() : List()->Up();
-            DrawDetails();
-            return true;
-        case kEnter:
-            Choose(code);
-            DrawStatusLine();
-            return true;
-        case KEY_NPAGE:
-            if (code == kViewSupportInfo && _supportPage + 1 < _support.Count()) {
-                ++_supportPage;
-                DrawDetails();
-            }
-            return true;
-        case KEY_PPAGE:
-            if (code == kViewSupportInfo && _supportPage > 0) {
-                --_supportPage;
-                DrawDetails();
-            }
-            return true;
-        default:
-            break;
-    }
-    if (code == kViewSystemLogs && key >= '0' && key <= '9') {
-        if (auto row = SystemLogs::RowForDigit(key - '0', _logs.Available())) OpenLog(*row);
-    }
+bool GeneralWindow::Opens() {
+    DrawStatusLine();
     return true;
 }
 
-int GeneralWindow::HandleKey() {
-    List()->Draw();
-    DrawStatusLine();
-    while (OnKey(GetKey(this, true))) {
-    }
-    return 1;
+bool GeneralWindow::OnKey(int key) {
+    // The main menu takes the line feed alone as Enter.
+    if (key == KEY_ENTER) return true;
+    // Support information always opens on its first page.
+    if (key == KEY_UP || key == KEY_DOWN) _supportPage = 0;
+    const bool stays = MenuWindow::OnKey(key);
+    // The host's version line may have been unreadable until now.
+    if (key == kEnter) DrawStatusLine();
+    return stays;
 }
 
 }  // namespace Kovo

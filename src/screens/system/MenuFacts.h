@@ -1,8 +1,15 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
+namespace HostCtl::Network {
+class ZenkNic;
+}
+
 namespace Kovo {
+
+class HostAccess;
 
 // One line of the main menu: its code is also the string id of its text; code 3 is a blank line.
 struct MenuEntry {
@@ -20,8 +27,15 @@ struct MenuFacts {
     bool pxeBoot = false;
     bool keyboard = false;
 
+    // Reads the host: the lockdown queries, the management interface, the network-boot option and the
+    // keyboard.
+    static MenuFacts Read(HostAccess& host);
+
     // The entries in menu order.
     std::vector<MenuEntry> Entries() const;
 };
+
+// The host's management interface; null when it has none, or cannot tell (logged).
+std::unique_ptr<HostCtl::Network::ZenkNic> LookUpManagementInterface(HostAccess& host);
 
 }  // namespace Kovo

@@ -1,5 +1,6 @@
 #include "system/SupportPages.h"
 
+#include <curses.h>
 #include <syslog.h>
 
 #include "platform/hostctl/HostCtlException.h"
@@ -57,6 +58,18 @@ std::string SupportPages::Compose(unsigned index, const StringFactory& strings) 
 std::string SupportPages::Footer(unsigned index) const {
     return "{color:light-grey}<Page Up/Down>{/color} Page " + std::to_string(index + 1) + " of " +
            std::to_string(_pages.size());
+}
+
+bool SupportPages::Turn(unsigned& index, int key) const {
+    if (key == KEY_NPAGE && index + 1 < Count()) {
+        ++index;
+        return true;
+    }
+    if (key == KEY_PPAGE && index > 0) {
+        --index;
+        return true;
+    }
+    return false;
 }
 
 }  // namespace Kovo

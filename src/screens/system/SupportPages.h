@@ -29,6 +29,8 @@ class SupportPages {
     std::string Compose(unsigned index, const StringFactory& strings) const;
     // "Page 2 of 3" with the keys that turn pages.
     std::string Footer(unsigned index) const;
+    // Page Down and Page Up: move `index` to the next or the previous page; false when there is none.
+    bool Turn(unsigned& index, int key) const;
 
   private:
     std::vector<Page> _pages;

@@ -1,5 +1,12 @@
 #include "system/SystemLogs.h"
 
+#include <curses.h>
+
+#include "frames/Frame.h"
+#include "frames/HostAccess.h"
+#include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/SystemInfo.h"
+#include "system/LogPager.h"
 #include "text/StringFactory.h"
 
 namespace Kovo {
@@ -35,6 +42,29 @@ std::optional<int> SystemLogs::RowForDigit(int digit, const Availability& availa
 void SystemLogs::Refresh(const std::function<bool(const std::string& path)>& kept) {
     for (int row = 0; row < kCount; ++row)
         _available[static_cast<std::size_t>(row)] = kept(Table()[static_cast<std::size_t>(row)].path);
+}
+
+void SystemLogs::Refresh(HostAccess& host) {
+    Refresh([&host](const std::string& path) {
+        try {
+            return host.SystemInfo()->IsLogKept(path);
+        } catch (const HostCtl::Lib::HostCtlException&) {
+            return false;  // a host that cannot say offers no log rather than a broken one
+        }
+    });
+}
+
+void SystemLogs::Open(int key, Frame& menu) const {
+    if (key < '0' || key > '9') return;
+    const auto row = RowForDigit(key - '0', _available);
+    if (!row) return;
+    Frame::fgFrame = nullptr;
+    LogPager().Show(Table()[static_cast<std::size_t>(*row)].path);
+    menu.SetActive(false);
+    menu.SetActive(true);
+    Frame::fgFrame = &menu;
+    clearok(curscr, TRUE);
+    refresh();
 }
 
 std::string SystemLogs::Details(const StringFactory& strings) const {

@@ -7,6 +7,8 @@
 
 namespace Kovo {
 
+class Frame;
+class HostAccess;
 class StringFactory;
 
 // The host logs the menu offers for viewing, and which of them the host has right now. The digit keys
@@ -30,6 +32,10 @@ class SystemLogs {
 
     // Asks the host again which logs it keeps (by their documented paths).
     void Refresh(const std::function<bool(const std::string& path)>& kept);
+    // The same, through the host's system information; a host that cannot say offers no log.
+    void Refresh(HostAccess& host);
+    // A digit key: the log it names in the pager, then `menu` on the screen again.
+    void Open(int key, Frame& menu) const;
     void SetAvailable(const Availability& available) { _available = available; }
     const Availability& Available() const { return _available; }
 

@@ -7,6 +7,7 @@
 #include "../support/OffscreenCurses.h"
 #include "frames/Dialog.h"
 #include "frames/Frame.h"
+#include "frames/MenuWindow.h"
 #include "frames/RootWindow.h"
 #include "terminal/Colors.h"
 #include "text/ItemList.h"
@@ -239,6 +240,46 @@ TEST_F(Frames, BlackAndWhiteMenuKeepsItsSelectionThroughADialog) {
     EXPECT_EQ(AttrAt(screen, 4, 20) & A_STANDOUT, A_STANDOUT) << "the whole line, not just its text";
     EXPECT_EQ(AttrAt(screen, 5, 3) & A_STANDOUT, 0u);
     EXPECT_EQ(AttrAt(screen, 10, 1) & A_STANDOUT, 0u) << "the pane itself";
+}
+
+// A menu of numbered rows that the test adds and takes away.
+class NumberedMenu : public MenuWindow {
+  public:
+    NumberedMenu() : MenuWindow(nullptr, 4, nullptr) {}
+    void Show(std::vector<unsigned> ids) {
+        _ids = std::move(ids);
+        ShowRows();
+    }
+    using MenuWindow::List;
+
+  private:
+    std::vector<Row> Rows() override {
+        std::vector<Row> rows;
+        for (unsigned id : _ids) rows.push_back({.id = id, .caption = std::to_string(id)});
+        return rows;
+    }
+    std::vector<unsigned> _ids;
+};
+
+TEST_F(Frames, MenuSelectionStaysOnItsRowOrGoesToTheNextLeft) {
+    struct Case {
+        std::vector<unsigned> before;
+        int downs;
+        std::vector<unsigned> after;
+        unsigned selected;
+    };
+    for (const Case& c : std::vector<Case>{
+             {{1, 2, 3}, 1, {1, 3}, 3},        // gone: the row that followed it
+             {{1, 2, 3}, 2, {1, 2}, 2},        // gone, the last: the one before it
+             {{1, 2, 3}, 2, {4, 1, 2, 3}, 3},  // a row added before it: still its own
+         }) {
+        NumberedMenu menu;
+        menu.Show(c.before);
+        for (int i = 0; i < c.downs; ++i) menu.List()->Down();
+        menu.Show(c.after);
+        ASSERT_NE(menu.Selected(), nullptr);
+        EXPECT_EQ(menu.Selected()->id, c.selected) << c.downs << " down, " << c.after.size() << " left";
+    }
 }
 
 }  // namespace

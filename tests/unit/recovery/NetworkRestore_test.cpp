@@ -30,7 +30,10 @@ class NetworkRestore : public NetworkDialogs {
     }
     std::vector<unsigned> Entries() {
         TestRootFrame root;
-        return NetworkRestoreWindow(&root, *host_).Entries();
+        NetworkRestoreWindow window(&root, *host_);
+        std::vector<unsigned> ids;
+        for (const auto& row : window.Table()) ids.push_back(row.id);
+        return ids;
     }
 
     // What the dialog shows when its loop ends.

@@ -5,7 +5,6 @@
 #include "system/ShellTimeoutDialog.h"
 #include "system/TroubleShootingWindow.h"
 #include "text/InputItem.h"
-#include "text/LabelItem.h"
 
 namespace Kovo {
 namespace {
@@ -71,8 +70,9 @@ TEST_F(TroubleshootingActions, EnablingTheShellStartsThenEnablesAndGreysTheTimeo
         EXPECT_NE(ScreenText(w.Handle()).find("Qori Shell is Enabled"), std::string::npos)
             << ScreenText(w.Handle());
         EXPECT_TRUE(w.ShellEnabled());
-        EXPECT_EQ(w.EntryItem(Window::kShellEntry).Text(), "Disable Qori Shell");
-        EXPECT_FALSE(w.EntryItem(Window::kShellTimeoutsEntry).IsEnabled());
+        // The shell's entry, then the time-outs'.
+        EXPECT_EQ(w.Table()[0].caption, "Disable Qori Shell");
+        EXPECT_FALSE(w.Table()[2].enabled);
     });
     EXPECT_EQ(host_.calls, (Calls{kHcl + "start_qor_shell", kHcl + "enable_qor_shell"}));
 }

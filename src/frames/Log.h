@@ -7,10 +7,15 @@
 
 namespace Kovo {
 
-// The network screens' log lines: one string each, built afresh, so a line reads the same in the log
-// whatever its text holds ('%' included).
+// The screens' log lines: one string each, built afresh, so a line reads the same in the log whatever
+// its text holds ('%' included). A failure the operator must also see goes through ReportFailure
+// (frames/MessageDialog.h), which logs with these.
 inline void LogInfo(const std::string& line) {
     syslog(LOG_INFO, "%s", line.c_str());
+}
+
+inline void LogWarning(const std::string& line) {
+    syslog(LOG_WARNING, "%s", line.c_str());
 }
 
 inline void LogError(const std::string& line) {
