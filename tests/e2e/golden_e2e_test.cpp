@@ -230,7 +230,10 @@ const GoldenCase kCases[] = {
          host.Term().Type(" ");
          if (!host.Term().WaitForText("[ ] zennic0")) return false;
          host.Term().Press(Key::Enter);
-         if (!host.Term().WaitForTextGone("Select the xDS Uplinks (one or more)")) return false;
+         // The dialog below discards keys typed while it takes the keyboard back: let it settle first.
+         if (!host.Term().WaitForTextGone("Select the xDS Uplinks (one or more)") ||
+             !host.Term().WaitForQuiet(300ms))
+             return false;
          Press(host, Key::Up);
          host.Term().Press(Key::Enter);
          return host.Term().WaitForText("No uplinks were selected.");
