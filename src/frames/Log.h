@@ -22,6 +22,15 @@ inline void LogError(const std::string& line) {
     syslog(LOG_ERR, "%s", line.c_str());
 }
 
+inline void LogCritical(const std::string& line) {
+    syslog(LOG_CRIT, "%s", line.c_str());
+}
+
+// Logins and their failures go to the authentication facility as well, where audits look for them.
+inline void LogAuth(int priority, const std::string& line) {
+    syslog(LOG_AUTH | priority, "%s", line.c_str());
+}
+
 // A failure: what was being done, then the host's reason.
 inline void LogFailure(const std::string& prefix, const std::exception& e) {
     LogError(prefix + e.what());

@@ -1,7 +1,6 @@
 #include "frames/RootWindow.h"
 
-#include <syslog.h>
-
+#include "frames/Log.h"
 #include "terminal/Colors.h"
 #include "text/ItemList.h"
 #include "text/TextArea.h"
@@ -20,7 +19,7 @@ void FramePane(Window* pane) {
 }  // namespace
 
 RootWindow::RootWindow(Frame* parent) : Frame(parent, 0, 0, COLS, LINES, kBlack, kWhite) {
-    syslog(LOG_INFO, "COLS=%d, LINES=%d", COLS, LINES);
+    LogInfo("COLS=" + std::to_string(COLS) + ", LINES=" + std::to_string(LINES));
     const int half = COLS / 2;
     _main = AddChild(0, 0, COLS, LINES - 1, kLightGrey, kWhite);
     _status = new TextArea(this, 0, LINES - 1, COLS, 1, kBlack, kLightGrey);

@@ -7,7 +7,6 @@
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <syslog.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -22,6 +21,7 @@
 #include "access/SmartCardLogin.h"
 #include "frames/Frame.h"
 #include "frames/HostAccess.h"
+#include "frames/Log.h"
 #include "main/HostPlatformChoice.h"
 #include "network/NetworkTest.h"
 #include "session/WelcomeWindow.h"
@@ -82,7 +82,7 @@ void SwitchConsole(int vt) {
 int ParseVtArgument(const char* arg) {
     int vt = atoi(arg);
     if (vt < 1 || vt > 63) {
-        syslog(LOG_ERR, "Invalid VT specified for KOVO: %s", arg);
+        LogError(std::string("Invalid VT specified for KOVO: ") + arg);
         return -1;
     }
     return vt;
@@ -112,7 +112,7 @@ void GuardPidFile(const char* path) {
         fclose(f);
     }
     if (pid > 0 && pid <= INT32_MAX && kill(static_cast<pid_t>(pid), 0) == 0) {
-        syslog(LOG_ERR, "Attempt to run multiple KOVO instances, not updating %s", path);
+        LogError(std::string("Attempt to run multiple KOVO instances, not updating ") + path);
         return;
     }
     if (FILE* f = fopen(path, "we")) {
@@ -226,7 +226,7 @@ void ResetPalette() {
 }
 
 void EndUnexpectedly(const std::string& reason) {
-    syslog(LOG_CRIT, "KOVO ended by an unexpected error: %s", reason.c_str());
+    LogCritical("KOVO ended by an unexpected error: " + reason);
     if (stdscr && !isendwin()) endwin();
     if (g_foundSaved) tcsetattr(1, TCSANOW, &g_found);
     ResetPalette();
@@ -278,7 +278,7 @@ int RunConsole(int argc, char** argv) {
     tcgetattr(1, &orig_termios);
     usingKeyboard = DecideTerminal(IsLinuxConsole(1));
 
-    syslog(LOG_INFO, "Starting KOVO");
+    LogInfo("Starting KOVO");
 
     GuardPidFile(KOVO_PID_FILE);
 

@@ -1,11 +1,11 @@
 #include "access/ChangePasswordDialog.h"
 
 #include <curses.h>
-#include <syslog.h>
 
 #include "access/LoginDialog.h"
 #include "access/SamePasswordConfirmDialog.h"
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "frames/MessageDialog.h"
 #include "terminal/HostEvent.h"
 #include "terminal/Keys.h"
@@ -157,7 +157,7 @@ void ChangePasswordDialog::AfterChange() {
     // Saves the host's configuration so that the new password survives a reboot.
     _host.Run("/sbin/backup.sh", {"backup.sh"});
     _host.RefreshAgent();
-    syslog(LOG_INFO, "Login password for user %s has changed", _loginName.c_str());
+    LogInfo("Login password for user " + _loginName + " has changed");
     _host.PostEvent(HostEvent::Text("obs.user.kovo.login.passwd.changed",
                                     "Login password for user " + _loginName + " changed"));
     _isUserPasswordEmpty = _fields[kNew]->GetValue().empty();

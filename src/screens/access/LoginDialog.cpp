@@ -1,12 +1,12 @@
 #include "access/LoginDialog.h"
 
 #include <curses.h>
-#include <syslog.h>
 
 #include "access/ChangePasswordDialog.h"
 #include "access/LoginAudit.h"
 #include "access/SmartCardLogin.h"
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "frames/MessageDialog.h"
 #include "platform/hostctl/DnsConfig.h"
 #include "platform/hostctl/HardwareInfo.h"
@@ -54,7 +54,7 @@ std::string LoginDialog::KeyboardText() {
     try {
         layout = _host.SystemInfo()->GetKeyboardLayout();
     } catch (const HostCtl::Lib::HostCtlException& e) {
-        syslog(LOG_ERR, "Unable to read the keyboard layout: %s", e.what());
+        LogFailure("Unable to read the keyboard layout: ", e);
     }
     return "Configured Keyboard (" + layout + ")";
 }
@@ -90,7 +90,7 @@ std::string HostNameAndDomain(HostAccess& host) {
         if (!domain.empty()) name += "." + domain;
         return name;
     } catch (const HostCtl::Lib::HostCtlException& e) {
-        syslog(LOG_ERR, "Unable to read the host name: %s", e.what());
+        LogFailure("Unable to read the host name: ", e);
         return {};
     }
 }
@@ -171,7 +171,7 @@ void LoginDialog::ChangeKeyboard() {
         KeyboardDialog keyboard(this, _host);
         keyboard.RunModal();
     } catch (const HostCtl::Lib::HostCtlException& e) {
-        syslog(LOG_ERR, "Unable to change the keyboard layout: %s", e.what());
+        LogFailure("Unable to change the keyboard layout: ", e);
         // The operator asked for a layout; the host's answer is theirs to see, not only the log's.
         MessageDialog(this, kConfigureKeyboard, e.what()).RunModal();
     }
@@ -193,8 +193,8 @@ bool LoginDialog::TryLogin() {
         case PAM_SUCCESS:
             SetSessionUser();
             _isUserPasswordEmpty = _secret->GetValue().empty();
-            syslog(LOG_AUTH | LOG_EMERG, "Authentication of user %s succeeded", user);
-            syslog(LOG_INFO, "User %s logged in", user);
+            LogAuth(LOG_EMERG, std::string("Authentication of user ") + user + " succeeded");
+            LogInfo(std::string("User ") + user + " logged in");
             AuditLogin("login.connect", _userName, true);
             return true;
         case PAM_PERM_DENIED:
@@ -220,7 +220,7 @@ bool LoginDialog::TryLogin() {
 
 void LoginDialog::Fail(const std::string& logLine, const char* reason, const std::string& eventMessage,
                        unsigned messageId) {
-    syslog(LOG_AUTH | LOG_ERR, "%s", logLine.c_str());
+    LogAuth(LOG_ERR, logLine);
     AuditLogin("login.connect", _userName, false, reason);
     _host.PostEvent(kLoginFailedEvent + eventMessage);
     MessageDialog message(this, kFailedTitle, messageId);

@@ -1,7 +1,7 @@
 #include "access/PamLibrary.h"
+#include "frames/Log.h"
 
 #include <dlfcn.h>
-#include <syslog.h>
 
 #include <algorithm>
 #include <iterator>
@@ -24,7 +24,7 @@ struct Library {
 template <typename Function>
 bool Resolve(void* handle, const char* name, Function& function) {
     function = reinterpret_cast<Function>(::dlsym(handle, name));
-    if (!function) syslog(LOG_ERR, "libpam has no %s", name);
+    if (!function) LogError(std::string("libpam has no ") + name);
     return function != nullptr;
 }
 
@@ -34,7 +34,7 @@ Library Load() {
     void* handle = ::dlopen("libpam.so.0", RTLD_NOW | RTLD_GLOBAL);
     if (!handle) {
         const char* reason = ::dlerror();
-        syslog(LOG_ERR, "libpam cannot be loaded: %s", reason ? reason : "not found");
+        LogError(std::string("libpam cannot be loaded: ") + (reason ? reason : "not found"));
         return library;
     }
     // Every one is looked up, so the log names each that is missing.

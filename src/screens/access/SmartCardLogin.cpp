@@ -1,11 +1,10 @@
 #include "access/SmartCardLogin.h"
 
-#include <syslog.h>
-
 #include <cstdlib>
 #include <functional>
 
 #include "frames/Frame.h"
+#include "frames/Log.h"
 #include "platform/hostctl/HardwareInfo.h"
 #include "platform/hostctl/HostCtlException.h"
 
@@ -25,7 +24,7 @@ bool VisitUserIds(HostCtl::Hardware::SmartCardInfo& cards,
                 if (visit(id)) return true;
         }
     } catch (const HostCtl::Lib::HostCtlException&) {
-        syslog(LOG_ERR, "Error trying to lookup smart card tokens.");
+        LogError("Error trying to lookup smart card tokens.");
     }
     return false;
 }
@@ -49,11 +48,11 @@ bool CheckSmartCard(HostCtl::Hardware::SmartCardInfo& cards) {
     if (!Frame::_loggedIn) {
         Frame::_smartCardLoginId = FindSmartCardUser(cards);
         if (!Frame::_smartCardLoginId.empty())
-            syslog(LOG_INFO, "Found smart card with user id '%s'", Frame::_smartCardLoginId.c_str());
+            LogInfo("Found smart card with user id '" + Frame::_smartCardLoginId + "'");
         return false;
     }
     if (Frame::_isLoggedWithSmartCard && !HasSmartCardForUser(cards, Frame::_loginName)) {
-        syslog(LOG_INFO, "Logging out user id '%s'", Frame::_loginName.c_str());
+        LogInfo("Logging out user id '" + Frame::_loginName + "'");
         return true;
     }
     return false;

@@ -1,7 +1,6 @@
 #include "session/WelcomeWindow.h"
 
 #include <curses.h>
-#include <syslog.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,6 +13,7 @@
 #include "access/LoginAudit.h"
 #include "access/LoginDialog.h"
 #include "access/LoginDisabledDialog.h"
+#include "frames/Log.h"
 #include "platform/hostctl/DnsConfig.h"
 #include "platform/hostctl/HardwareInfo.h"
 #include "platform/hostctl/HostCtlException.h"
@@ -179,7 +179,7 @@ void WelcomeWindow::FillIdentity() {
         try {
             area->SetText(text());
         } catch (const HostCtl::Lib::HostCtlException& e) {
-            syslog(LOG_ERR, "Unable to read the host identity: %s", e.what());
+            LogFailure("Unable to read the host identity: ", e);
         }
     };
     fill(_product, [this] { return ProductBlock(); });
@@ -245,7 +245,7 @@ bool WelcomeWindow::LoginAllowed() {
         return _host.SystemInfo()->IsConsoleLoginAllowed();
     } catch (const HostCtl::Lib::HostCtlException& e) {
         // A host that cannot say keeps its console closed, as one without the permission would.
-        syslog(LOG_ERR, "Cannot tell whether console logins are allowed: %s", e.what());
+        LogFailure("Cannot tell whether console logins are allowed: ", e);
         return false;
     }
 }
@@ -265,7 +265,7 @@ void WelcomeWindow::RunSession(bool customize) {
             auto menu = std::make_unique<GeneralWindow>(this, _host);
             menu->RunModal();
             SetLoggedIn(false);
-            syslog(LOG_INFO, "User %s logged out", Frame::_loginName.c_str());
+            LogInfo("User " + Frame::_loginName + " logged out");
             AuditLogin("login.disconnect", Frame::_loginName, true, "Session closed");
             Build();
         } else {
@@ -273,7 +273,7 @@ void WelcomeWindow::RunSession(bool customize) {
             Build();
         }
     } catch (const KovoTimeout&) {
-        syslog(LOG_INFO, "User %s logged out due to time out", Frame::_loginName.c_str());
+        LogInfo("User " + Frame::_loginName + " logged out due to time out");
         AuditLogin("login.disconnect", Frame::_loginName, true, "Time out");
         SetActive(true);
         clearok(curscr, TRUE);

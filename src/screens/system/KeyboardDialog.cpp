@@ -1,8 +1,7 @@
 #include "system/KeyboardDialog.h"
 
-#include <syslog.h>
-
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "platform/hostctl/SystemInfo.h"
 #include "text/ItemList.h"
 #include "text/RadioItem.h"
@@ -44,7 +43,7 @@ void KeyboardDialog::Apply() {
     auto system = _host.SystemInfo();
     system->LoadKeyboardMappings(layout);
     system->SetKeyboardLayout(layout);
-    syslog(LOG_INFO, "Keyboard Layout changed to %s", layout.c_str());
+    LogInfo("Keyboard Layout changed to " + layout);
 }
 
 }  // namespace Kovo

@@ -1,10 +1,9 @@
 #include "system/KovoTimeoutDialog.h"
 
-#include <syslog.h>
-
 #include <climits>
 
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "frames/MessageDialog.h"
 #include "platform/hostctl/AdvancedOption.h"
 #include "platform/hostctl/HostCtlException.h"
@@ -48,14 +47,14 @@ void KovoTimeoutDialog::Apply() {
         Frame::_idleTimeout = static_cast<uint32_t>(option->GetIntValue());
         _seconds = Frame::_idleTimeout;
     } catch (const HostCtl::Lib::HostCtlException& e) {
-        syslog(LOG_ERR, "Unable to set KOVO timeout: %s", e.what());
+        LogFailure("Unable to set KOVO timeout: ", e);
         MessageDialog(this, kInvalidTitle, e.what()).RunModal();
         return;
     }
     if (*minutes == 0) {
-        syslog(LOG_INFO, "%s", "Disabled Kovo timeout");
+        LogInfo("Disabled Kovo timeout");
     } else {
-        syslog(LOG_INFO, "Modified Kovo timeout to %d minutes", static_cast<int>(*minutes));
+        LogInfo("Modified Kovo timeout to " + std::to_string(*minutes) + " minutes");
     }
 }
 

@@ -1,10 +1,9 @@
 #include "system/LockdownDialog.h"
 
-#include <syslog.h>
-
 #include <string>
 
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "terminal/Session.h"
 #include "text/CheckItem.h"
 #include "text/StringFactory.h"
@@ -35,13 +34,11 @@ void LockdownDialog::Apply() {
                            enter ? "hclsvc/auth/lockdown_mode_enter" : "hclsvc/auth/lockdown_mode_exit"},
                           output, error, kCapture);
     if (status != 0) {
-        syslog(LOG_ERR,
-               enter ? "Enabling lockdown mode failed with error: %s"
-                     : "Disabling lockdown mode failed with error: %s",
-               error.c_str());
+        LogError(std::string(enter ? "Enabling" : "Disabling") +
+                 " lockdown mode failed with error: " + error);
         return;
     }
-    syslog(LOG_INFO, "%s", enter ? "Lockdown mode enabled" : "Lockdown mode disabled");
+    LogInfo(enter ? "Lockdown mode enabled" : "Lockdown mode disabled");
     _enabled = enter;
 }
 

@@ -1,10 +1,9 @@
 #include "system/RestartAgentsDialog.h"
 
-#include <syslog.h>
-
 #include <cstring>
 
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/SystemInfo.h"
 #include "terminal/Colors.h"
@@ -39,15 +38,15 @@ bool RestartAgentsDialog::CollectLiveCore() const {
 }
 
 void RestartAgentsDialog::GenerateAgentLiveCore(HostAccess& host) {
-    syslog(LOG_INFO, "%s", "Executing zenkbacktrace -c against hagentd");
+    LogInfo("Executing zenkbacktrace -c against hagentd");
     if (host.Exec("/sbin/zenkbacktrace -w -n hagentd -o hagentd-restart% -d /var/log/") != 0) {
-        syslog(LOG_WARNING, "%s", "zenkbacktrace failed, probably hagentd was down");
+        LogWarning("zenkbacktrace failed, probably hagentd was down");
         return;
     }
     try {
         host.SystemInfo()->SetSystemAlert("Hagentd core dump completed");
     } catch (const HostCtl::Lib::HostCtlException& e) {
-        syslog(LOG_ERR, "Unable to raise the core dump alert: %s", e.what());
+        LogFailure("Unable to raise the core dump alert: ", e);
     }
 }
 
@@ -57,19 +56,19 @@ void RestartAgentsDialog::Step(unsigned lineId, const char* command) {
     // The other kind of host's agent scripts report nothing useful, so there a step is done whatever
     // they answer; a host that says what went wrong has its words shown in place of "Done.".
     const std::string failure = _host.ExecReportingFailure(command);
-    if (!failure.empty()) syslog(LOG_ERR, "%s %s", line.c_str(), failure.c_str());
+    if (!failure.empty()) LogError(line + " " + failure);
     AddFinished(line + " " +
                 (failure.empty() ? std::string(Strings()->GetString(kDone)) : MarkupSafe(failure)));
     ShowProgress();
 }
 
 bool RestartAgentsDialog::Run() {
-    syslog(LOG_INFO, "%s", "Restarting host agents");
+    LogInfo("Restarting host agents");
     _host.PostEvent(HostEvent::Text("obs.user.kovo.restarting.hostagents", "Restarting host agents"));
     if (CollectLiveCore()) {
         if (const int error = _host.StartThread([&host = _host] { GenerateAgentLiveCore(host); });
             error != 0) {
-            syslog(LOG_ERR, "failed to create live core generation thread: %s", strerror(error));
+            LogError(std::string("failed to create live core generation thread: ") + strerror(error));
         } else {
             AddFinished(std::string(Strings()->GetString(kCollecting)) + " " + Strings()->GetString(kDone));
         }

@@ -1,8 +1,7 @@
 #include "system/RestoreDialog.h"
 
-#include <syslog.h>
-
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "terminal/HostEvent.h"
 #include "text/StringFactory.h"
 #include "text/TextArea.h"
@@ -20,7 +19,7 @@ RestoreDialog::RestoreDialog(Frame* parent, HostAccess& host)
 }
 
 bool RestoreDialog::Run() {
-    syslog(LOG_INFO, "%s", "Restoring factory defaults");
+    LogInfo("Restoring factory defaults");
     _host.PostEvent(HostEvent::Text("obs.user.kovo.restore.factory.defaults", "Restoring factory defaults"));
     SetTitle(Strings()->GetString(kTitle));
     SetText(Strings()->GetString(kWait));

@@ -1,12 +1,11 @@
 #include "system/ShellTimeoutDialog.h"
 
-#include <syslog.h>
-
 #include <climits>
 #include <cstdlib>
 
 #include "frames/Footers.h"
 #include "frames/HostAccess.h"
+#include "frames/Log.h"
 
 namespace Kovo {
 
@@ -23,8 +22,8 @@ struct FieldRule {
     const char* modifiedLine;
 };
 constexpr FieldRule kRules[2] = {
-    {kAvailabilityOption, "Disabled Shell timeout", "Modified Shell timeout to %d minutes"},
-    {kIdleOption, "Disabled shell interactive timeout", "Modified shell interactive timeout to %d minutes"},
+    {kAvailabilityOption, "Disabled Shell timeout", "Modified Shell timeout to"},
+    {kIdleOption, "Disabled shell interactive timeout", "Modified shell interactive timeout to"},
 };
 
 }  // namespace
@@ -66,7 +65,8 @@ void ShellTimeoutDialog::Apply() {
         if (!minutes || *minutes == _current[field]) continue;
         const FieldRule& rule = kRules[field];
         if (!WriteOption(rule.option, *minutes)) {
-            syslog(LOG_ERR, "Unable to set %s to %u minutes", rule.option, *minutes);
+            LogError(std::string("Unable to set ") + rule.option + " to " + std::to_string(*minutes) +
+                     " minutes");
             continue;
         }
         _current[field] = *minutes;
@@ -76,9 +76,9 @@ void ShellTimeoutDialog::Apply() {
             RestartIfRunning("/etc/init.d/SSH");
         }
         if (*minutes == 0) {
-            syslog(LOG_INFO, "%s", rule.disabledLine);
+            LogInfo(rule.disabledLine);
         } else {
-            syslog(LOG_INFO, rule.modifiedLine, static_cast<int>(*minutes));
+            LogInfo(std::string(rule.modifiedLine) + " " + std::to_string(*minutes) + " minutes");
         }
     }
 }

@@ -1,8 +1,7 @@
 #include "system/ShutdownDialog.h"
 
-#include <syslog.h>
-
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "system/RebootConfirmDialog.h"
 #include "system/ShutdownConfirmDialog.h"
 #include "terminal/HostEvent.h"
@@ -34,7 +33,7 @@ bool ShutdownDialog::OnKey(int key) {
 
 void ShutdownDialog::GoDown(bool restart) {
     const char* what = restart ? "Rebooting host" : "Shutting down host";
-    syslog(LOG_INFO, "%s", what);
+    LogInfo(what);
     _host.PostEvent(
         HostEvent::Text(restart ? "obs.user.kovo.reboot.host" : "obs.user.kovo.shutdown.host", what));
     const bool keepVms = !ForceTerminate();

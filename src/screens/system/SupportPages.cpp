@@ -1,8 +1,8 @@
 #include "system/SupportPages.h"
 
 #include <curses.h>
-#include <syslog.h>
 
+#include "frames/Log.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "text/StringFactory.h"
 #include "text/TextArea.h"
@@ -46,7 +46,7 @@ std::string SupportPages::Compose(unsigned index, const StringFactory& strings) 
             shown = value.read();
         } catch (const HostCtl::Lib::HostCtlException& e) {
             // One value the host cannot give must not take the rest of the page with it.
-            syslog(LOG_ERR, "Unable to read %s: %s", value.label.c_str(), e.what());
+            LogFailure("Unable to read " + value.label + ": ", e);
         }
         if (shown.empty()) shown = strings.GetString(kUnknown);
         if (!text.empty()) text += "\n\n";
