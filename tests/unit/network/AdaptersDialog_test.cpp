@@ -98,6 +98,17 @@ TEST_F(AdaptersDialogTest, TheListKeepsTheOrderTheAdaptersWereChecked) {
     EXPECT_EQ(cancelled.result, 0);
 }
 
+// Taking the NIC after the question is the end-to-end tests' (NetworkUplinks); Esc there goes back to
+// the list, and a NIC unchecked again is no longer asked about.
+TEST_F(AdaptersDialogTest, EscAtTheQuestionGoesBackAndAnUncheckedNicIsNotAsked) {
+    Make();
+    const std::string checkZennic3 = Keys::kDown + Keys::kDown + Keys::kDown + " ";
+    auto d = Open(checkZennic3 + "\n\t" + Keys::kEsc + " \n");
+    EXPECT_EQ(d.result, 1);
+    EXPECT_TRUE(d->Showed("Network Adapters: Warning"));
+    EXPECT_EQ(d->Selected(), (std::vector<std::string>{"zennic0", "zennic1"}));
+}
+
 TEST_F(AdaptersDialogTest, OnADistributedSwitchOnlyNicsOfOtherSwitchesAsk) {
     Make("dvs");
     // zennic0 and zennic1 belong to the management network's own distributed switch.

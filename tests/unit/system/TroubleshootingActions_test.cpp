@@ -74,6 +74,18 @@ TEST_F(TroubleshootingActions, FailingHostToolFallsBackToTheInitScriptAndStillIn
     EXPECT_EQ(store_.At("/firewall/rulesets/0/enabled"), false);
 }
 
+// Starting through the script opens the firewall (the end-to-end tests' NoHostAgent case); stopping
+// through it closes the firewall again.
+TEST_F(TroubleshootingActions, SshStoppedThroughItsScriptClosesTheFirewallRuleset) {
+    store_.Get()->Update([](nlohmann::json& d) { d["firewall"]["rulesets"][0]["enabled"] = true; });
+    Services(false, true);
+    host_.status[kHcl + "stop_ssh"] = 1;
+    RunWindow(Keys::kDown + "\n" + Keys::kEsc, [](Window& w) { EXPECT_FALSE(w.SshEnabled()); });
+    EXPECT_EQ(host_.calls,
+              (Calls{kHcl + "stop_ssh", "/bin/sh: sh /etc/init.d/SSH stop", kHcl + "disable_ssh"}));
+    EXPECT_EQ(store_.At("/firewall/rulesets/0/enabled"), false);
+}
+
 TEST_F(TroubleshootingActions, MissingFirewallRulesetDoesNotStopTheToggle) {
     store_.Get()->Update([](nlohmann::json& d) { d["firewall"]["rulesets"] = nlohmann::json::array(); });
     Services(false, false);
