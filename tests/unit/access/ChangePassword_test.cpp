@@ -109,13 +109,5 @@ TEST_F(ChangePasswordTest, OnlyASuccessfulChangeMarksTheSessionPasswordAsSet) {
     EXPECT_FALSE(Frame::_isUserPasswordEmpty);
 }
 
-TEST_F(ChangePasswordTest, TabOnConfirmGoesBackToTheNewPassword) {
-    // Tab from confirm to new, retype the new password (replace mode), Tab to confirm, submit.
-    EXPECT_EQ(Run("Old-Pass1" + Keys::kEnter + "Typo-Pas1" + Keys::kEnter + "New-Pass2" + Keys::kTab +
-                  "New-Pass2" + Keys::kTab + Keys::kEnter),
-              1);
-    EXPECT_EQ(FakePam::changes, std::vector<std::string>{"admin:Old-Pass1>New-Pass2"});
-}
-
 }  // namespace
 }  // namespace Kovo

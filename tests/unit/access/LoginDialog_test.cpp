@@ -131,32 +131,6 @@ TEST_F(LoginDialogTest, F3ChangesLabelsAndValuesAndPinLoginUsesTheCardId) {
     Frame::_smartCardLoginId = "ops";
     EXPECT_EQ(Run(Keys::kF3 + Keys::kEnter + "ok" + Keys::kEnter), 1);
     EXPECT_EQ(FakeHost::authCalls.at(0), Call("root", "ok"));
-
-    // Without a card there is no PIN mode to switch to.
-    Frame::_smartCardLoginId.clear();
-    TestRootFrame root;
-    LoginDialog plain(&root, FakeHost::Ops(), noHost_);
-    EXPECT_FALSE(plain.PinMode());
-    EXPECT_EQ(plain.Footer()->Text().find("<F3>"), std::string::npos);
-}
-
-TEST_F(LoginDialogTest, KeyboardItemComesFirstAndTabCyclesThroughAllItems) {
-    usingKeyboard = true;
-    // Enter on the keyboard item opens the layout dialog, which this unreadable host cannot fill: the
-    // failure is shown until Enter. Typing on the keyboard item leaves the fields alone; Tab, Tab reach
-    // the password.
-    EXPECT_EQ(Run(Keys::kEnter + "zz" + Keys::kEnter + "zz" + Keys::kTab + Keys::kTab + "ok" + Keys::kTab +
-                  Keys::kTab + Keys::kTab + Keys::kEnter),
-              1);
-    EXPECT_EQ(FakeHost::authCalls.at(0), Call("root", "ok"));
-}
-
-TEST_F(LoginDialogTest, UpAndDownMoveBetweenTheFields) {
-    EXPECT_EQ(
-        Run(Keys::kDown + Keys::kUp + "ops" + Keys::kDown + "1234" + Keys::kUp + Keys::kDown + Keys::kEnter),
-        1);
-    // Moving back onto the password field arms replace mode but keeps its text.
-    EXPECT_EQ(FakeHost::authCalls.at(0), Call("ops", "1234"));
 }
 
 }  // namespace

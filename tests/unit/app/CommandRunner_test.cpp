@@ -56,17 +56,26 @@ TEST(CommandRunner, EveryProgramRunsAsTheInstalledPlatformSaysAndAsNamedWithoutO
               5);  // this machine has no such program
 }
 
-TEST(CommandRunner, ReturnsExitStatusAndBothStreams) {
-    ShellRun r = Sh("echo hello; echo oops >&2; exit 7");
-    EXPECT_EQ(r.status, 7);
-    EXPECT_EQ(r.out, "hello\n");
-    EXPECT_EQ(r.err, "oops\n");
-}
-
-TEST(CommandRunner, CutsOutputToCapacity) {
-    ShellRun r = Sh("printf 0123456789", 4);
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, "0123");
+TEST(CommandRunner, ReturnsTheStatusAndBothStreamsCutToCapacity) {
+    const struct {
+        const char* script;
+        int capacity;
+        int status;
+        const char *out, *err;
+    } runs[] = {
+        {"echo hello; echo oops >&2; exit 7", 4096, 7, "hello\n", "oops\n"},
+        {"printf 0123456789", 4, 0, "0123", ""},
+        {"kill -TERM $$", 16, -1, "", ""},  // killed by a signal
+    };
+    for (const auto& r : runs) {
+        const ShellRun run = Sh(r.script, r.capacity);
+        EXPECT_EQ(run.status, r.status) << r.script;
+        EXPECT_EQ(run.out, r.out) << r.script;
+        EXPECT_EQ(run.err, r.err) << r.script;
+    }
+    EXPECT_EQ(RunShell("exit 4"), 4);
+    const char* argv[] = {"nothing-here", nullptr};
+    EXPECT_NE(RunCommand("/nonexistent/nothing-here", argv), 0);
 }
 
 TEST(CommandRunner, ChildSeesExactlyTheOneEntryEnvironment) {
@@ -101,15 +110,6 @@ TEST(CommandRunner, TimeoutKillsAndReturnsMinusOne) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }
 
-TEST(CommandRunner, KilledBySignalIsMinusOne) {
-    EXPECT_EQ(Sh("kill -TERM $$").status, -1);
-}
-
-TEST(CommandRunner, MissingProgramIsNotAStatusZero) {
-    const char* argv[] = {"nothing-here", nullptr};
-    EXPECT_NE(RunCommand("/nonexistent/nothing-here", argv), 0);
-}
-
 TEST(CommandRunner, ChattyChildDoesNotHang) {
     // 1 MB on each stream, far beyond a pipe's capacity, with only a small part kept.
     ShellRun r = Sh("head -c 1048576 /dev/zero; head -c 1048576 /dev/zero >&2; exit 3", 100, 60);
@@ -141,22 +141,12 @@ TEST(CommandRunner, ChildGetsDefaultSignalMask) {
 }
 
 TEST(CommandRunner, QueryAnswerIsTrueOnlyWhenItStartsWithTrue) {
-    auto yes = [](const std::string& text) {
-        return IsTrueAnswer(text.data(), static_cast<int>(text.size()));
-    };
-    EXPECT_TRUE(yes("true"));
-    EXPECT_TRUE(yes("true\n"));
-    EXPECT_TRUE(yes("trueish and more"));
-    EXPECT_FALSE(yes(" true"));
-    EXPECT_FALSE(yes("tru"));
-    EXPECT_FALSE(yes("false"));
-    EXPECT_FALSE(yes("TRUE"));
-    EXPECT_FALSE(yes(""));
-}
-
-TEST(CommandRunner, RunShellReturnsStatus) {
-    EXPECT_EQ(RunShell("exit 4"), 4);
-    EXPECT_EQ(RunShell("true"), 0);
+    const std::pair<std::string, bool> answers[] = {
+        {"true", true},   {"true\n", true}, {"trueish and more", true},
+        {" true", false}, {"tru", false},   {"false", false},
+        {"TRUE", false},  {"", false}};
+    for (const auto& [text, yes] : answers)
+        EXPECT_EQ(IsTrueAnswer(text.data(), static_cast<int>(text.size())), yes) << '"' << text << '"';
 }
 
 }  // namespace

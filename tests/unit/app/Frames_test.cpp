@@ -40,34 +40,6 @@ class ProbeDialog : public Dialog {
 
 using Frames = Testing::OffscreenCurses;
 
-TEST_F(Frames, DialogIsCentredWithHeaderBodyAndFooter) {
-    ScreenFrame root;
-    ProbeDialog d(&root, 60, 12, 6, nullptr);
-    EXPECT_EQ(d.X(), 10);
-    EXPECT_EQ(d.Y(), 6);
-    EXPECT_EQ(d.Header()->Height(), 6);
-    EXPECT_EQ(d.Body()->Y(), 12);
-    EXPECT_EQ(d.Body()->Height(), 6);
-    ASSERT_NE(d.Content(), nullptr);
-    EXPECT_EQ(d.Content()->X(), 12);
-    EXPECT_EQ(d.Content()->Y(), 13);
-    EXPECT_EQ(d.Content()->Width(), 56);
-    EXPECT_EQ(d.Content()->Height(), 2);
-    EXPECT_EQ(d.Footer()->Y(), 16);
-    EXPECT_EQ(d.Title()->X(), 13);
-    EXPECT_EQ(d.Title()->Width(), 54);
-    EXPECT_EQ(AttrAt(d.Header()->Handle(), 2, 2), ColorAttr(kDarkGrey, kWhite));
-    EXPECT_EQ(AttrAt(d.Body()->Handle(), 2, 1) & A_COLOR, ColorAttr(kYellow, kWhite) & A_COLOR);
-}
-
-TEST_F(Frames, BodyOfFourRowsOrLessHasNoContentWindow) {
-    ScreenFrame root;
-    ProbeDialog fourRows(&root, 70, 11, 7, nullptr);
-    EXPECT_EQ(fourRows.Content(), nullptr);
-    ProbeDialog fiveRows(&root, 70, 12, 7, nullptr);
-    EXPECT_NE(fiveRows.Content(), nullptr);
-}
-
 // A body text never loses its last words to a header too short for it: the dialog grows instead.
 TEST_F(Frames, DialogGrowsItsHeaderToShowTheWholeBody) {
     const std::string threeRows(150, 'x');
@@ -94,13 +66,6 @@ TEST_F(Frames, DialogGrowsItsHeaderToShowTheWholeBody) {
     std::string shown;
     for (int row = 3; row < 6; ++row) shown += Row(dialog.Header()->Handle(), row);
     EXPECT_NE(shown.find("load-balancing."), std::string::npos) << shown;
-}
-
-TEST_F(Frames, TooLargeDialogGetsNegativeOrigin) {
-    ScreenFrame root;
-    ProbeDialog d(&root, 100, 30, 7, nullptr);
-    EXPECT_EQ(d.X(), -10);
-    EXPECT_EQ(d.Y(), -2);
 }
 
 TEST_F(Frames, ModalDialogGreysTheWholeParentTreeAndRestoresIt) {
@@ -160,23 +125,6 @@ TEST_F(Frames, BlackAndWhiteUsesStandoutForDarkBackgrounds) {
     EXPECT_EQ(AttrAt(d.Body()->Handle(), 1, 1) & A_STANDOUT, 0u);
 }
 
-TEST_F(Frames, ColoursArePairsOfTheRedefinedPalette) {
-    // Every pair the console uses is defined with the right colours and distinct from the others.
-    const int colors[] = {kWhite, kBlack, kYellow, kLightGrey, kDarkGrey, kRed};
-    for (int bg : colors)
-        for (int fg : colors) {
-            short f = -1, b = -1;
-            ASSERT_EQ(pair_content(static_cast<short>(ColorPairNumber(bg, fg)), &f, &b), OK);
-            EXPECT_EQ(f, fg);
-            EXPECT_EQ(b, bg);
-        }
-    short r, g, b;
-    color_content(COLOR_CYAN, &r, &g, &b);
-    EXPECT_EQ(r, 334);
-    color_content(COLOR_YELLOW, &r, &g, &b);
-    EXPECT_EQ(g, 800);
-}
-
 TEST_F(Frames, DestroyingAWindowDestroysItsChildren) {
     ScreenFrame root;
     Window* pane = root.AddChild(0, 0, 10, 5);
@@ -191,37 +139,8 @@ class TestMenu : public RootWindow {
     TestMenu() : RootWindow(nullptr) {}
     int HandleKey() override { return 0; }
     void UpdateDetails() override {}
-    using RootWindow::Details;
-    using RootWindow::LeftFooter;
-    using RootWindow::LeftPane;
     using RootWindow::List;
-    using RootWindow::RightFooter;
-    using RootWindow::RightPane;
-    using RootWindow::StatusLine;
 };
-
-TEST_F(Frames, MenuWindowSplitsTheScreenIntoPanes) {
-    TestMenu menu;
-    EXPECT_EQ(menu.Width(), 80);
-    EXPECT_EQ(menu.LeftPane()->Width(), 40);
-    EXPECT_EQ(menu.RightPane()->X(), 40);
-    EXPECT_EQ(menu.RightPane()->Height(), 24);
-    EXPECT_EQ(menu.StatusLine()->Y(), 24);
-    EXPECT_EQ(menu.List()->X(), 2);
-    EXPECT_EQ(menu.List()->Y(), 4);
-    // Inside the frame and above the footer rows, so redrawing the list or the details (on every move of
-    // the selection) never wipes a frame or a key line.
-    EXPECT_EQ(menu.List()->Width(), 37);
-    EXPECT_EQ(menu.List()->Y() + menu.List()->Height(), menu.LeftFooter()->Y());
-    EXPECT_EQ(menu.Details()->X(), 42);
-    EXPECT_EQ(menu.Details()->Width(), 36);
-    EXPECT_EQ(menu.Details()->Y() + menu.Details()->Height(), menu.RightFooter()->Y());
-    // Boxed panes with a rule under the title row.
-    EXPECT_EQ(mvwinch(menu.LeftPane()->Handle(), 0, 0) & A_CHARTEXT, ACS_ULCORNER & A_CHARTEXT);
-    EXPECT_EQ(mvwinch(menu.RightPane()->Handle(), 2, 5) & A_CHARTEXT, ACS_HLINE & A_CHARTEXT);
-    EXPECT_EQ(AttrAt(menu.RightPane()->Handle(), 3, 38), ColorAttr(kDarkGrey, kWhite));
-    EXPECT_EQ(AttrAt(menu.LeftPane()->Handle(), 10, 1) & A_COLOR, ColorAttr(kYellow, kWhite) & A_COLOR);
-}
 
 // Without colours the selection is only standout: greying the menu under a dialog and bringing it back
 // must leave the selected line marked and the rest plain.
@@ -240,6 +159,30 @@ TEST_F(Frames, BlackAndWhiteMenuKeepsItsSelectionThroughADialog) {
     EXPECT_EQ(AttrAt(screen, 4, 20) & A_STANDOUT, A_STANDOUT) << "the whole line, not just its text";
     EXPECT_EQ(AttrAt(screen, 5, 3) & A_STANDOUT, 0u);
     EXPECT_EQ(AttrAt(screen, 10, 1) & A_STANDOUT, 0u) << "the pane itself";
+}
+
+// Each field class takes exactly its characters; every dialog's fields are of one of these classes.
+TEST(FieldKeysTest, EachClassTakesItsCharactersOnly) {
+    const std::string all = "09afAFgzGZ.:/%-, _!~\x7f\xe9";
+    const struct {
+        FieldKeys keys;
+        const char* taken;
+    } classes[] = {
+        {FieldKeys::Digits, "09"},
+        {FieldKeys::Ipv4, "09."},
+        {FieldKeys::DnsAddress, "09afAF.:"},
+        {FieldKeys::Ipv6, "09afAFgzGZ:/%"},
+        {FieldKeys::HostName, "09afAFgzGZ.-"},
+        {FieldKeys::Suffixes, "09afAFgzGZ.-, "},
+        {FieldKeys::Printable, "09afAFgzGZ.:/%-, _!~"},
+    };
+    for (const auto& c : classes) {
+        std::string taken;
+        for (char key : all)
+            if (AcceptsKey(c.keys, static_cast<unsigned char>(key))) taken += key;
+        EXPECT_EQ(taken, c.taken) << static_cast<int>(c.keys);
+        for (int key : {KEY_LEFT, KEY_F(5), -1, 256}) EXPECT_FALSE(AcceptsKey(c.keys, key)) << key;
+    }
 }
 
 // A menu of numbered rows that the test adds and takes away.

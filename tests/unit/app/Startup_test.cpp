@@ -44,49 +44,38 @@ class TerminalDecision : public ::testing::Test {
     std::vector<std::pair<std::string, std::optional<std::string>>> saved_;
 };
 
-TEST_F(TerminalDecision, UnsetTermBecomesVt102WithTerminfo) {
-    EXPECT_FALSE(DecideTerminal(false));
-    EXPECT_EQ(Env("TERM"), "vt102");
-    EXPECT_EQ(Env("TERMINFO"), "/usr/share/terminfo");
-}
-
-TEST_F(TerminalDecision, ExistingTerminfoIsKept) {
-    setenv("TERMINFO", "/opt/terminfo", 1);
-    setenv("TERM", "xterm-256color", 1);
-    EXPECT_FALSE(DecideTerminal(false));
-    EXPECT_EQ(Env("TERMINFO"), "/opt/terminfo");
-    EXPECT_EQ(Env("TERM"), "xterm-256color");
-}
-
-TEST_F(TerminalDecision, LinuxConsoleUsesKeyboardAndLinuxTerm) {
-    setenv("TERM", "xterm", 1);
-    EXPECT_TRUE(DecideTerminal(true));
-    EXPECT_EQ(Env("TERM"), "linux");
-}
-
-TEST_F(TerminalDecision, RemoteLinuxTermIsDrivenAsVt102) {
-    setenv("TERM", "linux", 1);
-    EXPECT_FALSE(DecideTerminal(false));
-    EXPECT_EQ(Env("TERM"), "vt102");
-}
-
-TEST_F(TerminalDecision, LocalXtermUsesKeyboardButSshDoesNot) {
-    setenv("TERM", "xterm", 1);
-    EXPECT_TRUE(DecideTerminal(false));
-    EXPECT_EQ(Env("TERM"), "xterm");
-
-    setenv("SSH_CLIENT", "192.0.2.1 50000 22", 1);
-    EXPECT_FALSE(DecideTerminal(false));
-    EXPECT_EQ(Env("TERM"), "xterm");
+TEST_F(TerminalDecision, TermAndKeyboardFollowTheConsoleAndTheConnection) {
+    const struct {
+        const char *term, *terminfo, *ssh;
+        bool linuxConsole, keyboard;
+        const char *termAfter, *terminfoAfter;
+    } cases[] = {
+        {nullptr, nullptr, nullptr, false, false, "vt102", "/usr/share/terminfo"},
+        {"xterm-256color", "/opt/terminfo", nullptr, false, false, "xterm-256color", "/opt/terminfo"},
+        {"xterm", nullptr, nullptr, false, true, "xterm", "/usr/share/terminfo"},  // local
+        {"xterm", nullptr, nullptr, true, true, "linux", "/usr/share/terminfo"},
+        {"linux", nullptr, nullptr, false, false, "vt102", "/usr/share/terminfo"},  // remote
+        {"xterm", nullptr, "192.0.2.1 50000 22", false, false, "xterm", "/usr/share/terminfo"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.term ? c.term : "<unset>") + (c.ssh ? " over ssh" : ""));
+        for (const auto& [name, value] :
+             {std::pair{"TERM", c.term}, std::pair{"TERMINFO", c.terminfo}, std::pair{"SSH_CLIENT", c.ssh}}) {
+            if (value)
+                setenv(name, value, 1);
+            else
+                unsetenv(name);
+        }
+        EXPECT_EQ(DecideTerminal(c.linuxConsole), c.keyboard);
+        EXPECT_EQ(Env("TERM"), c.termAfter);
+        EXPECT_EQ(Env("TERMINFO"), c.terminfoAfter);
+    }
 }
 
 TEST(VtArgument, AcceptsOneToSixtyThree) {
-    EXPECT_EQ(ParseVtArgument("1"), 1);
-    EXPECT_EQ(ParseVtArgument("63"), 63);
-    EXPECT_EQ(ParseVtArgument("0"), -1);
-    EXPECT_EQ(ParseVtArgument("64"), -1);
-    EXPECT_EQ(ParseVtArgument("abc"), -1);
-    EXPECT_EQ(ParseVtArgument("-3"), -1);
+    const std::pair<const char*, int> cases[] = {{"1", 1},   {"63", 63},  {"0", -1},
+                                                 {"64", -1}, {"abc", -1}, {"-3", -1}};
+    for (const auto& [text, vt] : cases) EXPECT_EQ(ParseVtArgument(text), vt) << text;
 }
 
 class PidFile : public ::testing::Test {
@@ -100,17 +89,6 @@ class PidFile : public ::testing::Test {
         return std::string(std::istreambuf_iterator<char>(in), {});
     }
 };
-
-TEST_F(PidFile, MissingFileIsClaimed) {
-    GuardPidFile(path_.c_str());
-    EXPECT_EQ(Read(), std::to_string(getpid()));
-}
-
-TEST_F(PidFile, LiveProcessIsLeftAlone) {
-    Write(std::to_string(getppid()));
-    GuardPidFile(path_.c_str());
-    EXPECT_EQ(Read(), std::to_string(getppid()));
-}
 
 TEST_F(PidFile, DeadZeroNegativeOrGarbageIsOverwritten) {
     pid_t child = fork();

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "../platform/TempDir.h"
-#include "RecordingNetwork.h"
+#include "../support/Recording.h"
 #include "platform/hostctl/HostsTable.h"
 #include "platform/hostctl/WholeFile.h"
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "RecordingNetwork.h"
+#include "../support/Recording.h"
 
 namespace Kovo {
 namespace {
@@ -47,7 +47,7 @@ TEST(ManagementSwitchTest, EachConnectionKindAnswersOrFailsWithItsLine) {
         json document = Scenario(c.scenario);
         document["network"]["zenkNics"][0]["connection"] = c.connection;
         ScratchStore store(Booted(document));
-        RecordingNetworkHost host(store.Get());
+        RecordingHost host(store.Get(), true);
         auto nic = host.Network()->GetManagementInterface();
         ASSERT_TRUE(nic);
         ManagementSwitch managementSwitch(host, *nic);
@@ -77,7 +77,7 @@ TEST(ManagementSwitchTest, EachConnectionKindAnswersOrFailsWithItsLine) {
             EXPECT_TRUE(host.Made(std::string("error: Adding uplink zennic3 failed: ") + c.reason));
             EXPECT_TRUE(host.Made(std::string("error: Removing uplink zennic0 failed: ") + c.reason));
         }
-        EXPECT_TRUE(host.From("Switch.").empty());
+        EXPECT_TRUE(host.StartingWith("VirtualSwitchInfo.").empty());
         EXPECT_EQ(store.At("/network").dump(), before);
     }
 }

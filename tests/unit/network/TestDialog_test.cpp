@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "RecordingNetwork.h"
+#include "../support/Recording.h"
 #include "network/NetworkTest.h"
 #include "platform/hostctl/ShellWords.h"
 
@@ -27,7 +27,7 @@ class TestPrefill : public ::testing::Test {
         return TestDialog::Prefill(host_);
     }
     ScratchStore store_{Booted(Scenario("default"))};
-    RecordingNetworkHost host_{store_.Get()};
+    RecordingHost host_{store_.Get(), true};
 };
 
 TEST_F(TestPrefill, GatewayAndNameServersFillTheFieldsInOrder) {
@@ -67,9 +67,7 @@ TEST_F(TestPrefill, ASettingTheHostCannotTellIsLeftOutAndLogged) {
     });
     EXPECT_EQ(Pings(targets), (std::vector<std::string>{"10.20.30.2", "10.20.30.3", "2001:db8:20:30::1"}));
     EXPECT_EQ(targets.name, "kovo-host-01.lab.example");
-    EXPECT_NE(std::find(host_.calls.begin(), host_.calls.end(),
-                        "error: Unable to read the IPv4 default gateway to test: routes unreadable"),
-              host_.calls.end());
+    EXPECT_TRUE(host_.Made("error: Unable to read the IPv4 default gateway to test: routes unreadable"));
 }
 
 TEST(PingCommand, LinkLocalTargetsGoOutThroughTheManagementInterface) {

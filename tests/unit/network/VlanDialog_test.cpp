@@ -44,16 +44,12 @@ TEST_F(Vlan, EnterTakesTheFieldAndEscKeepsTheGivenId) {
     const Case cases[] = {
         {0, "\n", 1, 0},  // no VLAN shows as an empty field
         {100, "\n", 1, 100},
-        {100, Keys::kBackspace + "\n", 1, 0},  // emptied: no VLAN
-        // A refused key does not start the replacement, the first digit does; four digits at most.
-        {100, "a1b2c345" + Keys::kBackspace + "7\n", 1, 1237},
         {100, "12" + Keys::kEsc, 0, 100},
     };
     for (const Case& c : cases) {
         auto d = Run<VlanDialog>(c.keys, c.given);
         EXPECT_EQ(d.result, c.result) << c.keys;
         EXPECT_EQ(d->Vlan(), c.vlan) << c.keys;
-        EXPECT_TRUE(d->moments.at(0).cursor) << c.keys;
     }
 }
 
@@ -74,7 +70,6 @@ TEST_F(Vlan, ZeroAndIdsAboveAllVlansAreRefusedAndTheDialogStaysOpen) {
         EXPECT_EQ(d.result, 1) << refused;
         EXPECT_EQ(d->Vlan(), 4094) << refused;
         EXPECT_TRUE(d->Showed("Invalid VLAN ID")) << refused;
-        EXPECT_TRUE(d->moments.back().cursor) << refused;
     }
 }
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "../access/LoginTestScreen.h"
-#include "../system/RecordingHost.h"
+#include "../support/Recording.h"
 #include "text/ItemList.h"
 
 namespace Kovo::Testing {

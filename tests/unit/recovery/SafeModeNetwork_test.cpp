@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "../network/RecordingNetwork.h"
+#include "../support/Recording.h"
 #include "platform/zenkctl/ZenkNicImpl.h"
 
 namespace Kovo {
@@ -15,16 +15,14 @@ using nlohmann::json;
 
 // A booted host of `document`, the management interface "zk0" as the menu hands it over, and the move.
 struct Move {
-    explicit Move(const json& document) : store(Booted(document)), host(store.Get()), before(Network()) {}
+    explicit Move(const json& document) : store(Booted(document)), before(Network()) {}
     bool Run() {
         // The management interface as the restore menu found it, before the host began to fail.
         const json faults = store.At("/simulation/faults");
         store.Get()->Update([](json& d) { d["simulation"]["faults"] = json::object(); });
         std::unique_ptr<HostCtl::Network::ZenkNic> nic = host.Network()->GetManagementInterface();
         // A host that has none by now: the interface the menu was handed, which the host no longer has.
-        if (!nic)
-            nic = std::make_unique<RecordingNic>(
-                std::make_unique<ZenkCtl::Network::ZenkNicImpl>("zk0", store.Get()), host.calls);
+        if (!nic) nic = std::make_unique<ZenkCtl::Network::ZenkNicImpl>("zk0", store.Get());
         store.Get()->Update([&](json& d) { d["simulation"]["faults"] = faults; });
         return SafeModeNetwork(host, *nic).Run();
     }
@@ -45,7 +43,7 @@ struct Move {
     }
 
     ScratchStore store;
-    RecordingNetworkHost host;
+    RecordingHost host{store.Get(), true};
     json before;
 };
 
@@ -93,18 +91,11 @@ TEST(SafeModeNetworkTest, NamesAreTheFirstFreeOnesCountingFromZeroAndOne) {
         SCOPED_TRACE(c.what);
         Move move(c.document);
         EXPECT_TRUE(move.Run());
-        EXPECT_EQ(
-            move.host.From("Switch.AddVirtualSwitch"),
-            (Calls{std::string("Switch.AddVirtualSwitch ") + c.switchName + " 128",
-                   std::string("Switch.AddPortGroup ") + c.switchName + " " + c.portGroup,
-                   std::string("Nic.ConnectToPortGroup ") + c.portGroup,
-                   "Switch.RemoveDvsUplink xds0 zennic0",
-                   std::string("Switch.AddUplink ") + c.switchName + " zennic0",
-                   std::string("Switch.SetTeamingPolicy ") + c.switchName + " max 0 order zennic0",
-                   "Switch.RemoveDvsUplink xds0 zennic1",
-                   std::string("Switch.AddUplink ") + c.switchName + " zennic1",
-                   std::string("Switch.SetTeamingPolicy ") + c.switchName + " max 0 order zennic0 zennic1",
-                   "Nic.Enable"}));
+        EXPECT_EQ(move.Switch(c.switchName)["portGroups"],
+                  json::array({{{"name", c.portGroup}, {"vlanId", 0}}}));
+        EXPECT_EQ(move.Switch(c.switchName)["uplinks"], json::array({"zennic0", "zennic1"}));
+        EXPECT_EQ(move.Nic("zk0")["connection"], PortGroupOn(c.portGroup));
+        EXPECT_EQ(move.Network()["dvs"][0]["uplinks"], json::array());
         EXPECT_EQ(move.Logged(), Calls{});
     }
 }
@@ -117,8 +108,6 @@ TEST(SafeModeNetworkTest, UplinksOfAStandardSwitchLeaveItAndItsTeamingButItKeeps
     EXPECT_EQ(old["uplinks"], json::array());
     EXPECT_EQ(old["teaming"]["uplinkOrder"], json::array());
     EXPECT_EQ(old["portGroups"], move.before["switches"][0]["portGroups"]);
-    EXPECT_TRUE(move.host.Made("Switch.RemoveUplink xSwitch0 zennic0"));
-    EXPECT_TRUE(move.host.Made("Switch.SetTeamingPolicy xSwitch0 max 0 order zennic1"));
     EXPECT_EQ(move.Nic("zk0")["connection"], PortGroupOn("Management Network1"));
     EXPECT_EQ(move.Nic("zk0")["enabled"], true);
     EXPECT_EQ(move.Logged(), Calls{});
@@ -130,8 +119,8 @@ TEST(SafeModeNetworkTest, ASwitchWithoutUplinksStillGetsTheManagementInterfaceMo
     Move move(document);
     EXPECT_TRUE(move.Run());
     EXPECT_EQ(move.Switch("xSwitch1"), NewSwitch("xSwitch1", "Management Network1", {}));
-    EXPECT_EQ(move.host.From("Nic.ConnectToPortGroup"),
-              (Calls{"Nic.ConnectToPortGroup Management Network1", "Nic.Enable"}));
+    EXPECT_EQ(move.host.From("ZenkNic.ConnectToPortGroup"),
+              (Calls{"ZenkNic.ConnectToPortGroup", "ZenkNic.Enable"}));
     EXPECT_EQ(move.Nic("zk0")["enabled"], true);
     EXPECT_EQ(move.Logged(), Calls{});
 }

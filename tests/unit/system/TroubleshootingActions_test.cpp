@@ -1,16 +1,14 @@
 #include <gtest/gtest.h>
 
-#include "RecordingHost.h"
+#include "../support/Recording.h"
 #include "system/KovoTimeoutDialog.h"
 #include "system/ShellTimeoutDialog.h"
 #include "system/TroubleShootingWindow.h"
-#include "text/InputItem.h"
 
 namespace Kovo {
 namespace {
 
 using namespace Testing;
-using Calls = std::vector<std::string>;
 using Window = TroubleShootingWindow;
 
 const std::string kShellStatus = "/bin/sh: sh /etc/init.d/QorShell status";
@@ -64,19 +62,6 @@ class TroubleshootingActions : public ScriptedScreen {
     RecordingHost host_{store_.Get()};
 };
 
-TEST_F(TroubleshootingActions, EnablingTheShellStartsThenEnablesAndGreysTheTimeouts) {
-    Services(false, false);
-    RunWindow("\n" + Keys::kEsc, [](Window& w) {
-        EXPECT_NE(ScreenText(w.Handle()).find("Qori Shell is Enabled"), std::string::npos)
-            << ScreenText(w.Handle());
-        EXPECT_TRUE(w.ShellEnabled());
-        // The shell's entry, then the time-outs'.
-        EXPECT_EQ(w.Table()[0].caption, "Disable Qori Shell");
-        EXPECT_FALSE(w.Table()[2].enabled);
-    });
-    EXPECT_EQ(host_.calls, (Calls{kHcl + "start_qor_shell", kHcl + "enable_qor_shell"}));
-}
-
 TEST_F(TroubleshootingActions, FailingHostToolFallsBackToTheInitScriptAndStillInverts) {
     Services(true, false);
     host_.status[kHcl + "stop_qor_shell"] = 1;
@@ -89,17 +74,12 @@ TEST_F(TroubleshootingActions, FailingHostToolFallsBackToTheInitScriptAndStillIn
     EXPECT_EQ(store_.At("/firewall/rulesets/0/enabled"), false);
 }
 
-TEST_F(TroubleshootingActions, SshFallBackOpensAndClosesTheFirewallRuleset) {
-    Services(false, false);
-    host_.status[kHcl + "start_ssh"] = 255;
-    host_.status[kHcl + "stop_ssh"] = 1;
-    RunWindow(Keys::kDown + "\n" + Keys::kEsc);
-    EXPECT_EQ(host_.calls,
-              (Calls{kHcl + "start_ssh", "/bin/sh: sh /etc/init.d/SSH start", kHcl + "enable_ssh"}));
-    EXPECT_EQ(store_.At("/firewall/rulesets/0/enabled"), true);
-
-    host_.calls.clear();
+// Starting through the script opens the firewall (the end-to-end tests' NoHostAgent case); stopping
+// through it closes the firewall again.
+TEST_F(TroubleshootingActions, SshStoppedThroughItsScriptClosesTheFirewallRuleset) {
+    store_.Get()->Update([](nlohmann::json& d) { d["firewall"]["rulesets"][0]["enabled"] = true; });
     Services(false, true);
+    host_.status[kHcl + "stop_ssh"] = 1;
     RunWindow(Keys::kDown + "\n" + Keys::kEsc, [](Window& w) { EXPECT_FALSE(w.SshEnabled()); });
     EXPECT_EQ(host_.calls,
               (Calls{kHcl + "stop_ssh", "/bin/sh: sh /etc/init.d/SSH stop", kHcl + "disable_ssh"}));
@@ -134,19 +114,6 @@ TEST_F(TroubleshootingActions, NewAvailabilityFallsBackToTheLocalToolAndRestarts
     EXPECT_EQ(Calls(host_.calls.begin() + 2, host_.calls.end()),
               (Calls{qorcli, SetOption("qorlocalcli", "/UserVars/QoriShellTimeOut", "1800"), kShellStatus,
                      kSshStatus, "/bin/sh: sh /etc/init.d/SSH restart"}));
-}
-
-TEST_F(TroubleshootingActions, TimeoutFieldsTakeFiveDigitsAndEditingKeysOnly) {
-    ShellOptions(host_, "600\n", "600\n");
-    // Letters, Tab and a dash reach no field (a key reaching it would clear the armed value); then
-    // more digits than fit, of which five are kept: 14401 is out of range.
-    RunDialog<ShellTimeoutDialog>("a\t-z" + Keys::kDown + "1440123" + Keys::kEsc, [](ShellTimeoutDialog& d) {
-        EXPECT_EQ(d.Field(0).GetValue(), "10");
-        EXPECT_EQ(d.Field(1).GetValue(), "14401");
-    });
-    RunDialog<ShellTimeoutDialog>(
-        Keys::kEnd + Keys::kBackspace + Keys::kBackspace + "5" + Keys::kHome + "2" + Keys::kEsc,
-        [](ShellTimeoutDialog& d) { EXPECT_EQ(d.Field(0).GetValue(), "25"); });
 }
 
 TEST_F(TroubleshootingActions, ConsoleTimeoutRefusalsLeaveTheOptionAlone) {

@@ -158,12 +158,6 @@ TEST_F(InputItemDrawTest, TypedTagsAreShownAsTheyWereTyped) {
     EXPECT_NE(PairAt(_area->Handle(), 0, 20), ColorPairNumber(kWhite, kBlack)) << "past the text";
 }
 
-TEST_F(InputItemDrawTest, DefaultWidthIsHalfTheLineLessOne) {
-    InputItem field("Name", "ab", -1);
-    field.Draw(*_area);
-    EXPECT_EQ(Line(), "Name             [ ab                  ]");  // 19 columns of field
-}
-
 TEST_F(InputItemDrawTest, MaskedFieldShowsOneStarPerCharacter) {
     InputItem field("Password", "secret", 10);
     field.SetMasked(true);

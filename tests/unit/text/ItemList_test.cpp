@@ -7,9 +7,7 @@
 #include <vector>
 
 #include "../support/OffscreenCurses.h"
-#include "text/CheckItem.h"
 #include "text/LabelItem.h"
-#include "text/RadioItem.h"
 
 namespace Kovo {
 namespace {
@@ -141,23 +139,6 @@ TEST_F(ItemListTest, DrawsSelectedWhiteOnBlackAndDisabledDarkGrey) {
     EXPECT_FALSE(_items[0]->IsSelected());
     EXPECT_EQ(PairAt(Screen(), 1, 1), ColorPairNumber(kYellow, kBlack));
     EXPECT_EQ(PairAt(Screen(), 2, 1), ColorPairNumber(kBlack, kWhite));
-}
-
-TEST(StateItems, RebuildTheirMarks) {
-    RadioItem radio("DHCP", true);
-    CheckItem check("vmnic0", false);
-    EXPECT_EQ(radio.Text(), "(o) DHCP");
-    EXPECT_EQ(check.Text(), "[ ] vmnic0");
-    radio.SetChecked(false);
-    check.SetChecked(true);
-    EXPECT_EQ(radio.Text(), "( ) DHCP");
-    EXPECT_EQ(check.Text(), "[X] vmnic0");
-    EXPECT_TRUE(radio.IsSelectable());
-    EXPECT_TRUE(check.IsSelectable());
-    radio.SetEnabled(false);
-    EXPECT_EQ(radio.Foreground(), kDarkGrey);
-    radio.SetEnabled(true);
-    EXPECT_EQ(radio.Foreground(), kBlack);
 }
 
 }  // namespace

@@ -102,15 +102,6 @@ TEST_F(TextAreaTest, AppendBuildsOnTheKeptText) {
     EXPECT_EQ(_area->Text(), "");
 }
 
-TEST_F(TextAreaTest, BlackAndWhiteUsesStandoutOnDarkBackgrounds) {
-    bwColor = true;
-    _area->SetText("{bgcolor:black}ab{/bgcolor}cd{bgcolor:dark-grey}e{bgcolor:light-grey}f");
-    EXPECT_TRUE(AttrAt(Area(), 0, 0) & A_STANDOUT);
-    EXPECT_FALSE(AttrAt(Area(), 0, 2) & A_STANDOUT);
-    EXPECT_TRUE(AttrAt(Area(), 0, 4) & A_STANDOUT);
-    EXPECT_FALSE(AttrAt(Area(), 0, 5) & A_STANDOUT);
-}
-
 // The draw pass alone, on text no layout would produce: nothing may spill past the width or height.
 TEST_F(TextAreaTest, DrawNeverWritesOutsideTheCanvas) {
     _root->Print(0, 3, "zzzzzzzzzzzzzzzzzzzzzzzz");
