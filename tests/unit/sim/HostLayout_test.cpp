@@ -12,15 +12,6 @@ using KovoSim::Test::TempDir;
 
 namespace {
 
-TEST(HostLayoutTest, MapsHostPathsIntoTheDirectory) {
-    TempDir dir;
-    const HostLayout layout(dir / "host/");
-    EXPECT_EQ(layout.Dir(), dir / "host");
-    EXPECT_EQ(layout.OnDisk("/var/log/syslog.log"), dir / "host/upper/var/log/syslog.log");
-    EXPECT_EQ(layout.Work("/usr/bin"), dir / "host/work/usr/bin");
-    EXPECT_EQ(layout.State("console.pid"), dir / "host/state/console.pid");
-}
-
 TEST(HostLayoutTest, RelativeDirectoryIsTakenFromTheWorkingDirectory) {
     TempDir dir;
     const auto previous = std::filesystem::current_path();
@@ -43,21 +34,6 @@ TEST(HostLayoutTest, RejectsDirectoriesThatCannotCarryTheOverlays) {
     // Names that only start like an overlaid directory are fine.
     EXPECT_NO_THROW(HostLayout{"/etcetera/host"});
     EXPECT_NO_THROW(HostLayout{"/var/lib/host"});
-}
-
-TEST(HostLayoutTest, PrepareMakesEveryLayerAndPreparedNoticesAMissingOne) {
-    TempDir dir;
-    const HostLayout layout(dir / "host");
-    EXPECT_FALSE(layout.Prepared());
-    layout.Prepare();
-    EXPECT_TRUE(layout.Prepared());
-    for (const char* path : HostLayout::kOverlays) {
-        EXPECT_TRUE(std::filesystem::is_directory(layout.Upper(path))) << path;
-        EXPECT_TRUE(std::filesystem::is_directory(layout.Work(path))) << path;
-    }
-    layout.Prepare();  // again: nothing changes, nothing fails
-    std::filesystem::remove(layout.Work("/var/log"));
-    EXPECT_FALSE(layout.Prepared());
 }
 
 }  // namespace

@@ -1,15 +1,13 @@
-// The host's network and name files as worked out from its store, and the steps from one store to the
-// next that the running host takes.
+// The host's addresses as worked out from its store, and the steps from one store to the next that the
+// running host takes. The name files it writes are the end-to-end resolver tests' to prove.
 #include "launcher/HostNetwork.h"
 
 #include <gtest/gtest.h>
 
 #include "launcher/HostBoot.h"
-#include "launcher/HostFiles.h"
 #include "launcher/NetworkFollower.h"
 
 using KovoSim::HostBoot;
-using KovoSim::HostFiles;
 using KovoSim::HostNetwork;
 using KovoSim::NetworkChanges;
 using KovoSim::NetworkState;
@@ -90,45 +88,6 @@ TEST(HostNetworkTest, TheManagementAddressIsTheOneTheInterfaceRuns) {
                       json::parse(R"({"network": {"zenkNics": )" + std::string(nics) + "}}")),
                   address)
             << nics;
-}
-
-TEST(HostNetworkTest, DnsAnswersTheHostsNameAndTheScenariosNames) {
-    const json scenario = json::parse(R"({
-      "network": {"dns": {"hostname": "h1", "domain": "lab.example"},
-                  "zenkNics": [{"management": true, "ipConfig": {"ipv4": {"address": "10.0.0.41"}}}]},
-      "simulation": {"names": {"www.lab.example": "10.0.0.80", "multi.lab.example": ["10.0.0.81", "2001:db8::81"],
-                               "bad.lab.example": "not-an-address"}}
-    })");
-    const auto names = HostNetwork::DnsNames(HostBoot::StoreOf(scenario), scenario);
-    const std::vector<std::pair<std::string, std::string>> expected = {{"h1.lab.example", "10.0.0.41"},
-                                                                       {"multi.lab.example", "10.0.0.81"},
-                                                                       {"multi.lab.example", "2001:db8::81"},
-                                                                       {"www.lab.example", "10.0.0.80"}};
-    EXPECT_EQ(names, expected);
-    // No management address: the host's own name is not served.
-    EXPECT_TRUE(
-        HostNetwork::DnsNames(json::parse(R"({"network": {"dns": {"hostname": "h1"}}})"), json::object())
-            .empty());
-}
-
-TEST(HostNetworkTest, NameFilesSayWhatTheStoreHolds) {
-    const json store = json::parse(R"({"network": {
-      "dns": {"hostname": "h1", "domain": "lab.example", "nameServers": ["10.0.0.2", "10.0.0.3", "10.0.0.4"],
-              "ipv6NameServers": ["2001:db8::53"], "searchDomains": ["lab.example", "corp.example"]},
-      "zenkNics": [{"management": true, "running": {"ipv4": {"address": "10.0.0.41"}}}]}})");
-    EXPECT_EQ(HostFiles::Hostname(store), "h1\n");
-    EXPECT_EQ(
-        HostFiles::Hosts(store),
-        "127.0.0.1\tlocalhost\n::1\tlocalhost ip6-localhost ip6-loopback\n10.0.0.41\th1.lab.example\th1\n");
-    EXPECT_EQ(
-        HostFiles::ResolvConf(store),
-        "search lab.example corp.example\nnameserver 10.0.0.2\nnameserver 10.0.0.3\nnameserver 10.0.0.4\n"
-        "options timeout:1 attempts:1\n");
-
-    const json bare = json::parse(R"({"network": {"dns": {"ipv6NameServers": ["2001:db8::53"]}}})");
-    EXPECT_EQ(HostFiles::Hostname(bare), "localhost\n");
-    EXPECT_EQ(HostFiles::Hosts(bare), "127.0.0.1\tlocalhost\n::1\tlocalhost ip6-localhost ip6-loopback\n");
-    EXPECT_EQ(HostFiles::ResolvConf(bare), "nameserver 2001:db8::53\noptions timeout:1 attempts:1\n");
 }
 
 json Host(const std::string& address, const std::string& gateway, const json& servers, int saved) {
