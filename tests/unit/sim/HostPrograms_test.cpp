@@ -1,6 +1,7 @@
 #include "host/HostPrograms.h"
 
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -83,8 +84,8 @@ class HostProgramsTest : public ::testing::Test {
     pid_t _initPid = -1;
 };
 
-// What the console runs every day (refresh, autostop, lockdown, SSH) and that every run is recorded are
-// the end-to-end tests' to prove; the refusals and the recorded path's resolution are here.
+// What the console runs every day (refresh, autostop, lockdown, SSH), and the program and arguments of
+// every run, are the end-to-end tests' to prove; the refusals, who ran it and the path are here.
 TEST_F(HostProgramsTest, HclCmdActsOnlyAsUsersItKnows) {
     auto hcl = [](const std::string& user, const std::string& command) {
         return std::vector<std::string>{"hcl-cmd", "-U", user, command};
@@ -100,7 +101,11 @@ TEST_F(HostProgramsTest, HclCmdActsOnlyAsUsersItKnows) {
 }
 
 // The path is recorded absolute, as the program was found from the directory it ran in.
-TEST(HostProgramsPath, IsRecordedAbsoluteFromTheDirectoryItRanIn) {
+TEST_F(HostProgramsTest, EveryRunIsRecordedWithWhoRanItAndTheAbsolutePath) {
+    Run({"powerOffVms"}, "/sbin/powerOffVms");
+    const json record = json::parse(ReadFile(_tmp / "commands.log"));
+    EXPECT_EQ(record["uid"], ::getuid());
+    EXPECT_EQ(record["user"], ::getpwuid(::getuid())->pw_name);
     for (const auto& [path, cwd, absolute] : {std::tuple{"/sbin/powerOffVms", "/tmp", "/sbin/powerOffVms"},
                                               {"./powerOffVms", "/sbin", "/sbin/powerOffVms"},
                                               {"../bin/zenkping", "/usr/sbin", "/usr/bin/zenkping"},
