@@ -36,4 +36,15 @@ TEST(HostLayoutTest, RejectsDirectoriesThatCannotCarryTheOverlays) {
     EXPECT_NO_THROW(HostLayout{"/var/lib/host"});
 }
 
+// The launcher takes a directory for a host only when every layer is there.
+TEST(HostLayoutTest, ADirectoryMissingALayerIsNoHost) {
+    TempDir dir;
+    const HostLayout layout(dir / "host");
+    EXPECT_FALSE(layout.Prepared());
+    layout.Prepare();
+    EXPECT_TRUE(layout.Prepared());
+    std::filesystem::remove(layout.Work("/var/log"));
+    EXPECT_FALSE(layout.Prepared());
+}
+
 }  // namespace

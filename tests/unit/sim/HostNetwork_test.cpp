@@ -1,13 +1,15 @@
-// The host's addresses as worked out from its store, and the steps from one store to the next that the
-// running host takes. The name files it writes are the end-to-end resolver tests' to prove.
+// The host's network and name files as worked out from its store, and the steps from one store to the
+// next that the running host takes.
 #include "launcher/HostNetwork.h"
 
 #include <gtest/gtest.h>
 
 #include "launcher/HostBoot.h"
+#include "launcher/HostFiles.h"
 #include "launcher/NetworkFollower.h"
 
 using KovoSim::HostBoot;
+using KovoSim::HostFiles;
 using KovoSim::HostNetwork;
 using KovoSim::NetworkChanges;
 using KovoSim::NetworkState;
@@ -88,6 +90,34 @@ TEST(HostNetworkTest, TheManagementAddressIsTheOneTheInterfaceRuns) {
                       json::parse(R"({"network": {"zenkNics": )" + std::string(nics) + "}}")),
                   address)
             << nics;
+}
+
+TEST(HostNetworkTest, DnsAnswersTheHostsNameAndTheScenariosNames) {
+    const json scenario = json::parse(R"({
+      "network": {"dns": {"hostname": "h1", "domain": "lab.example"},
+                  "zenkNics": [{"management": true, "ipConfig": {"ipv4": {"address": "10.0.0.41"}}}]},
+      "simulation": {"names": {"www.lab.example": "10.0.0.80", "multi.lab.example": ["10.0.0.81", "2001:db8::81"],
+                               "bad.lab.example": "not-an-address"}}
+    })");
+    const auto names = HostNetwork::DnsNames(HostBoot::StoreOf(scenario), scenario);
+    const std::vector<std::pair<std::string, std::string>> expected = {{"h1.lab.example", "10.0.0.41"},
+                                                                       {"multi.lab.example", "10.0.0.81"},
+                                                                       {"multi.lab.example", "2001:db8::81"},
+                                                                       {"www.lab.example", "10.0.0.80"}};
+    EXPECT_EQ(names, expected);
+    // No management address: the host's own name is not served.
+    EXPECT_TRUE(
+        HostNetwork::DnsNames(json::parse(R"({"network": {"dns": {"hostname": "h1"}}})"), json::object())
+            .empty());
+}
+
+// A named host's name files are what the end-to-end resolver tests read; a host without a name or an
+// address still gets files a resolver accepts.
+TEST(HostNetworkTest, AHostWithoutANameOrAnAddressGetsLocalhostOnly) {
+    const json bare = json::parse(R"({"network": {"dns": {"ipv6NameServers": ["2001:db8::53"]}}})");
+    EXPECT_EQ(HostFiles::Hostname(bare), "localhost\n");
+    EXPECT_EQ(HostFiles::Hosts(bare), "127.0.0.1\tlocalhost\n::1\tlocalhost ip6-localhost ip6-loopback\n");
+    EXPECT_EQ(HostFiles::ResolvConf(bare), "nameserver 2001:db8::53\noptions timeout:1 attempts:1\n");
 }
 
 json Host(const std::string& address, const std::string& gateway, const json& servers, int saved) {

@@ -84,9 +84,9 @@ class HostProgramsTest : public ::testing::Test {
     pid_t _initPid = -1;
 };
 
-// What the console runs every day (refresh, autostop, lockdown, SSH), and the program and arguments of
-// every run, are the end-to-end tests' to prove; the refusals, who ran it and the path are here.
-TEST_F(HostProgramsTest, HclCmdActsOnlyAsUsersItKnows) {
+// What the console runs every day (refresh, autostop, the lockdown query, SSH), a refused lockdown and
+// the program and arguments of every run are the end-to-end tests' to prove.
+TEST_F(HostProgramsTest, HclCmdActsOnlyAsUsersItKnowsOnServicesAndLockdown) {
     auto hcl = [](const std::string& user, const std::string& command) {
         return std::vector<std::string>{"hcl-cmd", "-U", user, command};
     };
@@ -96,8 +96,15 @@ TEST_F(HostProgramsTest, HclCmdActsOnlyAsUsersItKnows) {
         {hcl("root", "no/such/command"), 1, nullptr, "Unknown command 'no/such/command'"},
         {{"hcl-cmd", "root", "internalsvc/refresh"}, 1},
         {{"hcl-cmd"}, 1},
+        {hcl("kovo", "hclsvc/auth/lockdown_mode_enter"), 0},
+        {hcl("kovo", "hclsvc/auth/lockdown_is_enabled"), 0, "true\n"},
+        {hcl("kovo", "hclsvc/auth/lockdown_mode_exit"), 0},
+        {hcl("kovo", "hclsvc/auth/lockdown_is_enabled"), 0, "false\n"},
+        {hcl("root", "hostsvc/start_qor_shell"), 0},
+        {hcl("root", "hostsvc/enable_qor_shell"), 0},
     });
     EXPECT_EQ(At("/services/SSH/running"), true);
+    EXPECT_EQ(At("/services/QorShell"), json({{"enabled", true}, {"running", true}}));
 }
 
 // The path is recorded absolute, as the program was found from the directory it ran in.
