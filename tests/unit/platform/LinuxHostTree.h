@@ -43,18 +43,15 @@ class LinuxHostTree {
         Write("/proc/cpuinfo",
               "processor\t: 0\nmodel name\t: QEMU Virtual CPU version 2.5+\n\n"
               "processor\t: 1\nmodel name\t: QEMU Virtual CPU version 2.5+\n\n");
-        for (const char* name : {"sys_vendor", "product_name", "product_serial", "bios_version", "bios_date",
-                                 "bios_release", "chassis_asset_tag"}) {
-            static const std::map<std::string, std::string> values{
-                {"sys_vendor", "QEMU"},
-                {"product_name", "Standard PC (i440FX + PIIX, 1996)"},
-                {"product_serial", "Not Specified"},
-                {"bios_version", "1.16.2-debian-1.16.2-1"},
-                {"bios_date", "04/01/2014"},
-                {"bios_release", "0.0"},
-                {"chassis_asset_tag", ""}};
-            Write(std::string("/sys/class/dmi/id/") + name, values.at(name) + "\n");
-        }
+        for (const auto& [name, value] :
+             std::map<std::string, std::string>{{"sys_vendor", "QEMU"},
+                                                {"product_name", "Standard PC (i440FX + PIIX, 1996)"},
+                                                {"product_serial", "Not Specified"},
+                                                {"bios_version", "1.16.2-debian-1.16.2-1"},
+                                                {"bios_date", "04/01/2014"},
+                                                {"bios_release", "0.0"},
+                                                {"chassis_asset_tag", ""}})
+            Write("/sys/class/dmi/id/" + name, value + "\n");
         Interface("lo", false);
         Interface("br0", false);
         Interface("ens3", true);

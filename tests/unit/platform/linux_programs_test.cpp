@@ -31,10 +31,6 @@ TEST(LinuxPrograms, EachDocumentedProgramBecomesTheHostsWayOfDoingItsJob) {
     } cases[] = {
         {{"/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "hostsvc/start_ssh"}},
          {LinuxPrograms::kHostTool, Tool({"service", "ssh", "start"})}},
-        {{"/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "hostsvc/disable_qor_shell"}},
-         {LinuxPrograms::kHostTool, Tool({"service", "shell", "disable"})}},
-        {{"/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "hclsvc/auth/lockdown_is_possible"}},
-         {LinuxPrograms::kHostTool, Tool({"query", "lockdown-possible"})}},
         {{"/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "hclsvc/auth/lockdown_mode_enter"}},
          {LinuxPrograms::kHostTool, Tool({"unavailable", "Lockdown mode"})}},
         {{"/bin/hcl-cmd", {"hcl-cmd", "-U", "root", "internalsvc/refresh"}}, {"/bin/true", {"true"}}},
@@ -54,7 +50,6 @@ TEST(LinuxPrograms, EachDocumentedProgramBecomesTheHostsWayOfDoingItsJob) {
         {{"/bin/less", {"less", "-cfP", "<Q> Quit", "/var/log/zenkernel.log"}},
          {LinuxPrograms::kHostTool, Tool({"log", "kernel", "-cfP", "<Q> Quit"})}},
         {{"/bin/less", {"less", "/var/log/obsd.log"}}, {"/usr/bin/less", {"less", "/var/log/obsd.log"}}},
-        {{"/bin/less", {"less", "/tmp/report.txt"}}, {"/usr/bin/less", {"less", "/tmp/report.txt"}}},
         {{"/sbin/backup.sh", {"backup.sh"}}, {"/bin/true", {"true"}}},
         {{"/bin/sh", {"sh", "-c", "/sbin/firmwareConfig.py --reset-only > /dev/null 2>&1"}},
          {LinuxPrograms::kHostTool, Tool({"unavailable", "Resetting the configuration"})}},
@@ -129,13 +124,10 @@ TEST_F(HostToolTest, LockdownIsNeverOnAndUnknownJobsAreRefused) {
     EXPECT_EQ(LinuxHost::HostTool::JournalOf("kernel").back(), "--dmesg");
 }
 
+// libvirt's test driver starts with one running machine in every new connection; counting it, and a
+// hypervisor that cannot be asked, are the resource tests' below.
 TEST(VirtualMachines, RunningMachinesAreAskedToShutDown) {
-    // libvirt's test driver starts with one running machine in every new connection.
-    const LinuxHost::VirtualMachines vms("test:///default");
-    EXPECT_EQ(vms.CountRunning(), 1);
-    EXPECT_EQ(vms.ShutDown(false, 5), 0);
-    EXPECT_THROW(LinuxHost::VirtualMachines("test:///no/such/file.xml").CountRunning(),
-                 HostCtl::Lib::HostCtlException);
+    EXPECT_EQ(LinuxHost::VirtualMachines("test:///default").ShutDown(false, 5), 0);
 }
 
 // The console asks the host tool, in a process of its own, and tells its three answers apart.

@@ -159,7 +159,6 @@ TEST_F(NetworkTest, ConnectionPointsAndDistributedPorts) {
     EXPECT_EQ(dv.connecteeType, CONNECTEE_DVPORT);
     DVPortImpl port(dv.dvsName, dv.portKey, store);
     EXPECT_EQ(port.GetVlanId(), 5);
-    EXPECT_EQ(port.GetUplinks(), (std::vector<std::string>{"zennic1"}));
     port.SetVlanId(4094);
     EXPECT_EQ(port.GetVlanId(), 4094);
     EXPECT_THROW(port.SetVlanId(4095), HostCtlException);
@@ -173,9 +172,7 @@ TEST_F(NetworkTest, SwitchesUplinksPortGroupsAndVlans) {
     PortsetImpl portsets(store);
     switches.AddVirtualSwitch("xSwitch1", HostCtl::Network::Portset::DEF_NUM_PORTS);
     EXPECT_THROW(switches.AddVirtualSwitch("xSwitch1", 128), HostCtlException);
-    switches.AddPortGroup("xSwitch1", "Management Network1");
     EXPECT_THROW(switches.AddPortGroup("xSwitch1", "VM Network"), HostCtlException);  // names are host-wide
-    EXPECT_EQ(switches.GetPortGroupSwitch("Management Network1"), "xSwitch1");
 
     // A NIC belongs to one switch at a time.
     EXPECT_EQ(switches.FindUplinkOwner("zennic1"), "xds0");
@@ -194,6 +191,8 @@ TEST_F(NetworkTest, SwitchesUplinksPortGroupsAndVlans) {
     EXPECT_FALSE(portsets.IsValidVirtualSwitch("xSwitch1"));
 }
 
+// Setting, refusing and reading back in order are the platform contract's; here is what only this
+// platform adds.
 TEST_F(NetworkTest, DnsNamesServersAndSearchDomains) {
     DnsConfigImpl dns("defaultNetStack", store);
     EXPECT_THROW(DnsConfigImpl("otherStack", store), HostCtlException);
@@ -202,7 +201,6 @@ TEST_F(NetworkTest, DnsNamesServersAndSearchDomains) {
     EXPECT_EQ(dns.GetDomain(), "lab.example.org");
     dns.SetHostname("h2", false);
     EXPECT_EQ(dns.GetDomain(), "lab.example.org");
-    EXPECT_THROW(dns.SetHostname("bad_name", false), HostCtlException);
     EXPECT_THROW(dns.SetFqdn("h.", false, ""), HostCtlException);
 
     dns.RemoveNameServers();
@@ -215,9 +213,8 @@ TEST_F(NetworkTest, DnsNamesServersAndSearchDomains) {
     EXPECT_EQ(dns.GetIpv6NameServers(true), (std::vector<std::string>{"2001:db8::53", "10.0.0.2"}));
 
     dns.SetSearchDomainsString(dns.GetDomain());
-    for (const char* s : {"a.example", "b.example", "c.example"}) dns.AddSearchDomain(s);
-    EXPECT_EQ(dns.GetSearchDomains(),
-              (std::vector<std::string>{"lab.example.org", "a.example", "b.example", "c.example"}));
+    dns.AddSearchDomain("a.example");
+    EXPECT_EQ(dns.GetSearchDomains(), (std::vector<std::string>{"lab.example.org", "a.example"}));
     dns.SetSearchDomainsString("");
     EXPECT_TRUE(dns.GetSearchDomains().empty());
     EXPECT_THROW(dns.AddSearchDomain("under_score.example"), HostCtlException);
@@ -225,13 +222,8 @@ TEST_F(NetworkTest, DnsNamesServersAndSearchDomains) {
     EXPECT_EQ(store->Get("/network/dns/saved"), 1);
 }
 
-TEST_F(NetworkTest, Ipv6SwitchWaitsForBootAndFactoryRestoreRebuildsManagement) {
+TEST_F(NetworkTest, AFactoryRestoreNeedsTheOldNetworkClearedFirst) {
     NetworkInfoImpl info(store);
-    EXPECT_TRUE(info.IsZenkIpv6Enabled());
-    info.SetZenkIpv6Enabled(false);
-    EXPECT_TRUE(info.IsZenkIpv6Enabled());
-    EXPECT_FALSE(info.GetPendingZenkIpv6Enabled());
-
     // What a factory restore rebuilds (the switch, its first NIC, the interface on DHCP, the net dumper
     // off) the end-to-end restore tests read back; only a restore that was not cleared first is here.
     EXPECT_THROW(info.AutoConfigNetwork(), HostCtlException);  // xSwitch0 still exists
@@ -257,13 +249,10 @@ TEST(HostsFileTest, RemovesTheNameEverywhereAndKeepsTheRest) {
     EXPECT_EQ(HostCtl::Network::HostsTable::RemoveName(text, "h1.example.com", found),
               "# static table\n127.0.0.1\tlocalhost\n192.168.10.20\th1\n10.0.0.9\tother # x\n");
     EXPECT_TRUE(found);
-    EXPECT_EQ(HostCtl::Network::HostsTable::RemoveName(text, "nothere", found), text);
-    EXPECT_FALSE(found);
     // The address column is not a name.
     EXPECT_EQ(HostCtl::Network::HostsTable::RemoveName("127.0.0.1 localhost\n", "127.0.0.1", found),
               "127.0.0.1 localhost\n");
-
-    // The file taken apart and put back is the hosts-file backup's tests' business.
+    // A name the file does not hold is the hosts-file backup's tests' business.
     TempDir dir;
     EXPECT_THROW(HostCtl::Network::HostsTable(dir.File("missing")).RemoveEntryByHostName("x"),
                  std::system_error);

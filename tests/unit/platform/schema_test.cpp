@@ -13,43 +13,9 @@ using Faults = std::vector<std::string>;
 
 namespace {
 
-TEST(StoreSchemaTest, TheCompleteExampleHostFitsAndEveryConstantIsARow) {
+TEST(StoreSchemaTest, TheCompleteExampleHostFits) {
     std::ifstream in(std::string(KOVO_FIXTURES) + "/host.json");
     EXPECT_EQ(Check(json::parse(in)), Faults{});
-    // The pointers the platform reads are rows of the table (a value of the wrong type is another fault).
-    namespace S = ZenkCtl::Store::Schema;
-    for (const char* pointer : {S::kSystem,
-                                S::kVersion,
-                                S::kBootOptions,
-                                S::kPreferences,
-                                S::kKeyboard,
-                                S::kAlerts,
-                                S::kHardware,
-                                S::kCpu,
-                                S::kMemory,
-                                S::kStorageAdapters,
-                                S::kSmartCardSlots,
-                                S::kNetwork,
-                                S::kIpv6Enabled,
-                                S::kNetDumper,
-                                S::kPnics,
-                                S::kSwitches,
-                                S::kDvs,
-                                S::kOpaqueNetworks,
-                                S::kZenkNics,
-                                S::kRouting,
-                                S::kDns,
-                                S::kDhcpLeases,
-                                S::kUsers,
-                                S::kServices,
-                                S::kLockdown,
-                                S::kAdvancedOptions,
-                                S::kFirewallRulesets,
-                                S::kVms,
-                                S::kMarkers,
-                                S::kPendingBoot})
-        for (const auto& fault : Check(json(nullptr), pointer))
-            EXPECT_EQ(fault.find("not a member"), std::string::npos) << fault;
 }
 
 TEST(StoreSchemaTest, MisspeltMembersAndWrongTypesAreNamedByTheirPointer) {

@@ -58,14 +58,13 @@ TEST(HostStoreTest, MissingMalformedEmptyOrNonObjectStoreIsAHostCtlException) {
     HostStore store(dir.File("host.json"));
     EXPECT_NE(ErrorOf([&] { store.Read(); }).find("does not exist"), std::string::npos);
 
-    WriteText(store.Path(), "");
-    EXPECT_NE(ErrorOf([&] { store.Read(); }).find("empty"), std::string::npos);
-    WriteText(store.Path(), "{\"network\": {\"dns\": ");
-    EXPECT_NE(ErrorOf([&] { store.Read(); }).find("malformed"), std::string::npos);
-    WriteText(store.Path(), "[1, 2]");
-    EXPECT_NE(ErrorOf([&] { store.Read(); }).find("not a JSON object"), std::string::npos);
-    WriteText(store.Path(), "{} trailing");
-    EXPECT_THROW(store.Read(), HostCtlException);
+    for (const auto& [text, says] : {std::pair{"", "empty"},
+                                     {"{\"network\": {\"dns\": ", "malformed"},
+                                     {"[1, 2]", "not a JSON object"},
+                                     {"{} trailing", "malformed"}}) {
+        WriteText(store.Path(), text);
+        EXPECT_NE(ErrorOf([&] { store.Read(); }).find(says), std::string::npos) << text;
+    }
     EXPECT_THROW(store.Update([](json& d) { d["x"] = 1; }), HostCtlException);
     EXPECT_THROW(store.Get("/x"), HostCtlException);
 

@@ -9,7 +9,6 @@
 #include "platform/zenkctl/CpuInfoImpl.h"
 #include "platform/zenkctl/HalvorHostFactory.h"
 #include "platform/zenkctl/MemoryInfoImpl.h"
-#include "platform/zenkctl/ResourceInfoImpl.h"
 #include "platform/zenkctl/SmartCardInfoImpl.h"
 #include "platform/zenkctl/SysinfoUtil.h"
 #include "platform/zenkctl/ZenkCtlExec.h"
@@ -63,19 +62,8 @@ TEST_F(SystemTest, VersionRecordHoldsTheStoreIdentityAtItsOffsets) {
     EXPECT_THROW(SysinfoUtil::SysinfoGet(missing, SYSNODE_system_version, raw, 312), HostCtlException);
 }
 
-TEST_F(SystemTest, BootOptionsRecordCarriesAuditMode) {
-    SysinfoBootOptions options{};
-    SysinfoUtil::SysinfoGet(*store, SYSNODE_boot_options, &options, sizeof options);
-    EXPECT_EQ(options.auditMode, 1);
-    EXPECT_EQ(options.pxeBoot, 0);
-}
-
-TEST_F(SystemTest, HardwareCpuMemoryAndFirmwareThroughTheHost) {
+TEST_F(SystemTest, AdaptersCpuAndMemoryThroughTheHost) {
     const auto host = std::make_unique<ZenkCtl::HalvorHostFactory>(store);
-    auto hw = host->GetHardwareInfo();
-    EXPECT_EQ(hw->GetVendorName(), "Acme Systems");
-    EXPECT_EQ(hw->GetSerialNumber(), "SN-0042");
-    EXPECT_EQ(hw->GetBiosInfo().minorRelease, 11);
     EXPECT_EQ(host->GetStorageInfo()->GetAdapterVersion("zenhba0"), "3.0.1");
     EXPECT_THROW(host->GetStorageInfo()->GetAdapterVersion("zenhba9"), HostCtlException);
     EXPECT_EQ(ZenkCtl::Hardware::CpuInfoImpl(store).GetNumCpuPackages(), 2u);
@@ -85,36 +73,17 @@ TEST_F(SystemTest, HardwareCpuMemoryAndFirmwareThroughTheHost) {
     EXPECT_THROW(memory.GetTotalPages(), HostCtlException);
 }
 
-TEST_F(SystemTest, SmartCardSlotsAndTokens) {
-    ZenkCtl::Hardware::SmartCardInfoImpl cards(store);
-    auto slots = cards.GetAllSlots();
-    ASSERT_EQ(slots.size(), 2u);
+// What the store holds reaches the operator's screens in the end-to-end tests (the serial number, audit
+// mode, a card's user, the keyboard layout, the firewall, running machines); here is what is refused.
+TEST_F(SystemTest, UnknownCardsLayoutsAndRulesetsAreRefused) {
     HostCtl::Hardware::SmartCardToken token;
-    EXPECT_FALSE(cards.GetToken(slots[0], token));
-    ASSERT_TRUE(cards.GetToken(slots[1], token));
-    EXPECT_EQ(token.userIds, (std::vector<std::string>{"", "alice"}));
-    EXPECT_THROW(cards.GetToken({7, "ghost"}, token), HostCtlException);
-}
-
-TEST_F(SystemTest, KeyboardFirewallAndVms) {
+    EXPECT_THROW(ZenkCtl::Hardware::SmartCardInfoImpl(store).GetToken({7, "ghost"}, token), HostCtlException);
     auto system = ZenkCtl::HalvorHostFactory(store).GetSystemInfo();
-    EXPECT_EQ(system->GetKeyboardLayout(), "US Default");
     system->LoadKeyboardMappings("German");
     system->SetKeyboardLayout("German");
-    EXPECT_EQ(system->GetKeyboardLayout(), "German");
     EXPECT_THROW(system->SetKeyboardLayout("Klingon"), HostCtlException);
     EXPECT_EQ(system->GetKeyboardLayout(), "German");
-
-    auto ssh = system->GetFirewallRulesetById("sshServer");
-    EXPECT_FALSE(ssh->IsEnabled());
-    ssh->Enable();
-    EXPECT_TRUE(system->GetFirewallRulesetById("sshServer")->IsEnabled());
     EXPECT_THROW(system->GetFirewallRulesetById("nope"), HostCtlException);
-
-    ZenkCtl::Resource::ResourceInfoImpl vms(store);
-    EXPECT_TRUE(vms.HasRunningVirtualMachines());
-    store->Update([](json& d) { d["vms"][0]["powerState"] = "poweredOff"; });
-    EXPECT_FALSE(vms.HasRunningVirtualMachines());
 }
 
 TEST(ZenkCtlExecTest, ReturnsExitStatusAndRunsDetachedCommands) {

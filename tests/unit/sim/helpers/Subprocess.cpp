@@ -3,8 +3,6 @@
 #include <fcntl.h>
 #include <grp.h>
 #include <poll.h>
-#include <pty.h>
-#include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -85,58 +83,6 @@ RunResult RunProgram(const std::vector<std::string>& argv, const RunOptions& opt
     ::waitpid(pid, &status, 0);
     result.status = StatusOf(status);
     return result;
-}
-
-PtyProcess::PtyProcess(const std::vector<std::string>& argv) {
-    struct winsize size {};
-    size.ws_row = 24;
-    size.ws_col = 80;
-    _pid = ::forkpty(&_master, nullptr, nullptr, &size);
-    if (_pid < 0) throw std::runtime_error("forkpty");
-    if (_pid == 0) Exec(argv);
-    ::fcntl(_master, F_SETFD, FD_CLOEXEC);
-}
-
-PtyProcess::~PtyProcess() {
-    if (_status < 0 && _pid > 0) {
-        ::kill(_pid, SIGKILL);
-        int status;
-        ::waitpid(_pid, &status, 0);
-    }
-    if (_master >= 0) ::close(_master);
-}
-
-void PtyProcess::Write(const std::string& bytes) {
-    if (::write(_master, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
-        throw std::runtime_error("write to the terminal");
-}
-
-bool PtyProcess::ReadUntil(const std::function<bool(const std::string&)>& done,
-                           std::chrono::milliseconds deadline) {
-    const auto end = Clock::now() + deadline;
-    while (!done(_output)) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
-        if (left <= 0) return false;
-        struct pollfd fd = {_master, POLLIN, 0};
-        if (::poll(&fd, 1, static_cast<int>(left)) <= 0) continue;
-        char buffer[4096];
-        const ssize_t n = ::read(_master, buffer, sizeof buffer);
-        if (n <= 0) return done(_output);  // the terminal closed: everything has been read
-        _output.append(buffer, static_cast<size_t>(n));
-    }
-    return true;
-}
-
-int PtyProcess::Wait(std::chrono::milliseconds deadline) {
-    int status = 0;
-    const bool ended = WaitFor(
-        [&] {
-            ReadUntil([](const std::string&) { return true; }, std::chrono::milliseconds(0));
-            return ::waitpid(_pid, &status, WNOHANG) == _pid;
-        },
-        deadline);
-    if (ended) _status = StatusOf(status);
-    return ended ? _status : -1;
 }
 
 bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds deadline) {

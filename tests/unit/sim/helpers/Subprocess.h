@@ -23,30 +23,6 @@ RunResult RunProgram(const std::vector<std::string>& argv, const RunOptions& opt
 RunResult RunInHost(const std::string& launcher, const std::string& hostDir,
                     const std::vector<std::string>& command);
 
-// A program on a new pseudo-terminal, as an operator's terminal would run it (its own session and
-// foreground process group, so the terminal's Ctrl-C reaches the whole group).
-class PtyProcess {
-  public:
-    explicit PtyProcess(const std::vector<std::string>& argv);
-    ~PtyProcess();
-    PtyProcess(const PtyProcess&) = delete;
-    PtyProcess& operator=(const PtyProcess&) = delete;
-
-    void Write(const std::string& bytes);
-    // Reads what the program printed until the predicate holds on all of it or the deadline passes.
-    bool ReadUntil(const std::function<bool(const std::string&)>& done, std::chrono::milliseconds deadline);
-    const std::string& Output() const { return _output; }
-    // Exit status (or 128 + signal); -1 when it did not end before the deadline.
-    int Wait(std::chrono::milliseconds deadline);
-    pid_t Pid() const { return _pid; }
-
-  private:
-    pid_t _pid = -1;
-    int _master = -1;
-    int _status = -1;
-    std::string _output;
-};
-
 bool WaitFor(const std::function<bool()>& condition,
              std::chrono::milliseconds deadline = std::chrono::milliseconds(20000));
 
