@@ -5,13 +5,10 @@
 
 #include "platform/hostctl/HostCtlException.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
-
-namespace {
-constexpr unsigned kUnknown = 34;
-}  // namespace
 
 SupportPages::SupportPages()
     : SupportPages({
@@ -48,7 +45,7 @@ std::string SupportPages::Compose(unsigned index, const StringFactory& strings) 
             // One value the host cannot give must not take the rest of the page with it.
             syslog(LOG_ERR, "Unable to read %s: %s", value.label.c_str(), e.what());
         }
-        if (shown.empty()) shown = strings.GetString(kUnknown);
+        if (shown.empty()) shown = strings.GetString(StringId::Unknown);
         if (!text.empty()) text += "\n\n";
         text += "{color:white}" + value.label + ":{/color}\n  " + shown;
     }

@@ -7,6 +7,7 @@
 #include "recovery/DoRestoreNetworkDialog.h"
 #include "recovery/NetworkRestoreWindow.h"
 #include "recovery/RestoreNetworkDialog.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 namespace {
@@ -47,20 +48,20 @@ class NetworkRestore : public NetworkDialogs {
 };
 
 TEST_F(NetworkRestore, DistributedSwitchEntriesOnlyWhenTheHostCanTellItIsOne) {
-    using W = NetworkRestoreWindow;
     Use("default");
-    EXPECT_EQ(Entries(), (std::vector<unsigned>{W::kRestoreNetwork}));
+    EXPECT_EQ(Entries(), (std::vector<unsigned>{StringId::RestoreNetworkEntry}));
     Use("dvs");
     EXPECT_EQ(Entries(),
-              (std::vector<unsigned>{W::kRestoreNetwork, W::kRestoreStandardSwitch, W::kRestoreDvs}));
+              (std::vector<unsigned>{StringId::RestoreNetworkEntry, StringId::RestoreStandardSwitchEntry,
+                                     StringId::RestoreDvsEntry}));
 
     // Whatever keeps the answer back, the window still opens, with the factory restore alone.
     Fault("ZenkNic.GetConnectionPoint");
-    EXPECT_EQ(Entries(), (std::vector<unsigned>{W::kRestoreNetwork}));
+    EXPECT_EQ(Entries(), (std::vector<unsigned>{StringId::RestoreNetworkEntry}));
     EXPECT_TRUE(host_->Made("error: Could not determine if a DVS was in use: broken"));
     Use("dvs");
     scratch_->Get()->Update([](json& d) { d["network"]["zenkNics"] = json::array(); });
-    EXPECT_EQ(Entries(), (std::vector<unsigned>{W::kRestoreNetwork}));
+    EXPECT_EQ(Entries(), (std::vector<unsigned>{StringId::RestoreNetworkEntry}));
     EXPECT_TRUE(host_->Made("error: Could not locate the management interface"));
 }
 
