@@ -62,7 +62,7 @@ namespace {
 
 // The text a layout names for its body; "" when the dialog sets its own.
 std::string BodyOf(const DialogLayout& layout) {
-    return layout.bodyId != 0 ? GetStringFactory("en_US")->GetString(layout.bodyId) : std::string();
+    return layout.bodyId != kNoTextId ? GetStringFactory("en_US")->GetString(layout.bodyId) : std::string();
 }
 
 }  // namespace
@@ -99,7 +99,7 @@ Dialog::Dialog(Frame* parent, const DialogLayout& layout, const std::string& bod
     _message = new TextArea(_header, 3, 3, width - 6, headerHeight - 4, -1, kLightGrey);
     _footer = new TextArea(_body, 2, bodyHeight - 2, width - 4, 1, -1, kBlack);
     if (bodyHeight - 4 >= 1) _content = _body->AddChild(2, 1, width - 4, bodyHeight - 4, kYellow, kDarkGrey);
-    if (layout.titleId != 0) SetTitle(Strings()->GetString(layout.titleId));
+    if (layout.titleId != kNoTextId) SetTitle(Strings()->GetString(layout.titleId));
     if (!body.empty()) SetText(body);
     SetFooter(layout.footer);
 }

@@ -16,14 +16,18 @@ class LabelItem;
 class RadioItem;
 class TextArea;
 
+// In place of a string id: no text, the dialog leaves it empty or sets it itself. (Id 0 names the welcome
+// screen's key hint, which is never a dialog's title or body.)
+inline constexpr unsigned kNoTextId = 0;
+
 // What a dialog looks like before it does anything: its size, the height of its header, its title and
-// body texts (string ids; 0 leaves the text to the dialog) and its key line.
+// body texts (string ids, or kNoTextId) and its key line.
 struct DialogLayout {
     int width;
     int height;
     int headerHeight;
-    unsigned titleId = 0;
-    unsigned bodyId = 0;
+    unsigned titleId = kNoTextId;
+    unsigned bodyId = kNoTextId;
     const char* footer = "";
 };
 

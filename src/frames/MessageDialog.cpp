@@ -9,14 +9,15 @@ namespace Kovo {
 
 namespace {
 // Three rows for the message however short it is; a longer one makes the dialog taller.
-constexpr DialogLayout kLayout{70, 10, 7, 0, 0, Footer::kOk};
+constexpr DialogLayout kLayout{70, 10, 7, kNoTextId, kNoTextId, Footer::kOk};
 }  // namespace
 
 MessageDialog::MessageDialog(Frame* parent, unsigned titleId, unsigned messageId)
     : MessageDialog(parent, titleId, GetStringFactory("en_US")->GetString(messageId)) {}
 
 MessageDialog::MessageDialog(Frame* parent, unsigned titleId, const std::string& message)
-    : Dialog(parent, {kLayout.width, kLayout.height, kLayout.headerHeight, titleId, 0, kLayout.footer},
+    : Dialog(parent,
+             {kLayout.width, kLayout.height, kLayout.headerHeight, titleId, kNoTextId, kLayout.footer},
              message) {}
 
 bool MessageDialog::OnKey(int key) {

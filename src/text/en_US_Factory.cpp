@@ -1,5 +1,6 @@
 #include "text/en_US_Factory.h"
 
+#include <cstddef>
 #include <iterator>
 
 #include "text/HostPlatform.h"
@@ -9,16 +10,36 @@ namespace Kovo {
 
 namespace {
 
-// Indexed by id; kept as one reviewable data file.
+// Indexed by id.
 constexpr const char* kTexts[] = {
-#include "text/en_US_Strings.inc"
+#define KOVO_STRING(id, name, text) text,
+#include "text/StringTable.inc"
+#undef KOVO_STRING
 };
-static_assert(std::size(kTexts) == en_US_Factory::kLastId + 1, "one text per id, 0 to the last id");
+
+// The table's ids as written, in its order.
+constexpr unsigned int kIds[] = {
+#define KOVO_STRING(id, name, text) id,
+#include "text/StringTable.inc"
+#undef KOVO_STRING
+};
+
+constexpr bool IdsRunFromZeroWithoutGaps() {
+    for (std::size_t index = 0; index < std::size(kIds); ++index) {
+        if (kIds[index] != index) return false;
+    }
+    return true;
+}
+
+// A text is served by its place in the table, so each line's id must be its place: a line inserted,
+// dropped or moved would otherwise hand every later id another text.
+static_assert(IdsRunFromZeroWithoutGaps(), "the string table's ids run 0, 1, 2, ... in table order");
+static_assert(std::size(kTexts) == kStringIdCount, "one text per id, 0 to the last id");
 
 }  // namespace
 
 const char* en_US_Factory::GetString(unsigned int id) const {
-    if (id == kVersionLineId) {
+    if (id == StringId::HostVersionLine) {
         static VersionLine versionLine([] { return ReadHostVersionLine(); });
         return versionLine.Get();
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
@@ -8,8 +9,7 @@ namespace Kovo {
 // version line) is cached process-wide, not per object.
 class en_US_Factory : public StringFactory {
   public:
-    static constexpr unsigned int kVersionLineId = 2;
-    static constexpr unsigned int kLastId = 273;
+    static constexpr unsigned int kLastId = kStringIdCount - 1;
 
     const char* GetString(unsigned int id) const override;
 };

@@ -12,23 +12,11 @@
 #include "text/InputItem.h"
 #include "text/ItemList.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
 namespace {
-
-enum StringId : unsigned {
-    kTitle = 149,
-    kText = 150,
-    kOldLabel = 151,
-    kNewLabel = 152,
-    kConfirmLabel = 153,
-    kErrorTitle = 154,
-    kWrongOld = 156,
-    kMismatch = 157,
-    kEmpty = 158,
-    kChangeFailed = 160,
-};
 
 // The password fields take printable characters and exactly these editing keys.
 bool IsFieldKey(int key) {
@@ -65,8 +53,12 @@ ChangePasswordDialog::ChangePasswordDialog(Frame* parent, HostAccess& host)
     : ChangePasswordDialog(parent, PamOps{}, host) {}
 
 ChangePasswordDialog::ChangePasswordDialog(Frame* parent, PamOps pam, HostAccess& host)
-    : Dialog(parent, {60, 13, 6, kTitle, kText, Footer::kOkCancel}), _pam(pam), _host(host) {
-    const unsigned labels[kFieldCount] = {kOldLabel, kNewLabel, kConfirmLabel};
+    : Dialog(parent, {60, 13, 6, StringId::ConfigurePasswordTitle, StringId::ConfigurePasswordText,
+                      Footer::kOkCancel}),
+      _pam(pam),
+      _host(host) {
+    const unsigned labels[kFieldCount] = {StringId::OldPasswordLabel, StringId::NewPasswordLabel,
+                                          StringId::ConfirmPasswordLabel};
     for (int i = 0; i < kFieldCount; ++i) {
         _fields[i] = &AddField(Strings()->GetString(labels[i]), "", -1, FieldKeys::Printable);
         _fields[i]->SetMasked(true);
@@ -77,7 +69,7 @@ ChangePasswordDialog::ChangePasswordDialog(Frame* parent, PamOps pam, HostAccess
 ChangePasswordDialog::~ChangePasswordDialog() = default;
 
 void ChangePasswordDialog::Error(unsigned messageId) {
-    MessageDialog message(this, kErrorTitle, messageId);
+    MessageDialog message(this, StringId::ConfigurePasswordErrorTitle, messageId);
     message.RunModal();
     Items().Draw();
 }
@@ -119,7 +111,7 @@ bool ChangePasswordDialog::VerifyOld() {
     // The old password of an expired account is right even though the account needs a new one.
     if (status == PAM_SUCCESS || status == PAM_NEW_AUTHTOK_REQD) return true;
     _fields[kOld]->SetValue("");
-    Error(kWrongOld);
+    Error(StringId::WrongOldPassword);
     Focus(kOld);
     return false;
 }
@@ -129,10 +121,10 @@ bool ChangePasswordDialog::Submit() {
     const std::string& newPassword = _fields[kNew]->GetValue();
     switch (CheckNewPassword(oldPassword, newPassword, _fields[kConfirm]->GetValue())) {
         case NewPasswordCheck::Mismatch:
-            Error(kMismatch);
+            Error(StringId::PasswordMismatch);
             return false;
         case NewPasswordCheck::Empty:
-            Error(kEmpty);
+            Error(StringId::EmptyPasswordRefused);
             return false;
         case NewPasswordCheck::SameAsOld: {
             SamePasswordConfirmDialog confirm(this);
@@ -145,7 +137,7 @@ bool ChangePasswordDialog::Submit() {
             break;
     }
     if (!_pam.changePassword(_loginName, oldPassword, newPassword)) {
-        Error(kChangeFailed);
+        Error(StringId::PasswordChangeFailed);
         Focus(kNew);
         return false;
     }

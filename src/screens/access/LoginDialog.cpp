@@ -19,25 +19,11 @@
 #include "text/ItemList.h"
 #include "text/LabelItem.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
 namespace {
-
-enum StringId : unsigned {
-    kTitle = 136,
-    kPasswordPrompt = 137,
-    kPinPrompt = 138,
-    kLoginName = 141,
-    kLoginId = 142,
-    kPassword = 143,
-    kPin = 144,
-    kFailedTitle = 145,
-    kInvalidLogin = 146,
-    kNoPermission = 147,
-    kExpired = 148,
-    kConfigureKeyboard = 15,
-};
 
 constexpr const char* kLoginFailedEvent = "@&!*@*@(obs.user.kovo.login.failed)";
 
@@ -98,7 +84,7 @@ std::string HostNameAndDomain(HostAccess& host) {
 LoginDialog::LoginDialog(Frame* parent, HostAccess& host) : LoginDialog(parent, PamOps{}, host) {}
 
 LoginDialog::LoginDialog(Frame* parent, PamOps pam, HostAccess& host)
-    : Dialog(parent, {60, 13, 6, kTitle, 0,
+    : Dialog(parent, {60, 13, 6, StringId::AuthenticationRequiredTitle, kNoTextId,
                       _smartCardLoginId.empty() ? Footer::kOkCancel : Footer::kSwitchLoginOkCancel}),
       _pam(pam),
       _host(host),
@@ -111,13 +97,14 @@ LoginDialog::~LoginDialog() = default;
 
 void LoginDialog::SetMode(bool pinMode) {
     _pinMode = pinMode;
-    SetText(std::string(Strings()->GetString(pinMode ? kPinPrompt : kPasswordPrompt)) +
+    SetText(std::string(Strings()->GetString(pinMode ? StringId::PinPrompt : StringId::PasswordPrompt)) +
             HostNameAndDomain(_host));
     ClearItems();
     if (_hasKeyboard) _keyboard = &AddLabel(KeyboardText(), true);
-    _name = &AddField(Strings()->GetString(pinMode ? kLoginId : kLoginName),
+    _name = &AddField(Strings()->GetString(pinMode ? StringId::LoginIdLabel : StringId::LoginNameLabel),
                       pinMode ? _smartCardLoginId : std::string("root"), -1, FieldKeys::Printable);
-    _secret = &AddField(Strings()->GetString(pinMode ? kPin : kPassword), "", -1, FieldKeys::Printable);
+    _secret = &AddField(Strings()->GetString(pinMode ? StringId::PinLabel : StringId::PasswordLabel), "", -1,
+                        FieldKeys::Printable);
     _secret->SetMasked(true);
     ShowItems();
     Items().Draw();
@@ -173,7 +160,7 @@ void LoginDialog::ChangeKeyboard() {
     } catch (const HostCtl::Lib::HostCtlException& e) {
         LogFailure("Unable to change the keyboard layout: ", e);
         // The operator asked for a layout; the host's answer is theirs to see, not only the log's.
-        MessageDialog(this, kConfigureKeyboard, e.what()).RunModal();
+        MessageDialog(this, StringId::ConfigureKeyboard, e.what()).RunModal();
     }
     // Show the layout the host uses now, whatever the dialog managed to do.
     _keyboard->SetText(KeyboardText());
@@ -199,20 +186,20 @@ bool LoginDialog::TryLogin() {
             return true;
         case PAM_PERM_DENIED:
             Fail("Access denied for user " + _userName, "No permission",
-                 "Access denied for user " + _userName, kNoPermission);
+                 "Access denied for user " + _userName, StringId::NoLoginPermission);
             return false;
         case PAM_NEW_AUTHTOK_REQD: {
             SetSessionUser();
             // The host event deliberately carries the access-denied text.
             Fail("Password has expired for user " + _userName, "Password expired",
-                 "Access denied for user " + _userName, kExpired);
+                 "Access denied for user " + _userName, StringId::PasswordExpired);
             ChangePasswordDialog change(this, _pam, _host);
             change.RunModal();
             return false;
         }
         default: {
             const std::string line = "Authentication of user " + _userName + " failed";
-            Fail(line, "Invalid Login", line, kInvalidLogin);
+            Fail(line, "Invalid Login", line, StringId::InvalidLogin);
             return false;
         }
     }
@@ -223,7 +210,7 @@ void LoginDialog::Fail(const std::string& logLine, const char* reason, const std
     LogAuth(LOG_ERR, logLine);
     AuditLogin("login.connect", _userName, false, reason);
     _host.PostEvent(kLoginFailedEvent + eventMessage);
-    MessageDialog message(this, kFailedTitle, messageId);
+    MessageDialog message(this, StringId::AuthenticationFailedTitle, messageId);
     message.RunModal();
 }
 

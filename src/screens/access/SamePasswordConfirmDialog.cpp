@@ -1,14 +1,12 @@
 #include "access/SamePasswordConfirmDialog.h"
 
 #include "frames/Footers.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
-namespace {
-constexpr unsigned kTitle = 155, kSamePassword = 159;
-}  // namespace
-
 SamePasswordConfirmDialog::SamePasswordConfirmDialog(Frame* parent)
-    : ConfirmDialog(parent, {60, 10, 7, kTitle, kSamePassword, Footer::kConfirmCancel}) {}
+    : ConfirmDialog(parent, {60, 10, 7, StringId::ConfigurePasswordWarningTitle,
+                             StringId::SamePasswordQuestion, Footer::kConfirmCancel}) {}
 
 }  // namespace Kovo

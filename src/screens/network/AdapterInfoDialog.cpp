@@ -1,12 +1,9 @@
 #include "network/AdapterInfoDialog.h"
 
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
-
-namespace {
-constexpr unsigned kUnknown = 34;
-}  // namespace
 
 std::string AdapterInfoDialog::Text(const Adapter& adapter, const std::string& unknown) {
     const std::string usedBy = !adapter.usedByKnown     ? unknown
@@ -20,7 +17,8 @@ std::string AdapterInfoDialog::Text(const Adapter& adapter, const std::string& u
 }
 
 AdapterInfoDialog::AdapterInfoDialog(Frame* parent, const Adapter& adapter)
-    : MessageDialog(parent, 0, Text(adapter, GetStringFactory("en_US")->GetString(kUnknown))) {
+    : MessageDialog(parent, kNoTextId,
+                    Text(adapter, GetStringFactory("en_US")->GetString(StringId::Unknown))) {
     SetTitle("Adapter Details");
 }
 

@@ -14,13 +14,13 @@
 #include "terminal/Keys.h"
 #include "text/CheckItem.h"
 #include "text/ItemList.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 
 namespace {
 
-constexpr unsigned kTitle = 69, kBody = 70;
 constexpr const char* kFooter =
     "{color:black}<D>{/color} {color:dark-grey}View Details{/color}  {color:black}<Space>{/color} "
     "{color:dark-grey}Toggle Selected{/color}{align:right}{color:black}<Enter>{/color} "
@@ -81,7 +81,7 @@ std::string AdaptersDialog::RowText(const Adapter& adapter) {
 
 AdaptersDialog::AdaptersDialog(Frame* parent, HostAccess& host, std::vector<std::string> selected,
                                std::string managementSwitch)
-    : Dialog(parent, {72, 20, 6, kTitle, kBody, kFooter}),
+    : Dialog(parent, {72, 20, 6, StringId::NetworkAdaptersTitle, StringId::NetworkAdaptersText, kFooter}),
       _selected(std::move(selected)),
       _managementSwitch(std::move(managementSwitch)) {
     Scan(host);

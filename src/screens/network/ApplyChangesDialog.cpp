@@ -5,20 +5,20 @@
 #include "terminal/Keys.h"
 #include "text/MarkupLayout.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 
-namespace {
-constexpr unsigned kTitle = 204, kBody = 205, kRestartNetwork = 206, kRebootHost = 207;
-}  // namespace
-
 ApplyChangesDialog::ApplyChangesDialog(Frame* parent, bool ipv6Switched, const std::string& takeOver)
-    : Dialog(parent, {66, 16, 9, kTitle, kBody, Footer::kYesNoCancel},
-             GetStringFactory("en_US")->GetString(kBody) +
+    : Dialog(parent,
+             {66, 16, 9, StringId::ApplyNetworkChangesTitle, StringId::ApplyNetworkChangesText,
+              Footer::kYesNoCancel},
+             GetStringFactory("en_US")->GetString(StringId::ApplyNetworkChangesText) +
                  (takeOver.empty() ? std::string() : "\n\n" + MarkupSafe(takeOver))) {
     AddTextArea(0, 0, Content()->Width(), Content()->Height(), kBlack)
-        .SetText(Strings()->GetString(ipv6Switched ? kRebootHost : kRestartNetwork));
+        .SetText(Strings()->GetString(ipv6Switched ? StringId::ApplyAndRebootQuestion
+                                                   : StringId::ApplyAndRestartNetworkQuestion));
 }
 
 bool ApplyChangesDialog::OnKey(int key) {

@@ -13,6 +13,7 @@
 #include "platform/hostctl/Ipv4Address.h"
 #include "platform/hostctl/ZenkNic.h"
 #include "system/RebootConfirmDialog.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
@@ -20,8 +21,6 @@ using HostCtl::Network::IpConfig;
 using HostCtl::Network::Ipv4Address;
 
 namespace {
-
-constexpr unsigned kErrorTitle = 17;
 
 // What the operator reads when a step fails: what was being set, then the host's reason.
 constexpr const char* kMacFailed = "Setting mac address of zennic failed: ";
@@ -54,7 +53,7 @@ bool ChangeApplication::Guarded(const char* prefix, const std::function<void()>&
     } catch (const std::exception& e) {
         const std::string line = prefix + std::string(e.what());
         LogError(line);
-        MessageDialog(&_owner, kErrorTitle, line).RunModal();
+        MessageDialog(&_owner, StringId::EnableNetworkErrorTitle, line).RunModal();
         return false;
     }
 }

@@ -5,12 +5,9 @@
 #include "network/KeepNetworkDialog.h"
 #include "network/TestDialog.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
-
-namespace {
-constexpr unsigned kErrorTitle = 17, kRestoredTitle = 271, kRestored = 272, kInterfacesBack = 273;
-}  // namespace
 
 ChangeConfirmation::ChangeConfirmation(Frame& owner, HostAccess& host,
                                        HostCtl::Network::NetworkChange& change)
@@ -26,7 +23,7 @@ bool ChangeConfirmation::PutInPlaceAndAsk(HostCtl::Network::NetworkInfo& network
         const std::string line =
             std::string("Putting the network configuration in place failed: ") + e.what();
         LogError(line);
-        MessageDialog(&_owner, kErrorTitle, line).RunModal();
+        MessageDialog(&_owner, StringId::EnableNetworkErrorTitle, line).RunModal();
         Restore();
         return false;
     }
@@ -45,17 +42,17 @@ void ChangeConfirmation::Restore() {
         const std::string line =
             std::string("Restoring the previous network configuration failed: ") + e.what();
         LogError(line);
-        MessageDialog(&_owner, kErrorTitle, line).RunModal();
+        MessageDialog(&_owner, StringId::EnableNetworkErrorTitle, line).RunModal();
         return;
     }
     const StringFactory& strings = *_owner.Strings();
-    std::string text = strings.GetString(kRestored);
+    std::string text = strings.GetString(StringId::NetworkRestoredText);
     if (!interfaces.empty()) {
-        text += std::string("\n\n") + strings.GetString(kInterfacesBack);
+        text += std::string("\n\n") + strings.GetString(StringId::InterfacesPutBack);
         for (std::size_t i = 0; i < interfaces.size(); ++i) text += (i ? ", " : " ") + interfaces[i];
     }
     LogInfo("Restored the previous network configuration");
-    MessageDialog(&_owner, kRestoredTitle, text).RunModal();
+    MessageDialog(&_owner, StringId::NetworkRestoredTitle, text).RunModal();
 }
 
 }  // namespace Kovo

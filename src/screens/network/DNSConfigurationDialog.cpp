@@ -3,6 +3,7 @@
 #include "platform/hostctl/Ipv4Address.h"
 #include "platform/hostctl/Ipv6Address.h"
 #include "text/InputItem.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
@@ -11,18 +12,6 @@ namespace {
 using HostCtl::Network::IpAddress;
 using HostCtl::Network::Ipv4Address;
 using HostCtl::Network::Ipv6Address;
-
-enum StringId : unsigned {
-    kTitle = 116,
-    kBody = 117,
-    kAutomaticCaption = 118,
-    kManualCaption = 119,
-    kHostnameLabel = 40,
-    kPrimaryLabel = 41,
-    kAlternateLabel = 42,
-    kInvalidServerTitle = 86,
-    kInvalidServerText = 87,
-};
 
 // The longest IPv6 text (an IPv4 tail included) is 45 characters: an address always shows whole.
 constexpr int kAddressLength = 45;
@@ -55,15 +44,17 @@ std::unique_ptr<IpAddress> ServerOf(const std::string& text) {
 
 DNSConfigurationDialog::DNSConfigurationDialog(Frame* parent, bool automatic, const IpAddress* primary,
                                                const IpAddress* alternate, const std::string& hostname)
-    : ModeFieldsDialog(parent, 78, 16, 6, kTitle, kBody),
+    : ModeFieldsDialog(parent, 78, 16, 6, StringId::DnsConfigurationTitle, StringId::DnsConfigurationText),
       _automatic(automatic),
       _primary(CopyOf(primary)),
       _alternate(CopyOf(alternate)),
       _hostname(hostname) {
-    AddModes({kAutomaticCaption, kManualCaption}, automatic ? kAutomatic : kManual);
-    AddModeField(kPrimaryLabel, Shown(primary), kFieldWidth, FieldKeys::DnsAddress, kAddressLength);
-    AddModeField(kAlternateLabel, Shown(alternate), kFieldWidth, FieldKeys::DnsAddress, kAddressLength);
-    AddModeField(kHostnameLabel, hostname, kFieldWidth, FieldKeys::HostName, kHostnameLength);
+    AddModes({StringId::DnsAutomaticCaption, StringId::DnsManualCaption}, automatic ? kAutomatic : kManual);
+    AddModeField(StringId::PrimaryDnsServerLabel, Shown(primary), kFieldWidth, FieldKeys::DnsAddress,
+                 kAddressLength);
+    AddModeField(StringId::AlternateDnsServerLabel, Shown(alternate), kFieldWidth, FieldKeys::DnsAddress,
+                 kAddressLength);
+    AddModeField(StringId::HostnameLabel, hostname, kFieldWidth, FieldKeys::HostName, kHostnameLength);
     ShowModes(kManual);
 }
 
@@ -75,11 +66,11 @@ bool DNSConfigurationDialog::Accept() {
     const std::string& primary = Field(0).GetValue();
     const std::string& alternate = Field(1).GetValue();
     if (!IsValidServer(primary)) {
-        Refuse(kPrimary, kInvalidServerTitle, kInvalidServerText);
+        Refuse(kPrimary, StringId::InvalidDnsServerTitle, StringId::InvalidDnsServerText);
         return false;
     }
     if (!IsValidServer(alternate)) {
-        Refuse(kAlternate, kInvalidServerTitle, kInvalidServerText);
+        Refuse(kAlternate, StringId::InvalidDnsServerTitle, StringId::InvalidDnsServerText);
         return false;
     }
     _automatic = false;

@@ -3,29 +3,13 @@
 #include <string>
 
 #include "text/InputItem.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
 namespace {
 
 using HostCtl::Network::Ipv4Address;
-
-enum StringId : unsigned {
-    kTitle = 93,
-    kBody = 94,
-    kNoneCaption = 95,
-    kDynamicCaption = 96,
-    kStaticCaption = 97,
-    kAddressLabel = 35,
-    kGatewayLabel = 38,
-    kMaskLabel = 39,
-    kInvalidAddressTitle = 74,
-    kInvalidAddressText = 75,
-    kInvalidMaskTitle = 78,
-    kInvalidMaskText = 79,
-    kInvalidGatewayTitle = 82,
-    kInvalidGatewayText = 83,
-};
 
 // A dotted quad is at most 15 characters; one more lets a stray extra digit show rather than vanish.
 constexpr int kFieldLength = 16;
@@ -38,12 +22,16 @@ std::string Shown(const Ipv4Address& address) {
 }  // namespace
 
 IPConfigurationDialog::IPConfigurationDialog(Frame* parent, const HostCtl::Network::IpConfig& config)
-    : ModeFieldsDialog(parent, 78, 19, 7, kTitle, kBody), _config(config) {
+    : ModeFieldsDialog(parent, 78, 19, 7, StringId::Ipv4ConfigurationTitle, StringId::Ipv4ConfigurationText),
+      _config(config) {
     const Ordinal mode = config.GetIpv4UseNone() ? kNone : config.GetUseDhcp() ? kDynamic : kStatic;
-    AddModes({kNoneCaption, kDynamicCaption, kStaticCaption}, mode);
-    AddModeField(kAddressLabel, Shown(config.GetIpv4Address()), kFieldLength, FieldKeys::Ipv4, kFieldLength);
-    AddModeField(kMaskLabel, Shown(config.GetIpv4Netmask()), kFieldLength, FieldKeys::Ipv4, kFieldLength);
-    AddModeField(kGatewayLabel, Shown(config.GetIpv4Gateway()), kFieldLength, FieldKeys::Ipv4, kFieldLength);
+    AddModes({StringId::Ipv4DisableCaption, StringId::Ipv4DynamicCaption, StringId::Ipv4StaticCaption}, mode);
+    AddModeField(StringId::Ipv4AddressLabel, Shown(config.GetIpv4Address()), kFieldLength, FieldKeys::Ipv4,
+                 kFieldLength);
+    AddModeField(StringId::SubnetMaskLabel, Shown(config.GetIpv4Netmask()), kFieldLength, FieldKeys::Ipv4,
+                 kFieldLength);
+    AddModeField(StringId::DefaultGatewayLabel, Shown(config.GetIpv4Gateway()), kFieldLength, FieldKeys::Ipv4,
+                 kFieldLength);
     ShowModes(kStatic);
 }
 
@@ -59,16 +47,16 @@ bool IPConfigurationDialog::Accept() {
     const std::string& mask = Field(1).GetValue();
     const std::string& gateway = Field(2).GetValue();
     if (!Ipv4Address::IsValidAddress(address)) {
-        Refuse(kAddress, kInvalidAddressTitle, kInvalidAddressText);
+        Refuse(kAddress, StringId::InvalidIpAddressTitle, StringId::InvalidIpv4AddressText);
         return false;
     }
     // A well-formed address that is no run of leading ones is no subnet either.
     if (!Ipv4Address::IsValidAddress(mask) || !Ipv4Address(mask).IsValidNetmask()) {
-        Refuse(kMask, kInvalidMaskTitle, kInvalidMaskText);
+        Refuse(kMask, StringId::InvalidSubnetTitle, StringId::InvalidSubnetText);
         return false;
     }
     if (!Ipv4Address::IsValidAddress(gateway)) {
-        Refuse(kGateway, kInvalidGatewayTitle, kInvalidGatewayText);
+        Refuse(kGateway, StringId::InvalidGatewayTitle, StringId::InvalidGatewayText);
         return false;
     }
     _config.SetUseDhcp(false);

@@ -10,6 +10,7 @@
 #include "network/LinkLocal.h"
 #include "text/InputItem.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
@@ -18,23 +19,6 @@ namespace {
 using HostCtl::Network::IpConfig;
 using HostCtl::Network::Ipv6Address;
 using HostCtl::Network::Ipv6Network;
-
-enum StringId : unsigned {
-    kTitle = 98,
-    kBody = 99,
-    kDisableCaption = 100,
-    kDynamicCaption = 101,
-    kDhcpv6Caption = 102,
-    kStaticCaption = 103,
-    kAddressLabel = 104,
-    kGatewayLabel = 105,
-    kInvalidAddressTitle = 74,
-    kInvalidNetworkText = 76,
-    kInvalidScopeTitle = 80,
-    kInvalidScopeText = 81,
-    kInvalidGatewayTitle = 82,
-    kInvalidGatewayText = 84,
-};
 
 constexpr std::size_t kAddressCount = 3;
 constexpr int kFieldLength = 42;
@@ -70,20 +54,23 @@ std::string Shown(const Ipv6Address& gateway) {
 
 IPv6ConfigurationDialog::IPv6ConfigurationDialog(Frame* parent, bool enabled, const IpConfig& config,
                                                  const Ipv6Address& gateway)
-    : ModeFieldsDialog(parent, kWidth, kHeight, kHeaderHeight, kTitle, kBody),
+    : ModeFieldsDialog(parent, kWidth, kHeight, kHeaderHeight, StringId::Ipv6ConfigurationTitle,
+                       StringId::Ipv6ConfigurationText),
       _enabled(enabled),
       _config(config),
       _gateway(gateway),
       _initialMode(InitialMode(enabled, config)),
       _shown(ShownNetworks(config)) {
-    AddModes({kDisableCaption, kDynamicCaption, kDhcpv6Caption, kStaticCaption}, _initialMode);
-    const std::string label = Strings()->GetString(kAddressLabel);
+    AddModes({StringId::Ipv6DisableCaption, StringId::Ipv6DynamicCaption, StringId::Dhcpv6Caption,
+              StringId::Ipv6StaticCaption},
+             _initialMode);
+    const std::string label = Strings()->GetString(StringId::StaticAddressLabel);
     for (std::size_t i = 0; i < kAddressCount; ++i) {
         const std::string value = i < _shown.size() ? _shown[i].GetStringNetwork() : std::string();
         AddModeField(label + " #" + std::to_string(i + 1), value, kFieldLength, FieldKeys::Ipv6,
                      kFieldLength);
     }
-    AddModeField(kGatewayLabel, Shown(gateway), kFieldLength, FieldKeys::Ipv6, kFieldLength);
+    AddModeField(StringId::Ipv6GatewayLabel, Shown(gateway), kFieldLength, FieldKeys::Ipv6, kFieldLength);
     ShowModes(kStatic);
 }
 
@@ -105,7 +92,8 @@ bool IPv6ConfigurationDialog::AcceptStatic() {
     for (std::size_t i = 0; i < kAddressCount; ++i) {
         const std::string& text = Field(i).GetValue();
         if (!text.empty() && !Ipv6Network::IsValidAddressAndNetmask(text)) {
-            Refuse(kAddress1 + static_cast<int>(i), kInvalidAddressTitle, kInvalidNetworkText);
+            Refuse(kAddress1 + static_cast<int>(i), StringId::InvalidIpAddressTitle,
+                   StringId::InvalidIpv6NetworkText);
             return false;
         }
     }
@@ -115,7 +103,8 @@ bool IPv6ConfigurationDialog::AcceptStatic() {
         if (text.empty()) continue;
         Ipv6Network network(text);
         if (IsLinkLocalByBytes(network.GetAddress())) {
-            Refuse(kAddress1 + static_cast<int>(i), kInvalidScopeTitle, kInvalidScopeText);
+            Refuse(kAddress1 + static_cast<int>(i), StringId::InvalidScopeTitle,
+                   StringId::LinkLocalStaticAddressText);
             return false;
         }
         network.SetIpv6AddressType(HostCtl::Network::IPV6_ADDRESS_STATIC);
@@ -127,7 +116,7 @@ bool IPv6ConfigurationDialog::AcceptStatic() {
     }
     const std::string& gateway = Field(kAddressCount).GetValue();
     if (!gateway.empty() && !Ipv6Address::IsValidAddress(gateway)) {
-        Refuse(kGateway, kInvalidGatewayTitle, kInvalidGatewayText);
+        Refuse(kGateway, StringId::InvalidGatewayTitle, StringId::InvalidIpv6GatewayText);
         return false;
     }
 

@@ -8,20 +8,20 @@
 #include "terminal/KeyReader.h"
 #include "terminal/Keys.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 
 namespace {
-constexpr unsigned kTitle = 267, kBody = 268, kQuestion = 269, kSecondsLeft = 270, kPinging = 214,
-                   kResolving = 215, kFailed = 216, kOk = 217;
 // Keys, the tests and the seconds left are looked at this often.
 constexpr int kPollMs = 10;
 }  // namespace
 
 KeepNetworkDialog::KeepNetworkDialog(Frame* parent, HostCtl::Network::NetworkChange& change,
                                      TestTargets targets, std::string interface, HostAccess& host)
-    : Dialog(parent, {76, 18, 6, kTitle, kBody, Footer::kKeepRestore}),
+    : Dialog(parent,
+             {76, 18, 6, StringId::KeepNetworkTitle, StringId::KeepNetworkText, Footer::kKeepRestore}),
       _change(change),
       _targets(std::move(targets)),
       _interface(std::move(interface)),
@@ -33,14 +33,14 @@ TestResult KeepNetworkDialog::StartNext(std::string& line) {
     while (_nextTest < _targets.pings.size()) {
         const std::string& address = _targets.pings[_nextTest++];
         if (address.empty()) continue;
-        line = strings.GetString(kPinging) + std::string(" (") + address + ").";
+        line = strings.GetString(StringId::PingingAddress) + std::string(" (") + address + ").";
         return NetworkTest::StartPing(
             _host, NetworkTest::PingCommand(_interface, NetworkTest::PingTarget(address, _interface)));
     }
     if (_nextTest == _targets.pings.size()) {
         ++_nextTest;
         if (!_targets.name.empty()) {
-            line = strings.GetString(kResolving) + std::string(" (") + _targets.name + ").";
+            line = strings.GetString(StringId::ResolvingHostname) + std::string(" (") + _targets.name + ").";
             return NetworkTest::StartResolve(_host, _targets.name);
         }
     }
@@ -50,8 +50,9 @@ TestResult KeepNetworkDialog::StartNext(std::string& line) {
 void KeepNetworkDialog::Show(const std::string& running, int secondsLeft) {
     const StringFactory& strings = *Strings();
     // The test lines take no markup characters (the fields refuse them), so they can be markup.
-    std::string text = _done + (running.empty() ? "" : running + "\n") + "\n" + strings.GetString(kQuestion) +
-                       "\n" + strings.GetString(kSecondsLeft) + " " + std::to_string(secondsLeft);
+    std::string text = _done + (running.empty() ? "" : running + "\n") + "\n" +
+                       strings.GetString(StringId::KeepNetworkQuestion) + "\n" +
+                       strings.GetString(StringId::SecondsUntilRollback) + " " + std::to_string(secondsLeft);
     // Drawn again only when something changed: no flicker while nothing happens.
     if (text == _shown) return;
     _shown = text;
@@ -76,7 +77,8 @@ int KeepNetworkDialog::HandleKey() {
     TestResult running = StartNext(line);
     for (;;) {
         if (running && running->load() != kTestRunning) {
-            _done += line + " " + strings.GetString(running->load() == 0 ? kOk : kFailed) + "\n";
+            _done +=
+                line + " " + strings.GetString(running->load() == 0 ? StringId::Ok : StringId::Failed) + "\n";
             running = StartNext(line);
         }
         const int secondsLeft = _change.SecondsLeft();

@@ -4,6 +4,7 @@
 #include "frames/Log.h"
 #include "platform/hostctl/Pnic.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
@@ -13,14 +14,6 @@ using HostCtl::Network::Ipv6Address;
 using HostCtl::Network::Ipv6Network;
 
 namespace {
-
-constexpr unsigned kIpv4AddressLabel = 35, kIpv6AddressesLabel = 36, kGatewayLabel = 38, kMaskLabel = 39,
-                   kHostnameLabel = 40, kPrimaryLabel = 41, kAlternateLabel = 42;
-constexpr unsigned kIpv6On = 49, kIpv6Off = 50;
-constexpr unsigned kUnknown = 34, kNoAdapter = 107, kAutomatic = 108, kNone = 109, kManual = 110,
-                   kNotSet = 112;
-constexpr unsigned kAdaptersHelp = 53, kVlanHelp = 54, kIpv4Help = 55, kIpv6Help = 56, kIpv6OffHelp = 57,
-                   kIpv6Switched = 58, kDnsHelp = 59, kSuffixesHelp = 60;
 
 std::string Value(const std::string& value) {
     return "{color:light-grey}" + value + "{/color}\n";
@@ -56,13 +49,13 @@ std::string NetworkDetails::String(unsigned id) const {
 
 std::string NetworkDetails::Line(unsigned labelId, const std::string& value) const {
     return "{color:white}" + String(labelId) + ": {/color}{color:light-grey}" +
-           (value.empty() ? String(kNotSet) : value) + "{/color}\n";
+           (value.empty() ? String(StringId::NotSet) : value) + "{/color}\n";
 }
 
 std::string NetworkDetails::Adapters() const {
     std::string text;
     if (!_pending.adaptersKnown || _pending.adapters.empty()) {
-        text = Value(String(_pending.adaptersKnown ? kNoAdapter : kUnknown));
+        text = Value(String(_pending.adaptersKnown ? StringId::NoAdapter : StringId::Unknown));
     } else {
         for (const std::string& name : _pending.adapters) {
             const auto label = _adapterLabels.find(name);
@@ -71,18 +64,18 @@ std::string NetworkDetails::Adapters() const {
                     "{/color}\n";
         }
     }
-    return text + "\n" + String(kAdaptersHelp);
+    return text + "\n" + String(StringId::NetworkAdaptersHelp);
 }
 
 std::string NetworkDetails::Vlan() const {
-    return Value(!_pending.vlanKnown  ? String(kUnknown)
-                 : _pending.vlan == 0 ? String(kNotSet)
+    return Value(!_pending.vlanKnown  ? String(StringId::Unknown)
+                 : _pending.vlan == 0 ? String(StringId::NotSet)
                                       : std::to_string(_pending.vlan)) +
-           "\n" + String(kVlanHelp);
+           "\n" + String(StringId::VlanHelp);
 }
 
 std::string NetworkDetails::Ipv4() const {
-    return Ipv4Lines() + "\n" + String(kIpv4Help);
+    return Ipv4Lines() + "\n" + String(StringId::Ipv4ConfigurationHelp);
 }
 
 std::string NetworkDetails::Ipv4Lines() const {
@@ -91,13 +84,13 @@ std::string NetworkDetails::Ipv4Lines() const {
     const bool leased = applied.GetUseDhcp() && _configuredAtEntry.GetUseDhcp();
     const IpConfig& shown = leased ? _runningAtEntry : applied;
     const bool dhcpPending = applied.GetUseDhcp() && !leased;
-    std::string text = Value(String(applied.GetUseDhcp()       ? kAutomatic
-                                    : applied.GetIpv4UseNone() ? kNone
-                                                               : kManual)) +
+    std::string text = Value(String(applied.GetUseDhcp()       ? StringId::Automatic
+                                    : applied.GetIpv4UseNone() ? StringId::None
+                                                               : StringId::Manual)) +
                        "\n";
-    text += Line(kIpv4AddressLabel, dhcpPending ? "" : Address(shown.GetIpv4Address()));
-    text += Line(kMaskLabel, dhcpPending ? "" : Address(shown.GetIpv4Netmask()));
-    text += Line(kGatewayLabel, dhcpPending ? "" : Address(shown.GetIpv4Gateway()));
+    text += Line(StringId::Ipv4AddressLabel, dhcpPending ? "" : Address(shown.GetIpv4Address()));
+    text += Line(StringId::SubnetMaskLabel, dhcpPending ? "" : Address(shown.GetIpv4Netmask()));
+    text += Line(StringId::DefaultGatewayLabel, dhcpPending ? "" : Address(shown.GetIpv4Gateway()));
     return text;
 }
 
@@ -131,14 +124,15 @@ Ipv6Address NetworkDetails::Ipv6Gateway() const {
 }
 
 std::string NetworkDetails::Ipv6Lines() const {
-    if (!_pending.ipv6Enabled) return Value(String(kIpv6Off));
-    std::string text =
-        Value(String(kIpv6On)) + "\n{color:white}" + String(kIpv6AddressesLabel) + ":{/color}\n";
+    if (!_pending.ipv6Enabled) return Value(String(StringId::Ipv6IsDisabled));
+    std::string text = Value(String(StringId::Ipv6IsEnabled)) + "\n{color:white}" +
+                       String(StringId::Ipv6AddressesLabel) + ":{/color}\n";
     const auto networks = Ipv6Networks();
-    if (networks.empty()) text += Value("  " + String(kNotSet));
+    if (networks.empty()) text += Value("  " + String(StringId::NotSet));
     for (const auto& network : networks) text += Value("  " + network.GetStringAddress());
     const Ipv6Address gateway = Ipv6Gateway();
-    text += Line(kGatewayLabel, gateway.IsUnspecified() ? "" : gateway.GetScopedStringAddress());
+    text +=
+        Line(StringId::DefaultGatewayLabel, gateway.IsUnspecified() ? "" : gateway.GetScopedStringAddress());
     return text;
 }
 
@@ -146,19 +140,20 @@ std::string NetworkDetails::Dns() const {
     auto text = [](const std::unique_ptr<IpAddress>& server) {
         return server ? server->GetStringAddress() : std::string();
     };
-    return Line(kPrimaryLabel, text(_pending.primaryDns)) +
-           Line(kAlternateLabel, text(_pending.alternateDns)) + Line(kHostnameLabel, _pending.hostname) +
-           "\n" + String(kDnsHelp);
+    return Line(StringId::PrimaryDnsServerLabel, text(_pending.primaryDns)) +
+           Line(StringId::AlternateDnsServerLabel, text(_pending.alternateDns)) +
+           Line(StringId::HostnameLabel, _pending.hostname) + "\n" + String(StringId::DnsConfigurationHelp);
 }
 
 std::string NetworkDetails::Ipv6() const {
-    if (_pending.Ipv6StateChanges()) return String(kIpv6Switched);
-    return Ipv6Lines() + "\n" + String(_pending.ipv6Enabled ? kIpv6Help : kIpv6OffHelp);
+    if (_pending.Ipv6StateChanges()) return String(StringId::Ipv6EnabledAfterReboot);
+    return Ipv6Lines() + "\n" +
+           String(_pending.ipv6Enabled ? StringId::Ipv6ConfigurationHelp : StringId::Ipv6DisabledHelp);
 }
 
 std::string NetworkDetails::Suffixes() const {
-    return Value(_pending.suffixes.empty() ? String(kNotSet) : _pending.suffixes) + "\n" +
-           String(kSuffixesHelp);
+    return Value(_pending.suffixes.empty() ? String(StringId::NotSet) : _pending.suffixes) + "\n" +
+           String(StringId::CustomDnsSuffixesHelp);
 }
 
 }  // namespace Kovo

@@ -13,6 +13,7 @@
 #include "network/SuffixesDialog.h"
 #include "network/VlanDialog.h"
 #include "platform/hostctl/HostCtlException.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
@@ -23,9 +24,7 @@ using HostCtl::Network::Ipv6Address;
 
 namespace {
 
-constexpr unsigned kTitle = 44, kErrorTitle = 17, kNoInterface = 19, kOperationFailed = 20;
 // Each entry's caption, which is also its detail pane's title.
-constexpr unsigned kAdapters = 45, kVlan = 46, kIpv4 = 47, kIpv6 = 48, kDns = 51, kSuffixes = 52;
 
 constexpr const char* kDetailFooter =
     "{color:white}<Enter>{/color}{color:light-grey} Change{/color}{align:right}{color:white}<Esc> {/color}"
@@ -34,7 +33,7 @@ constexpr const char* kDetailFooter =
 }  // namespace
 
 NetworkWindow::NetworkWindow(Frame* parent, HostAccess& host)
-    : MenuWindow(parent, kTitle, Footer::kMenuSelect), _host(host) {
+    : MenuWindow(parent, StringId::ConfigureNetworkTitle, Footer::kMenuSelect), _host(host) {
     try {
         _pending = PendingNetwork::Read(host);
         if (_pending.managementInterface) _details.ReadAtEntry();
@@ -60,14 +59,14 @@ std::vector<MenuWindow::Row> NetworkWindow::Rows() {
                    .open = [this, edit] { (this->*edit)(); }};
     };
     return {
-        setting(kAdapters, &NetworkDetails::Adapters, &NetworkWindow::EditAdapters),
-        setting(kVlan, &NetworkDetails::Vlan, &NetworkWindow::EditVlan),
+        setting(StringId::NetworkAdaptersEntry, &NetworkDetails::Adapters, &NetworkWindow::EditAdapters),
+        setting(StringId::VlanOptional, &NetworkDetails::Vlan, &NetworkWindow::EditVlan),
         // The IPv4 settings start a group of their own.
         Row{.selectable = false},
-        setting(kIpv4, &NetworkDetails::Ipv4, &NetworkWindow::EditIpv4),
-        setting(kIpv6, &NetworkDetails::Ipv6, &NetworkWindow::EditIpv6),
-        setting(kDns, &NetworkDetails::Dns, &NetworkWindow::EditDns),
-        setting(kSuffixes, &NetworkDetails::Suffixes, &NetworkWindow::EditSuffixes),
+        setting(StringId::Ipv4ConfigurationEntry, &NetworkDetails::Ipv4, &NetworkWindow::EditIpv4),
+        setting(StringId::Ipv6ConfigurationEntry, &NetworkDetails::Ipv6, &NetworkWindow::EditIpv6),
+        setting(StringId::DnsConfigurationEntry, &NetworkDetails::Dns, &NetworkWindow::EditDns),
+        setting(StringId::CustomDnsSuffixes, &NetworkDetails::Suffixes, &NetworkWindow::EditSuffixes),
     };
 }
 
@@ -176,11 +175,13 @@ bool NetworkWindow::Opens() {
     // Behind a failure's message too, as the window has always shown it.
     RightFooter()->SetText(kDetailFooter);
     if (_readFailed) {
-        MessageDialog(this, kErrorTitle, kOperationFailed).RunModal();
+        MessageDialog(this, StringId::EnableNetworkErrorTitle, StringId::ManagementInterfaceFailed)
+            .RunModal();
         return false;
     }
     if (!_pending.managementInterface) {
-        ReportFailure(this, "Could not get a suitable management interface", kErrorTitle, kNoInterface);
+        ReportFailure(this, "Could not get a suitable management interface",
+                      StringId::EnableNetworkErrorTitle, StringId::ManagementInterfaceNotFound);
         return false;
     }
     return true;

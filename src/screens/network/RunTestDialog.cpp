@@ -5,18 +5,19 @@
 #include "terminal/KeyReader.h"
 #include "terminal/Keys.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 
 namespace {
-constexpr unsigned kTitle = 212, kBody = 213, kPinging = 214, kResolving = 215, kFailed = 216, kOk = 217;
 // The display stays responsive while a test runs: keys are looked at this often.
 constexpr int kPollMs = 10;
 }  // namespace
 
 RunTestDialog::RunTestDialog(Frame* parent, TestTargets targets, std::string interface, HostAccess& host)
-    : Dialog(parent, {76, 16, 5, kTitle, kBody, Footer::kCancel}),
+    : Dialog(parent,
+             {76, 16, 5, StringId::TestingNetworkTitle, StringId::TestingNetworkText, Footer::kCancel}),
       _targets(std::move(targets)),
       _interface(std::move(interface)),
       _host(host),
@@ -29,7 +30,7 @@ bool RunTestDialog::Await(const std::string& line, const TestResult& result) {
     while (result->load() == kTestRunning) {
         if (PollKey(kPollMs) == kEsc) return false;
     }
-    _done += line + " " + Strings()->GetString(result->load() == 0 ? kOk : kFailed) + "\n";
+    _done += line + " " + Strings()->GetString(result->load() == 0 ? StringId::Ok : StringId::Failed) + "\n";
     _lines.SetText(_done);
     Refresh();
     return true;
@@ -40,13 +41,14 @@ int RunTestDialog::HandleKey() {
         if (address.empty()) continue;
         const std::string command =
             NetworkTest::PingCommand(_interface, NetworkTest::PingTarget(address, _interface));
-        if (!Await(Strings()->GetString(kPinging) + std::string(" (") + address + ").",
+        if (!Await(Strings()->GetString(StringId::PingingAddress) + std::string(" (") + address + ").",
                    NetworkTest::StartPing(_host, command)))
             return 0;
     }
     if (!_targets.name.empty()) {
-        if (!Await(Strings()->GetString(kResolving) + std::string(" (") + _targets.name + ").",
-                   NetworkTest::StartResolve(_host, _targets.name)))
+        if (!Await(
+                Strings()->GetString(StringId::ResolvingHostname) + std::string(" (") + _targets.name + ").",
+                NetworkTest::StartResolve(_host, _targets.name)))
             return 0;
     }
     SetFooter(Footer::kOk);

@@ -3,19 +3,21 @@
 #include "frames/Footers.h"
 #include "text/InputItem.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
 namespace {
-constexpr unsigned kTitle = 52, kBody = 120, kLabel = 121;
 // The resolver's search list has long been limited to 256 characters.
 constexpr int kMaxLength = 256;
 constexpr int kFieldWidth = 56;
 }  // namespace
 
 SuffixesDialog::SuffixesDialog(Frame* parent, const std::string& suffixes)
-    : Dialog(parent, {78, 14, 8, kTitle, kBody, Footer::kOkCancel}),
-      _field(AddField(Strings()->GetString(kLabel), suffixes, kFieldWidth, FieldKeys::Suffixes, kMaxLength)),
+    : Dialog(parent,
+             {78, 14, 8, StringId::CustomDnsSuffixes, StringId::CustomDnsSuffixesText, Footer::kOkCancel}),
+      _field(AddField(Strings()->GetString(StringId::SuffixesLabel), suffixes, kFieldWidth,
+                      FieldKeys::Suffixes, kMaxLength)),
       _suffixes(suffixes) {
     ShowItems();
 }

@@ -16,6 +16,7 @@
 #include "text/InputItem.h"
 #include "text/ItemList.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
@@ -23,15 +24,6 @@ namespace {
 
 using HostCtl::Network::Ipv4Address;
 using HostCtl::Network::Ipv6Address;
-
-enum StringId : unsigned {
-    kTitle = 208,
-    kBody = 209,
-    kPingLabel = 210,
-    kResolveLabel = 211,
-    kInvalidTitle = 74,
-    kInvalidText = 77,
-};
 
 // The longest address text (IPv6 with an IPv4 tail) is 45 characters; a fully qualified name 253.
 constexpr int kAddressLength = 45;
@@ -87,15 +79,18 @@ TestTargets TestDialog::Prefill(HostAccess& host) {
 }
 
 TestDialog::TestDialog(Frame* parent, HostAccess& host)
-    : Dialog(parent, {76, 15, 6, kTitle, kBody, Footer::kSelectOkCancel}), _host(host) {
+    : Dialog(parent,
+             {76, 15, 6, StringId::TestNetworkTitle, StringId::TestNetworkText, Footer::kSelectOkCancel}),
+      _host(host) {
     const TestTargets prefill = Prefill(host);
     for (std::size_t i = 0; i < _pings.size(); ++i) {
         // Numbered, so a refused address can be told apart.
-        _pings[i] = &AddField(Strings()->GetString(kPingLabel) + std::string(" #") + std::to_string(i + 1),
-                              prefill.pings[i], kFieldWidth, FieldKeys::DnsAddress, kAddressLength);
+        _pings[i] = &AddField(
+            Strings()->GetString(StringId::PingAddressLabel) + std::string(" #") + std::to_string(i + 1),
+            prefill.pings[i], kFieldWidth, FieldKeys::DnsAddress, kAddressLength);
     }
-    _name = &AddField(Strings()->GetString(kResolveLabel), prefill.name, kFieldWidth, FieldKeys::HostName,
-                      kNameLength);
+    _name = &AddField(Strings()->GetString(StringId::ResolveHostnameLabel), prefill.name, kFieldWidth,
+                      FieldKeys::HostName, kNameLength);
     ShowItems();
 }
 
@@ -117,7 +112,7 @@ bool TestDialog::OnKey(int key) {
         if (text.empty() || Ipv4Address::IsValidAddress(text) || Ipv6Address::IsValidAddress(text)) continue;
         // Focused anew, the field takes the next address in place of the refused one.
         Focus(static_cast<int>(i));
-        MessageDialog(this, kInvalidTitle, kInvalidText).RunModal();
+        MessageDialog(this, StringId::InvalidIpAddressTitle, StringId::InvalidIpOrIpv6AddressText).RunModal();
         Items().Draw();
         return true;
     }

@@ -3,18 +3,16 @@
 #include "frames/Footers.h"
 #include "terminal/Colors.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 
-namespace {
-constexpr unsigned kTitle = 71, kBody = 72, kQuestion = 73;
-}  // namespace
-
 UsedAdaptersDialog::UsedAdaptersDialog(Frame* parent)
-    : Dialog(parent, {60, 12, 6, kTitle, kBody, Footer::kOkCancel}) {
+    : Dialog(parent,
+             {60, 12, 6, StringId::AdaptersInUseTitle, StringId::AdaptersInUseText, Footer::kOkCancel}) {
     AddTextArea(0, 0, Content()->Width(), Content()->Height(), kBlack)
-        .SetText(Strings()->GetString(kQuestion));
+        .SetText(Strings()->GetString(StringId::RemoveAdaptersQuestion));
 }
 
 }  // namespace Kovo

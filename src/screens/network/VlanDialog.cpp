@@ -6,13 +6,11 @@
 #include "text/InputItem.h"
 #include "text/ItemList.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
 namespace {
-constexpr unsigned kTitle = 46, kBody = 91, kLabel = 92;
-constexpr unsigned kInvalidTitle = 88, kInvalidText = 89;
-constexpr unsigned kWarningTitle = 106, kWarningText = 90;
 constexpr int kAllVlans = 4095;
 // Four digits hold every valid id and are enough to type any refused one (4096, 9999), which is then
 // reported rather than silently cut.
@@ -40,9 +38,10 @@ VlanCheck CheckVlan(const std::string& text, int& id) {
 // Any id other than 0 shows as it is, also one out of range, so the operator sees it rather than a
 // blank field that Enter would turn into "no VLAN".
 VlanDialog::VlanDialog(Frame* parent, int vlan)
-    : Dialog(parent, {70, 11, 6, kTitle, kBody, Footer::kOkCancel}),
-      _field(AddField(Strings()->GetString(kLabel), vlan == 0 ? std::string() : std::to_string(vlan),
-                      kFieldWidth, FieldKeys::Digits, kMaxLength)),
+    : Dialog(parent, {70, 11, 6, StringId::VlanOptional, StringId::VlanText, Footer::kOkCancel}),
+      _field(AddField(Strings()->GetString(StringId::VlanIdLabel),
+                      vlan == 0 ? std::string() : std::to_string(vlan), kFieldWidth, FieldKeys::Digits,
+                      kMaxLength)),
       _vlan(vlan) {
     ShowItems();
 }
@@ -58,11 +57,11 @@ bool VlanDialog::OnKey(int key) {
         case VlanCheck::Invalid:
             // Focused anew, the field takes the next digits in place of the refused value.
             Focus(0);
-            MessageDialog(this, kInvalidTitle, kInvalidText).RunModal();
+            MessageDialog(this, StringId::InvalidVlanTitle, StringId::InvalidVlanText).RunModal();
             Items().Draw();
             return true;
         case VlanCheck::NeedsWarning:
-            MessageDialog(this, kWarningTitle, kWarningText).RunModal();
+            MessageDialog(this, StringId::WarningTitle, StringId::AllVlansWarningText).RunModal();
             break;
         case VlanCheck::Accepted:
             break;

@@ -9,13 +9,13 @@
 #include "terminal/KeyReader.h"
 #include "terminal/Keys.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 
 namespace {
 
-constexpr unsigned kTitle = 125, kWait = 126, kStopping = 127, kStarting = 128, kAddressIs = 129, kDone = 115;
 constexpr const char* kIndent = "   ";
 
 std::string Text(unsigned id) {
@@ -23,14 +23,14 @@ std::string Text(unsigned id) {
 }
 
 std::string AddressLine(const std::string& address) {
-    return kIndent + Text(kAddressIs) + " " + address + "\n";
+    return kIndent + Text(StringId::IpAddressIs) + " " + address + "\n";
 }
 
 }  // namespace
 
 DoRestartNetworkDialog::DoRestartNetworkDialog(Frame* parent, HostCtl::Network::ZenkNic& nic,
                                                HostAccess& host)
-    : Dialog(parent, {70, 16, 5, kTitle, kWait, ""}),
+    : Dialog(parent, {70, 16, 5, StringId::RestartNetworkTitle, StringId::RestartNetworkWait, ""}),
       _nic(nic),
       _host(host),
       _progress(AddTextArea(0, 0, Content()->Width(), Content()->Height(), kBlack)) {}
@@ -70,16 +70,16 @@ int DoRestartNetworkDialog::HandleKey() {
     LogInfo(what);
     _host.PostEvent(HostEvent::Text("obs.user.kovo.network.restart", what));
 
-    std::string text = Text(kStopping) + " ";
+    std::string text = Text(StringId::StoppingNetwork) + " ";
     Show(text);
     _nic.Disable();
     _nic.Commit();
-    text += Text(kDone) + "\n";
+    text += Text(StringId::Done) + "\n";
     Show(text);
     _nic.Enable();
-    text += Text(kStarting) + " ";
+    text += Text(StringId::StartingNetwork) + " ";
     Show(text);
-    text += AddressLines(_nic.GetIpConfig(), dhcp) + Text(kDone);
+    text += AddressLines(_nic.GetIpConfig(), dhcp) + Text(StringId::Done);
     Show(text);
 
     SetFooter(Footer::kOkAfterRestart);

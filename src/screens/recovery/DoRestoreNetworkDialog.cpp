@@ -11,14 +11,12 @@
 #include "terminal/KeyReader.h"
 #include "terminal/Keys.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 
 namespace {
-
-constexpr unsigned kTitle = 200, kWait = 201, kPoweringOff = 202, kAutoConfiguring = 203, kDone = 115,
-                   kFailed = 216;
 
 std::string Text(unsigned id) {
     return GetStringFactory("en_US")->GetString(id);
@@ -27,7 +25,7 @@ std::string Text(unsigned id) {
 }  // namespace
 
 DoRestoreNetworkDialog::DoRestoreNetworkDialog(Frame* parent, HostAccess& host)
-    : Dialog(parent, {70, 12, 5, kTitle, kWait, ""}),
+    : Dialog(parent, {70, 12, 5, StringId::RestoreNetworkTitle, StringId::RestoreNetworkWait, ""}),
       _host(host),
       _progress(AddTextArea(0, 0, Content()->Width(), Content()->Height(), kBlack)) {}
 
@@ -38,10 +36,10 @@ void DoRestoreNetworkDialog::Append(const std::string& text) {
 }
 
 bool DoRestoreNetworkDialog::PowerOffVms() {
-    Append(Text(kPoweringOff) + " ");
+    Append(Text(StringId::PoweringOffVms) + " ");
     // Powered off as the operator agreed, not terminated: the machines get to shut down.
     if (_host.Run("/sbin/powerOffVms", {"powerOffVms"}) != 0) return false;
-    Append(Text(kDone) + "\n");
+    Append(Text(StringId::Done) + "\n");
     return true;
 }
 
@@ -55,7 +53,7 @@ void DoRestoreNetworkDialog::DisableNetDumper() {
 }
 
 void DoRestoreNetworkDialog::AutoConfigure() {
-    Append(Text(kAutoConfiguring) + " ");
+    Append(Text(StringId::AutoConfiguringNetwork) + " ");
     std::unique_ptr<HostCtl::Network::NetworkInfo> network;
     // A host that can undo a change by itself keeps the factory network too only once it answers.
     std::unique_ptr<HostCtl::Network::NetworkChange> change;
@@ -67,17 +65,17 @@ void DoRestoreNetworkDialog::AutoConfigure() {
         LogInfo("Auto-Configuring Network");
         network->AutoConfigNetwork();
     } catch (const HostCtl::Lib::HostCtlException& e) {
-        Append(Text(kFailed) + "\n");
+        Append(Text(StringId::Failed) + "\n");
         LogError("Error auto-configuring network");
         LogFailure("Clearing and auto-configuring the network failed: ", e);
         if (change) ChangeConfirmation(*this, _host, *change).Restore();
         return;
     }
     if (change && !ChangeConfirmation(*this, _host, *change).PutInPlaceAndAsk(*network, nullptr)) {
-        Append(Text(kFailed) + "\n");
+        Append(Text(StringId::Failed) + "\n");
         return;
     }
-    Append(Text(kDone) + "\n");
+    Append(Text(StringId::Done) + "\n");
 }
 
 int DoRestoreNetworkDialog::HandleKey() {
@@ -91,7 +89,7 @@ int DoRestoreNetworkDialog::HandleKey() {
         AutoConfigure();
     } else {
         // Machines still running keep their network: it is left as it is.
-        Append(Text(kFailed) + "\n");
+        Append(Text(StringId::Failed) + "\n");
         LogError("Error powering off VMs");
     }
 

@@ -5,16 +5,14 @@
 #include "frames/Footers.h"
 #include "text/CheckItem.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
-namespace {
-constexpr unsigned kTitle = 193, kBody = 194;
-}  // namespace
-
 DvsUplinksDialog::DvsUplinksDialog(Frame* parent, std::vector<std::string> uplinks,
                                    std::vector<std::string> chosen)
-    : Dialog(parent, {60, 16, 6, kTitle, kBody, Footer::kToggleOkCancel}),
+    : Dialog(parent,
+             {60, 16, 6, StringId::DvsUplinksTitle, StringId::DvsUplinksText, Footer::kToggleOkCancel}),
       _uplinks(std::move(uplinks)),
       _chosen(std::move(chosen)) {
     for (const std::string& uplink : _uplinks)

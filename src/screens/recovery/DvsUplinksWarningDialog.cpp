@@ -4,16 +4,14 @@
 
 #include "frames/Footers.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
-namespace {
-constexpr unsigned kTitle = 195, kNoneSelected = 196, kContinue = 197;
-}  // namespace
-
 DvsUplinksWarningDialog::DvsUplinksWarningDialog(Frame* parent)
-    : ConfirmDialog(parent, {60, 10, 7, kTitle, 0, Footer::kOkCancel}) {
-    SetText(std::string(Strings()->GetString(kNoneSelected)) + "\n" + Strings()->GetString(kContinue));
+    : ConfirmDialog(parent, {60, 10, 7, StringId::DvsUplinksWarningTitle, kNoTextId, Footer::kOkCancel}) {
+    SetText(std::string(Strings()->GetString(StringId::NoUplinksSelected)) + "\n" +
+            Strings()->GetString(StringId::ContinueQuestion));
 }
 
 }  // namespace Kovo

@@ -10,15 +10,12 @@
 #include "recovery/RestoreDvsDialog.h"
 #include "recovery/RestoreNetworkDialog.h"
 #include "recovery/SafeModeNetworkDialog.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
-namespace {
-constexpr unsigned kTitle = 62;
-}  // namespace
-
 NetworkRestoreWindow::NetworkRestoreWindow(Frame* parent, HostAccess& host)
-    : MenuWindow(parent, kTitle, Footer::kMenuSelect),
+    : MenuWindow(parent, StringId::NetworkRestoreTitle, Footer::kMenuSelect),
       _host(host),
       _onDistributedSwitch(ManagementOnDistributedSwitch()) {
     ShowRows();
@@ -52,14 +49,15 @@ std::vector<MenuWindow::Row> NetworkRestoreWindow::Rows() {
                    .open = std::move(open),
                    .failure = String(id) + " failed: "};
     };
-    std::vector<Row> rows{
-        entry(kRestoreNetwork, 66, [this] { RestoreNetworkDialog(this, _host).RunModal(); })};
+    std::vector<Row> rows{entry(StringId::RestoreNetworkEntry, StringId::RestoreNetworkHelp,
+                                [this] { RestoreNetworkDialog(this, _host).RunModal(); })};
     if (!_onDistributedSwitch) return rows;
     if (!_standardSwitchRestored)
-        rows.push_back(entry(kRestoreStandardSwitch, 67, [this] {
-            _standardSwitchRestored = SafeModeNetworkDialog(this, *_nic, _host).RunModal() == 1;
-        }));
-    rows.push_back(entry(kRestoreDvs, 68, [this] { RestoreDvsDialog(this, *_nic, _host).RunModal(); }));
+        rows.push_back(entry(
+            StringId::RestoreStandardSwitchEntry, StringId::RestoreStandardSwitchHelp,
+            [this] { _standardSwitchRestored = SafeModeNetworkDialog(this, *_nic, _host).RunModal() == 1; }));
+    rows.push_back(entry(StringId::RestoreDvsEntry, StringId::RestoreDvsHelp,
+                         [this] { RestoreDvsDialog(this, *_nic, _host).RunModal(); }));
     return rows;
 }
 

@@ -15,11 +15,9 @@ namespace Kovo {
 // "Network Restore Options": the ways back for a host whose management network is broken. The factory
 // restore is always offered; the two repairs of a distributed switch only while the management
 // interface sits on one, the move to a standard switch until it has been done. Entries are known by
-// their string ids. Returns 1 when left with Esc.
+// the string ids of their texts (StringId::RestoreNetworkEntry, ...). Returns 1 when left with Esc.
 class NetworkRestoreWindow : public MenuWindow {
   public:
-    enum Entry : unsigned { kRestoreNetwork = 63, kRestoreStandardSwitch = 64, kRestoreDvs = 65 };
-
     explicit NetworkRestoreWindow(Frame* parent, HostAccess& host);
     ~NetworkRestoreWindow() override;
 

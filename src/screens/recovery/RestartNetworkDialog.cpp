@@ -11,19 +11,18 @@
 #include "terminal/Colors.h"
 #include "terminal/Keys.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 
-namespace {
-constexpr unsigned kTitle = 122, kWarning = 123, kQuestion = 124;
-constexpr unsigned kError = 16, kNoManagementInterface = 19, kOperationFailed = 20;
-}  // namespace
-
 RestartNetworkDialog::RestartNetworkDialog(Frame* parent, HostCtl::Network::ZenkNic& nic, HostAccess& host)
-    : Dialog(parent, {70, 12, 7, kTitle, kWarning, Footer::kF11OkCancel}), _nic(nic), _host(host) {
+    : Dialog(parent, {70, 12, 7, StringId::RestartNetworkConfirmTitle, StringId::RestartNetworkWarning,
+                      Footer::kF11OkCancel}),
+      _nic(nic),
+      _host(host) {
     AddTextArea(0, 0, Content()->Width(), Content()->Height(), kBlack)
-        .SetText(Strings()->GetString(kQuestion));
+        .SetText(Strings()->GetString(StringId::RestartNetworkQuestion));
 }
 
 bool RestartNetworkDialog::OnKey(int key) {
@@ -39,7 +38,8 @@ bool RestartNetworkDialog::OnKey(int key) {
 bool RestartNetworkDialog::Offer(Frame* parent, HostAccess& host) {
     const auto nic = LookUpManagementInterface(host);
     if (!nic) {
-        MessageDialog(parent, kError, kNoManagementInterface).RunModal();
+        MessageDialog(parent, StringId::RestartNetworkErrorTitle, StringId::ManagementInterfaceNotFound)
+            .RunModal();
         return false;
     }
     try {
@@ -47,8 +47,8 @@ bool RestartNetworkDialog::Offer(Frame* parent, HostAccess& host) {
     } catch (const std::exception& e) {
         // The restart reports nothing itself; whatever step failed, the operator learns it here and the
         // console stays.
-        ReportFailure(parent, std::string("Restarting the management network failed: ") + e.what(), kError,
-                      kOperationFailed);
+        ReportFailure(parent, std::string("Restarting the management network failed: ") + e.what(),
+                      StringId::RestartNetworkErrorTitle, StringId::ManagementInterfaceFailed);
     }
     return true;
 }

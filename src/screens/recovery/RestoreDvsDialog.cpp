@@ -20,17 +20,13 @@
 #include "text/ItemList.h"
 #include "text/LabelItem.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
 namespace {
 
-constexpr unsigned kTitle = 188, kBody = 189, kUnblockLabel = 185, kUplinksEntry = 186;
-constexpr unsigned kErrorTitle = 190, kFailed = 191, kThirdParty = 192;
-constexpr unsigned kNoUplinksTitle = 198, kNoUplinks = 199;
-constexpr unsigned kInvalidVlanTitle = 88;
 // The network window's VLAN caption; its range is not a distributed port's, so it is left out.
-constexpr unsigned kVlanCaption = 92;
 constexpr int kMaxVlan = 4094;
 constexpr int kFieldWidth = 4, kMaxLength = 4;
 constexpr const char* kInvalidVlan = "Invalid DVPort vlan specified. Valid range is 0-4094.";
@@ -42,7 +38,7 @@ bool Contains(const std::vector<std::string>& names, const std::string& name) {
 
 // "VLAN ID (1-4094, or 4095 to access all VLANs):" becomes "VLAN ID:".
 std::string VlanCaption(const StringFactory& strings) {
-    std::string caption = strings.GetString(kVlanCaption);
+    std::string caption = strings.GetString(StringId::VlanIdLabel);
     const auto open = caption.find(" (");
     const auto close = open == std::string::npos ? open : caption.find(')', open);
     if (close != std::string::npos) caption.erase(open, close - open + 1);
@@ -92,15 +88,18 @@ std::string RestoreDvsDialog::HostLocalPortName(const std::string& nicName,
 }
 
 RestoreDvsDialog::RestoreDvsDialog(Frame* parent, HostCtl::Network::ZenkNic& nic, HostAccess& host)
-    : Dialog(parent, {70, 15, 7, kTitle, kBody, Footer::kToggleOkCancel}), _nic(nic), _host(host) {
+    : Dialog(parent,
+             {70, 15, 7, StringId::RestoreDvsTitle, StringId::RestoreDvsText, Footer::kToggleOkCancel}),
+      _nic(nic),
+      _host(host) {
     _refusal = ReadPort();
-    if (_refusal != 0) return;
+    if (_refusal != kNoTextId) return;
     _vlan = &AddField(VlanCaption(*Strings()), std::to_string(_port.vlanId), kFieldWidth, FieldKeys::Digits,
                       kMaxLength);
     // Checked: a port blocked by mistake is the usual way a distributed management port breaks.
-    _unblock = &AddCheck(Strings()->GetString(kUnblockLabel), true);
+    _unblock = &AddCheck(Strings()->GetString(StringId::UnblockPortCaption), true);
     AddLabel("", false);
-    _uplinksEntry = &AddLabel(Strings()->GetString(kUplinksEntry), true);
+    _uplinksEntry = &AddLabel(Strings()->GetString(StringId::SelectDvsUplinksEntry), true);
     ShowItems();
 }
 
@@ -117,7 +116,7 @@ unsigned RestoreDvsDialog::ReadPort() {
             throw HostCtl::Lib::HostCtlException("Distributed switch " + _dvsName + " does not exist");
         if (!dvs->IsOwnKind()) {
             LogError("Restore xDS refused: " + _dvsName + " is a 3rd party xDS (" + dvs->vendor + ")");
-            return kThirdParty;
+            return StringId::RestoreDvsThirdParty;
         }
         _port = _host.DvPort(_dvsName, point.portKey)->GetProperties();
         _portNames = dvs->portNames;
@@ -129,16 +128,16 @@ unsigned RestoreDvsDialog::ReadPort() {
             if (Contains(_port.uplinks, uplink)) _chosen.push_back(uplink);
         // A port left without any uplink this host has starts from all of them.
         if (_chosen.empty()) _chosen = _available;
-        return 0;
+        return kNoTextId;
     } catch (const std::exception& e) {
         LogFailure("Reading the xDS management port failed: ", e);
-        return kFailed;
+        return StringId::RestoreDvsFailed;
     }
 }
 
 int RestoreDvsDialog::HandleKey() {
-    if (_refusal != 0) {
-        MessageDialog(this, kErrorTitle, _refusal).RunModal();
+    if (_refusal != kNoTextId) {
+        MessageDialog(this, StringId::RestoreDvsErrorTitle, _refusal).RunModal();
         return 0;
     }
     return RunWithCursorOnFields(0);
@@ -160,7 +159,7 @@ bool RestoreDvsDialog::OnKey(int key) {
 
 void RestoreDvsDialog::ChooseUplinks() {
     if (_available.empty()) {
-        MessageDialog(this, kNoUplinksTitle, kNoUplinks).RunModal();
+        MessageDialog(this, StringId::NoDvsUplinksTitle, StringId::NoDvsUplinksText).RunModal();
     } else {
         DvsUplinksDialog chooser(this, _available, _chosen);
         if (chooser.RunModal() == 1) _chosen = chooser.Chosen();
@@ -177,13 +176,13 @@ void RestoreDvsDialog::Accept() {
         ShowCursorOnField();
         // The log line's words, which give the range a port takes, and nothing about a failed restore:
         // nothing was tried.
-        MessageDialog(this, kInvalidVlanTitle, kInvalidVlan).RunModal();
+        MessageDialog(this, StringId::InvalidVlanTitle, kInvalidVlan).RunModal();
         Items().Draw();
         return;
     }
     // A port with no uplink on this host cannot bring the management network back.
     if (_available.empty()) {
-        MessageDialog(this, kNoUplinksTitle, kNoUplinks).RunModal();
+        MessageDialog(this, StringId::NoDvsUplinksTitle, StringId::NoDvsUplinksText).RunModal();
         Items().Draw();
         return;
     }
@@ -223,7 +222,7 @@ void RestoreDvsDialog::Restore(int vlanId) {
 
 void RestoreDvsDialog::Fail(const std::string& line, const std::exception& e) {
     LogFailure(line, e);
-    MessageDialog(this, kErrorTitle, kFailed).RunModal();
+    MessageDialog(this, StringId::RestoreDvsErrorTitle, StringId::RestoreDvsFailed).RunModal();
     Close(0);
 }
 

@@ -35,7 +35,7 @@ class RestoreDvsDialog : public Dialog {
     bool OnKey(int key) override;
 
   private:
-    // Reads the port and its switch; 0, or the text that refuses the restore.
+    // Reads the port and its switch; kNoTextId, or the text that refuses the restore.
     unsigned ReadPort();
     void ChooseUplinks();
     // Enter: checks the values, asks when no uplink is chosen, then restores.
@@ -51,7 +51,7 @@ class RestoreDvsDialog : public Dialog {
     // The switch's uplinks this host has, and those of them the new port is to use.
     std::vector<std::string> _available;
     std::vector<std::string> _chosen;
-    unsigned _refusal = 0;
+    unsigned _refusal = kNoTextId;
     // Owned by the dialog's items; null when the restore is refused.
     InputItem* _vlan = nullptr;
     CheckItem* _unblock = nullptr;

@@ -8,13 +8,13 @@
 #include "terminal/HostEvent.h"
 #include "terminal/Keys.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 
 namespace {
 
-constexpr unsigned kTitle = 182, kWarning = 183, kQuestion = 184;
 constexpr const char* kFooter =
     "{color:black}<F11>{/color} {color:dark-grey}Yes, Reset{/color}{align:right}{color:black}<Esc>{/color} "
     "{color:dark-grey}Cancel{/color}{/align}";
@@ -23,9 +23,11 @@ constexpr const char* kRestored = "Restoring factory network settings";
 }  // namespace
 
 RestoreNetworkDialog::RestoreNetworkDialog(Frame* parent, HostAccess& host)
-    : Dialog(parent, {70, 12, 6, kTitle, kWarning, kFooter}), _host(host) {
+    : Dialog(parent, {70, 12, 6, StringId::RestoreFactoryNetworkTitle, StringId::RestoreFactoryNetworkWarning,
+                      kFooter}),
+      _host(host) {
     AddTextArea(0, 0, Content()->Width(), Content()->Height(), kBlack)
-        .SetText(Strings()->GetString(kQuestion));
+        .SetText(Strings()->GetString(StringId::RestoreFactoryNetworkQuestion));
 }
 
 void RestoreNetworkDialog::Restore() {

@@ -1,14 +1,12 @@
 #include "recovery/RunningVMsWarningDialog.h"
 
 #include "frames/Footers.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
-namespace {
-constexpr unsigned kTitle = 166, kWarning = 167;
-}  // namespace
-
 RunningVMsWarningDialog::RunningVMsWarningDialog(Frame* parent)
-    : ConfirmDialog(parent, {60, 10, 6, kTitle, kWarning, Footer::kConfirmCancel}) {}
+    : ConfirmDialog(parent, {60, 10, 6, StringId::VmsRunningTitle, StringId::VmsRunningWarning,
+                             Footer::kConfirmCancel}) {}
 
 }  // namespace Kovo

@@ -7,25 +7,27 @@
 #include "terminal/Colors.h"
 #include "terminal/Keys.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 
-namespace {
-constexpr unsigned kTitle = 130, kExplanation = 131, kQuestion = 132, kFailed = 20;
-}  // namespace
-
 SafeModeNetworkDialog::SafeModeNetworkDialog(Frame* parent, HostCtl::Network::ZenkNic& nic, HostAccess& host)
-    : Dialog(parent, {60, 12, 7, kTitle, kExplanation, Footer::kF11OkCancel}), _nic(nic), _host(host) {
+    : Dialog(parent, {60, 12, 7, StringId::RestoreStandardSwitchTitle, StringId::RestoreStandardSwitchText,
+                      Footer::kF11OkCancel}),
+      _nic(nic),
+      _host(host) {
     AddTextArea(0, 0, Content()->Width(), Content()->Height(), kBlack)
-        .SetText(Strings()->GetString(kQuestion));
+        .SetText(Strings()->GetString(StringId::RestoreStandardSwitchQuestion));
 }
 
 bool SafeModeNetworkDialog::OnKey(int key) {
     if (key == KEY_F(11)) {
         // A move that stopped half-way leaves interfaces down or uplinks on no switch: the operator must
         // not take the closed dialog for success.
-        if (!SafeModeNetwork(_host, _nic).Run()) MessageDialog(this, kTitle, kFailed).RunModal();
+        if (!SafeModeNetwork(_host, _nic).Run())
+            MessageDialog(this, StringId::RestoreStandardSwitchTitle, StringId::ManagementInterfaceFailed)
+                .RunModal();
         // Logged and 1 whatever the move came to: the menu offers it once.
         LogInfo("Enabling safe mode networking by moving all uplinks to a new management xSwitch");
         Close(1);

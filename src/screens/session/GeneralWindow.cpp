@@ -14,22 +14,16 @@
 #include "recovery/RestartNetworkDialog.h"
 #include "system/KeyboardDialog.h"
 #include "system/LockdownDialog.h"
-#include "system/MenuCodes.h"
 #include "system/RestoreDialog.h"
 #include "system/TroubleShootingWindow.h"
 #include "terminal/Keys.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 
 namespace {
-
-constexpr unsigned kVersionLine = 2, kMenuTitle = 4, kIpv4AddressLabel = 35, kHostnameLabel = 40,
-                   kEnabled = 113, kDisabled = 114;
-constexpr unsigned kPasswordHelp = 21, kLockdownHelp = 22, kNetworkHelp = 23, kRestartNetworkHelp = 24,
-                   kTestNetworkHelp = 25, kRestoreHelp = 26, kTroubleshootingHelp = 28, kResetHelp = 29,
-                   kKeyboardHelp = 32, kEmptyPasswordHelp = 33;
 
 // A host value for the detail pane; a host that cannot tell it leaves the line out.
 std::string Guarded(std::string (*read)()) {
@@ -47,7 +41,7 @@ GeneralWindow::GeneralWindow(Frame* parent, HostAccess& host)
     : GeneralWindow(parent, MenuFacts::Read(host), host) {}
 
 GeneralWindow::GeneralWindow(Frame* parent, const MenuFacts& facts, HostAccess& host)
-    : MenuWindow(parent, kMenuTitle, Footer::kMenuSelectLogOut),
+    : MenuWindow(parent, StringId::SystemCustomizationTitle, Footer::kMenuSelectLogOut),
       _host(host),
       _entries(facts.Entries()),
       _managementInterface(facts.managementInterface),
@@ -74,48 +68,49 @@ MenuWindow::Row GeneralWindow::RowFor(const MenuEntry& entry) {
         row.open = std::move(open);
     };
     switch (entry.code) {
-        case kConfigurePassword:
+        case StringId::MenuConfigurePassword:
             row.detail = [this] {
-                return String(Frame::_isUserPasswordEmpty ? kEmptyPasswordHelp : kPasswordHelp);
+                return String(Frame::_isUserPasswordEmpty ? StringId::EmptyPasswordHelp
+                                                          : StringId::ConfigurePasswordHelp);
             };
             row.open = [this] { ChangePasswordDialog(this, _host).RunModal(); };
             break;
-        case kConfigureLockdown:
+        case StringId::MenuConfigureLockdown:
             row.detail = [this] {
-                return "{color:white}" + String(_lockdownEnabled ? kEnabled : kDisabled) + "{/color}\n\n" +
-                       String(kLockdownHelp);
+                return "{color:white}" + String(_lockdownEnabled ? StringId::Enabled : StringId::Disabled) +
+                       "{/color}\n\n" + String(StringId::ConfigureLockdownHelp);
             };
             row.open = [this] {
                 if (LockdownDialog(this, _host).RunModal() != 0)
                     _lockdownEnabled = _host.Query("hclsvc/auth/lockdown_is_enabled");
             };
             break;
-        case kConfigureNetwork:
+        case StringId::MenuConfigureNetwork:
             row.detail = [this] { return NetworkDetails(); };
             row.open = [this] { NetworkWindow(this, _host).RunModal(); };
             break;
-        case kRestartNetwork:
-            opens(kRestartNetworkHelp,
+        case StringId::MenuRestartNetwork:
+            opens(StringId::RestartNetworkHelp,
                   [this] { _managementInterface = RestartNetworkDialog::Offer(this, _host); });
             break;
-        case kTestNetwork:
-            opens(kTestNetworkHelp, [this] { TestDialog(this, _host).RunModal(); });
+        case StringId::MenuTestNetwork:
+            opens(StringId::TestNetworkHelp, [this] { TestDialog(this, _host).RunModal(); });
             break;
-        case kNetworkRestore:
-            opens(kRestoreHelp, [this] { NetworkRestoreWindow(this, _host).RunModal(); });
+        case StringId::MenuNetworkRestore:
+            opens(StringId::NetworkRestoreHelp, [this] { NetworkRestoreWindow(this, _host).RunModal(); });
             break;
-        case kTroubleshooting:
-            opens(kTroubleshootingHelp, [this] { TroubleShootingWindow(this, _host).RunModal(); });
+        case StringId::MenuTroubleshooting:
+            opens(StringId::TroubleshootingHelp, [this] { TroubleShootingWindow(this, _host).RunModal(); });
             break;
-        case kResetConfiguration:
-            opens(kResetHelp, [this] { RestoreDialog(this, _host).RunModal(); });
+        case StringId::MenuResetConfiguration:
+            opens(StringId::ResetConfigurationHelp, [this] { RestoreDialog(this, _host).RunModal(); });
             break;
-        case kConfigureKeyboard:
-            opens(kKeyboardHelp, [this] { KeyboardDialog(this, _host).RunModal(); });
+        case StringId::ConfigureKeyboard:
+            opens(StringId::ConfigureKeyboardHelp, [this] { KeyboardDialog(this, _host).RunModal(); });
             // The keyboard dialog passes the host's failures on: the reason alone is logged and shown.
             row.failure = "";
             break;
-        case kViewSystemLogs:
+        case StringId::MenuViewSystemLogs:
             row.footer.clear();
             row.detail = [this] {
                 _logs.Refresh(_host);
@@ -123,7 +118,7 @@ MenuWindow::Row GeneralWindow::RowFor(const MenuEntry& entry) {
             };
             row.keys = [this](int key) { _logs.Open(key, *this); };
             break;
-        case kViewSupportInfo:
+        case StringId::MenuViewSupportInfo:
             row.footer = _support.Footer(_supportPage);
             row.detail = [this] { return _support.Compose(_supportPage, *Strings()); };
             row.keys = [this](int key) {
@@ -139,7 +134,7 @@ MenuWindow::Row GeneralWindow::RowFor(const MenuEntry& entry) {
 
 void GeneralWindow::DrawStatusLine() {
     // Kept as the area's text (not printed over it) so that every repaint of the area shows it again.
-    const std::string version = String(kVersionLine);
+    const std::string version = String(StringId::HostVersionLine);
     const int column = std::max(0, COLS / 2 - static_cast<int>(version.size()) / 2);
     StatusLine()->SetText(std::string(static_cast<std::size_t>(column), ' ') + version);
 }
@@ -150,11 +145,11 @@ std::string GeneralWindow::NetworkDetails() const {
         const std::string address = Guarded(&TextArea::GetIpValue);
         const std::string hostname = Guarded(&TextArea::GetHostnameValue);
         if (!address.empty())
-            text += "{color:white}" + String(kIpv4AddressLabel) + ":{/color}\n  " + address + "\n\n";
+            text += "{color:white}" + String(StringId::Ipv4AddressLabel) + ":{/color}\n  " + address + "\n\n";
         if (!hostname.empty())
-            text += "{color:white}" + String(kHostnameLabel) + ":{/color}\n  " + hostname + "\n\n";
+            text += "{color:white}" + String(StringId::HostnameLabel) + ":{/color}\n  " + hostname + "\n\n";
     }
-    return text + String(kNetworkHelp);
+    return text + String(StringId::ConfigureNetworkHelp);
 }
 
 void GeneralWindow::Notification() {

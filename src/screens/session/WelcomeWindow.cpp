@@ -26,6 +26,7 @@
 #include "terminal/KeyReader.h"
 #include "terminal/KovoTimeout.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
@@ -41,19 +42,6 @@ constexpr const char* kNoAdapter =
     "for "
     "a list of supported adapters.";
 constexpr const char* kNoAdapterAlert = "No compatible network adapter found.";
-
-enum StringId : unsigned {
-    kCustomizeSystem = 0,
-    kShutDownRestart = 1,
-    kVersionLine = 2,
-    kManageHeading = 133,
-    kDhcpWarning = 134,
-    kAuditWarning = 135,
-    kDhcpLabel = 254,
-    kStaticLabel = 255,
-    kAutoconfLabel = 256,
-    kWaitingForDhcp = 257,
-};
 
 // IPv6 address types as the host reports them.
 enum Ipv6AddressType { kIpv6Static = 0, kIpv6Autoconf = 7, kIpv6Dhcp = 9 };
@@ -89,7 +77,7 @@ std::string WelcomeWindow::MemoryLine(uint64_t totalBytes) {
 }
 
 std::string WelcomeWindow::ProductBlock() const {
-    std::string line = Strings()->GetString(kVersionLine);
+    std::string line = Strings()->GetString(StringId::HostVersionLine);
     // A host that cannot tell its version yet shows its line unchanged rather than failing the screen.
     size_t at = line.find(kReleaseInVersionLine);
     if (at != std::string::npos) line.replace(at, strlen(kReleaseInVersionLine), kEditionLabel);
@@ -114,7 +102,7 @@ std::string WelcomeWindow::ProcessorLine() const {
 
 std::string WelcomeWindow::AddressText() {
     _dhcpWaiting = false;
-    std::string text = Strings()->GetString(kManageHeading);
+    std::string text = Strings()->GetString(StringId::ManageHostHeading);
     const std::string hostname = _host.Dns()->GetHostname();
     if (!hostname.empty() && hostname != "localhost") text += "\nhttps://" + hostname + "/ ";
 
@@ -124,10 +112,10 @@ std::string WelcomeWindow::AddressText() {
     const HostCtl::Network::IpConfig config = nic->GetIpConfig();
     if (!config.GetIpv4UseNone()) {
         const std::string address = config.GetIpv4Address().GetStringAddress();
-        unsigned label = kStaticLabel;
+        unsigned label = StringId::StaticAddressTag;
         if (config.GetUseDhcp()) {
             _dhcpWaiting = address == "0.0.0.0";
-            label = _dhcpWaiting ? kWaitingForDhcp : kDhcpLabel;
+            label = _dhcpWaiting ? StringId::WaitingForDhcp : StringId::DhcpAddressTag;
         }
         text += "\nhttps://" + address + "/ (" + Strings()->GetString(label) + ")";
     }
@@ -137,13 +125,13 @@ std::string WelcomeWindow::AddressText() {
             std::string line = "https://[" + net.GetAddress().GetStringAddress() + "]/ ";
             switch (net.GetIpv6AddressType()) {
                 case kIpv6Static:
-                    line += std::string("(") + Strings()->GetString(kStaticLabel) + ")";
+                    line += std::string("(") + Strings()->GetString(StringId::StaticAddressTag) + ")";
                     break;
                 case kIpv6Dhcp:
-                    line += std::string("(") + Strings()->GetString(kDhcpLabel) + ")";
+                    line += std::string("(") + Strings()->GetString(StringId::DhcpAddressTag) + ")";
                     break;
                 case kIpv6Autoconf:
-                    line += std::string("(") + Strings()->GetString(kAutoconfLabel) + ")";
+                    line += std::string("(") + Strings()->GetString(StringId::AutoconfAddressTag) + ")";
                     break;
                 default:
                     break;
@@ -159,7 +147,7 @@ std::string WelcomeWindow::AddressText() {
 
 std::string WelcomeWindow::WarningText() {
     std::string text;
-    if (_dhcpWaiting) text = Strings()->GetString(kDhcpWarning);
+    if (_dhcpWaiting) text = Strings()->GetString(StringId::DhcpFailedWarning);
     bool auditMode = false;
     try {
         auditMode = _host.Identity()->GetBootOptions().auditMode == 1;
@@ -168,7 +156,7 @@ std::string WelcomeWindow::WarningText() {
     }
     if (auditMode) {
         if (!text.empty()) text += "\n";
-        text += Strings()->GetString(kAuditWarning);
+        text += Strings()->GetString(StringId::AuditModeWarning);
     }
     return text;
 }
@@ -212,9 +200,10 @@ void WelcomeWindow::Build() {
     _warning = new TextArea(_lower, 8, 9, areaWidth, 2, -1, kRed);
     _keyLine = new TextArea(_lower, 0, _lower->Height() - 1, COLS, 1);
     FillIdentity();
-    _keyLine->SetText(std::string("<F2> {color:dark-grey}") + Strings()->GetString(kCustomizeSystem) +
+    _keyLine->SetText(std::string("<F2> {color:dark-grey}") +
+                      Strings()->GetString(StringId::CustomizeSystemKeyHint) +
                       "{/color}{align:right}<F12> {color:dark-grey}" +
-                      Strings()->GetString(kShutDownRestart) + "{/color}{/align}");
+                      Strings()->GetString(StringId::ShutDownRestartKeyHint) + "{/color}{/align}");
     Refresh();
 }
 

@@ -6,15 +6,14 @@
 #include "text/ItemList.h"
 #include "text/RadioItem.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
-namespace {
-constexpr unsigned kTitle = 15, kBody = 248;
-}  // namespace
-
 KeyboardDialog::KeyboardDialog(Frame* parent, HostAccess& host)
-    : Dialog(parent, {76, 18, 6, kTitle, kBody, Footer::kSelectToggleOkCancel}), _host(host) {
+    : Dialog(parent, {76, 18, 6, StringId::ConfigureKeyboard, StringId::ConfigureKeyboardText,
+                      Footer::kSelectToggleOkCancel}),
+      _host(host) {
     auto system = _host.SystemInfo();
     const std::string current = system->GetKeyboardLayout();
     _layouts = system->GetKeyboardLayouts();

@@ -8,19 +8,22 @@
 #include "platform/hostctl/AdvancedOption.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "terminal/Session.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
 namespace {
 
-constexpr unsigned kTitle = 264, kBody = 265, kLabel = 266, kInvalidTitle = 262;
 constexpr uint32_t kDefaultSeconds = 600;
 
 }  // namespace
 
 KovoTimeoutDialog::KovoTimeoutDialog(Frame* parent, HostAccess& host)
-    : TimeoutDialog(parent, {70, 15, 9, kTitle, kBody, Footer::kOkCancel}, host), _seconds(ReadSeconds()) {
-    AddMinutesField(kLabel, _seconds / 60);
+    : TimeoutDialog(parent,
+                    {70, 15, 9, StringId::KovoTimeoutTitle, StringId::KovoTimeoutText, Footer::kOkCancel},
+                    host),
+      _seconds(ReadSeconds()) {
+    AddMinutesField(StringId::KovoTimeoutLabel, _seconds / 60);
 }
 
 uint32_t KovoTimeoutDialog::ReadSeconds() {
@@ -47,8 +50,13 @@ void KovoTimeoutDialog::Apply() {
         Frame::_idleTimeout = static_cast<uint32_t>(option->GetIntValue());
         _seconds = Frame::_idleTimeout;
     } catch (const HostCtl::Lib::HostCtlException& e) {
+<<<<<<< HEAD
         LogFailure("Unable to set KOVO timeout: ", e);
         MessageDialog(this, kInvalidTitle, e.what()).RunModal();
+=======
+        syslog(LOG_ERR, "Unable to set KOVO timeout: %s", e.what());
+        MessageDialog(this, StringId::InvalidTimeoutTitle, e.what()).RunModal();
+>>>>>>> strings
         return;
     }
     if (*minutes == 0) {

@@ -7,19 +7,20 @@
 #include "terminal/Session.h"
 #include "text/CheckItem.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
 namespace {
 constexpr int kCapture = 255;
-constexpr unsigned kTitle = 245, kBody = 246, kBoxLabel = 247;
 constexpr const char* kEnabledQuery = "hclsvc/auth/lockdown_is_enabled";
 }  // namespace
 
 LockdownDialog::LockdownDialog(Frame* parent, HostAccess& host)
-    : Dialog(parent, {70, 11, 6, kTitle, kBody, Footer::kToggleOkCancel}),
+    : Dialog(parent, {70, 11, 6, StringId::ConfigureLockdownTitle, StringId::ConfigureLockdownText,
+                      Footer::kToggleOkCancel}),
       _host(host),
-      _box(AddCheck(Strings()->GetString(kBoxLabel), host.Query(kEnabledQuery))),
+      _box(AddCheck(Strings()->GetString(StringId::EnableLockdownCaption), host.Query(kEnabledQuery))),
       _enabled(_box.IsChecked()) {
     ShowItems();
 }

@@ -6,8 +6,8 @@
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/NetworkInfo.h"
 #include "platform/hostctl/ZenkNic.h"
-#include "system/MenuCodes.h"
 #include "terminal/Session.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
@@ -38,30 +38,30 @@ MenuFacts MenuFacts::Read(HostAccess& host) {
 }
 
 std::vector<MenuEntry> MenuFacts::Entries() const {
-    const MenuEntry blank{kBlankLine, false, false};
+    const MenuEntry blank{StringId::MenuBlankLine, false, false};
     const bool lockdown = lockdownEnabled || lockdownPossible;
     std::vector<MenuEntry> entries{
-        {kConfigurePassword, true, true},
-        {kConfigureLockdown, true, lockdown},
+        {StringId::MenuConfigurePassword, true, true},
+        {StringId::MenuConfigureLockdown, true, lockdown},
         blank,
-        {kConfigureNetwork, true, managementInterface},
-        {kRestartNetwork, true, managementInterface},
-        {kTestNetwork, true, managementInterface},
-        {kNetworkRestore, true, true},
+        {StringId::MenuConfigureNetwork, true, managementInterface},
+        {StringId::MenuRestartNetwork, true, managementInterface},
+        {StringId::MenuTestNetwork, true, managementInterface},
+        {StringId::MenuNetworkRestore, true, true},
         blank,
     };
     // Over a remote terminal the keyboard of the machine is not the operator's; the blank line stays.
-    if (keyboard) entries.push_back({kConfigureKeyboard, true, true});
+    if (keyboard) entries.push_back({StringId::ConfigureKeyboard, true, true});
     entries.insert(entries.end(),
                    {
-                       {kTroubleshooting, true, true},
+                       {StringId::MenuTroubleshooting, true, true},
                        blank,
-                       {kViewSystemLogs, true, true},
+                       {StringId::MenuViewSystemLogs, true, true},
                        blank,
-                       {kViewSupportInfo, true, true},
+                       {StringId::MenuViewSupportInfo, true, true},
                        blank,
                        // A host booted from the network has no configuration of its own to reset.
-                       {kResetConfiguration, true, !pxeBoot},
+                       {StringId::MenuResetConfiguration, true, !pxeBoot},
                    });
     return entries;
 }

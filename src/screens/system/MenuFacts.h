@@ -11,7 +11,8 @@ namespace Kovo {
 
 class HostAccess;
 
-// One line of the main menu: its code is also the string id of its text; code 3 is a blank line.
+// One line of the main menu: its code is the string id of its text (StringId::MenuBlankLine, empty, for a
+// blank line).
 struct MenuEntry {
     unsigned code;
     bool selectable;

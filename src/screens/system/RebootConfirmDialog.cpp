@@ -1,13 +1,15 @@
 #include "system/RebootConfirmDialog.h"
 
+#include "text/StringIds.h"
+
 namespace Kovo {
 
 namespace {
-constexpr unsigned kTitle = 168, kBody = 169;
 constexpr const char* kCommand = "reboot";
 }  // namespace
 
 RebootConfirmDialog::RebootConfirmDialog(Frame* parent, bool keepVms, HostAccess& host)
-    : PowerConfirmDialog(parent, keepVms, kTitle, kBody, kCommand, host) {}
+    : PowerConfirmDialog(parent, keepVms, StringId::RestartHostTitle, StringId::RestartInProgress, kCommand,
+                         host) {}
 
 }  // namespace Kovo

@@ -12,22 +12,22 @@
 #include "text/ItemList.h"
 #include "text/MarkupLayout.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 
 namespace {
 constexpr int kProgressRows = 4;
-constexpr unsigned kTitle = 237, kWarning = 238, kQuestion = 239, kStopping = 240, kStarting = 241,
-                   kCollectLabel = 242, kCollecting = 243, kDone = 115;
 }  // namespace
 
 RestartAgentsDialog::RestartAgentsDialog(Frame* parent, HostAccess& host)
-    : ConfirmProgressDialog(parent, {71, 20, 9, kTitle, kWarning, Footer::kF11OkCancel}),
+    : ConfirmProgressDialog(parent, {71, 20, 9, StringId::RestartAgentsConfirmTitle,
+                                     StringId::RestartAgentsWarning, Footer::kF11OkCancel}),
       _host(host),
-      _liveCore(AddCheck(Strings()->GetString(kCollectLabel), false)) {
+      _liveCore(AddCheck(Strings()->GetString(StringId::CollectTroubleshootingCaption), false)) {
     SetProgressArea(AddTextArea(0, 0, Content()->Width(), kProgressRows, kBlack));
-    Progress().SetText(Strings()->GetString(kQuestion));
+    Progress().SetText(Strings()->GetString(StringId::RestartAgentsQuestion));
     // The check box sits on the content's last row, under the progress lines.
     PlaceItems(0, Content()->Height() - 1, Content()->Width(), 1);
     ShowItems();
@@ -58,7 +58,7 @@ void RestartAgentsDialog::Step(unsigned lineId, const char* command) {
     const std::string failure = _host.ExecReportingFailure(command);
     if (!failure.empty()) LogError(line + " " + failure);
     AddFinished(line + " " +
-                (failure.empty() ? std::string(Strings()->GetString(kDone)) : MarkupSafe(failure)));
+                (failure.empty() ? std::string(Strings()->GetString(StringId::Done)) : MarkupSafe(failure)));
     ShowProgress();
 }
 
@@ -70,11 +70,12 @@ bool RestartAgentsDialog::Run() {
             error != 0) {
             LogError(std::string("failed to create live core generation thread: ") + strerror(error));
         } else {
-            AddFinished(std::string(Strings()->GetString(kCollecting)) + " " + Strings()->GetString(kDone));
+            AddFinished(std::string(Strings()->GetString(StringId::CollectingLiveCore)) + " " +
+                        Strings()->GetString(StringId::Done));
         }
     }
-    Step(kStopping, "/bin/sh /sbin/services.sh stop");
-    Step(kStarting, "/bin/sh /sbin/services.sh start");
+    Step(StringId::StoppingAgents, "/bin/sh /sbin/services.sh stop");
+    Step(StringId::StartingAgents, "/bin/sh /sbin/services.sh start");
     return true;
 }
 

@@ -4,28 +4,26 @@
 #include "frames/Log.h"
 #include "terminal/HostEvent.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 
-namespace {
-constexpr unsigned kConfirmTitle = 170, kWarning = 171, kQuestion = 172, kTitle = 173, kWait = 174,
-                   kDone = 175;
-}  // namespace
-
 RestoreDialog::RestoreDialog(Frame* parent, HostAccess& host)
-    : ConfirmProgressDialog(parent, {60, 12, 7, kConfirmTitle, kWarning, Footer::kF11OkCancel}), _host(host) {
-    Progress().SetText(Strings()->GetString(kQuestion));
+    : ConfirmProgressDialog(parent, {60, 12, 7, StringId::ResetConfigurationConfirmTitle,
+                                     StringId::ResetConfigurationWarning, Footer::kF11OkCancel}),
+      _host(host) {
+    Progress().SetText(Strings()->GetString(StringId::ResetConfigurationQuestion));
 }
 
 bool RestoreDialog::Run() {
     LogInfo("Restoring factory defaults");
     _host.PostEvent(HostEvent::Text("obs.user.kovo.restore.factory.defaults", "Restoring factory defaults"));
-    SetTitle(Strings()->GetString(kTitle));
-    SetText(Strings()->GetString(kWait));
+    SetTitle(Strings()->GetString(StringId::ResetConfigurationTitle));
+    SetText(Strings()->GetString(StringId::ResetConfigurationWait));
     if (_host.Shell("/sbin/firmwareConfig.py --reset-only > /dev/null 2>&1") != 0) return false;
     Progress().SetText("");
-    SetText(Strings()->GetString(kDone));
+    SetText(Strings()->GetString(StringId::ResetConfigurationDone));
     return true;
 }
 

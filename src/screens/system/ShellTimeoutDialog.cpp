@@ -5,13 +5,16 @@
 
 #include "frames/Footers.h"
 #include "frames/HostAccess.h"
+<<<<<<< HEAD
 #include "frames/Log.h"
+=======
+#include "text/StringIds.h"
+>>>>>>> strings
 
 namespace Kovo {
 
 namespace {
 
-constexpr unsigned kTitle = 258, kBody = 259, kAvailabilityLabel = 260, kIdleLabel = 261;
 constexpr int kCapture = 256;
 constexpr const char* kAvailabilityOption = "/UserVars/QoriShellTimeOut";
 constexpr const char* kIdleOption = "/UserVars/QoriShellInteractiveTimeOut";
@@ -29,10 +32,12 @@ constexpr FieldRule kRules[2] = {
 }  // namespace
 
 ShellTimeoutDialog::ShellTimeoutDialog(Frame* parent, HostAccess& host)
-    : TimeoutDialog(parent, {70, 21, 15, kTitle, kBody, Footer::kOkCancel}, host),
+    : TimeoutDialog(
+          parent, {70, 21, 15, StringId::ShellTimeoutsTitle, StringId::ShellTimeoutsText, Footer::kOkCancel},
+          host),
       _current{ReadOption(kAvailabilityOption), ReadOption(kIdleOption)} {
-    AddMinutesField(kAvailabilityLabel, _current[0]);
-    AddMinutesField(kIdleLabel, _current[1]);
+    AddMinutesField(StringId::AvailabilityTimeoutLabel, _current[0]);
+    AddMinutesField(StringId::IdleTimeoutLabel, _current[1]);
 }
 
 uint32_t ShellTimeoutDialog::ReadOption(const char* option) {

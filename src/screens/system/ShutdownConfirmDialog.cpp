@@ -1,13 +1,15 @@
 #include "system/ShutdownConfirmDialog.h"
 
+#include "text/StringIds.h"
+
 namespace Kovo {
 
 namespace {
-constexpr unsigned kTitle = 164, kBody = 165;
 constexpr const char* kCommand = "poweroff";
 }  // namespace
 
 ShutdownConfirmDialog::ShutdownConfirmDialog(Frame* parent, bool keepVms, HostAccess& host)
-    : PowerConfirmDialog(parent, keepVms, kTitle, kBody, kCommand, host) {}
+    : PowerConfirmDialog(parent, keepVms, StringId::ShutDownHostTitle, StringId::ShutdownInProgress, kCommand,
+                         host) {}
 
 }  // namespace Kovo

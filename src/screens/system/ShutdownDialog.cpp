@@ -7,17 +7,15 @@
 #include "terminal/HostEvent.h"
 #include "text/CheckItem.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
-namespace {
-constexpr unsigned kTitle = 161, kBody = 162, kTerminateLabel = 163;
-}  // namespace
-
 ShutdownDialog::ShutdownDialog(Frame* parent, HostAccess& host)
-    : Dialog(parent, {60, 19, 13, kTitle, kBody, Footer::kShutDownRestartCancel}),
+    : Dialog(parent, {60, 19, 13, StringId::ShutDownRestartTitle, StringId::ShutDownRestartText,
+                      Footer::kShutDownRestartCancel}),
       _host(host),
-      _terminate(AddCheck(Strings()->GetString(kTerminateLabel), false)) {
+      _terminate(AddCheck(Strings()->GetString(StringId::TerminateVmsCaption), false)) {
     ShowItems();
 }
 

@@ -5,13 +5,10 @@
 #include "frames/Log.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
-
-namespace {
-constexpr unsigned kUnknown = 34;
-}  // namespace
 
 SupportPages::SupportPages()
     : SupportPages({
@@ -48,7 +45,7 @@ std::string SupportPages::Compose(unsigned index, const StringFactory& strings) 
             // One value the host cannot give must not take the rest of the page with it.
             LogFailure("Unable to read " + value.label + ": ", e);
         }
-        if (shown.empty()) shown = strings.GetString(kUnknown);
+        if (shown.empty()) shown = strings.GetString(StringId::Unknown);
         if (!text.empty()) text += "\n\n";
         text += "{color:white}" + value.label + ":{/color}\n  " + shown;
     }

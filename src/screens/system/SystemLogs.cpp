@@ -8,12 +8,9 @@
 #include "platform/hostctl/SystemInfo.h"
 #include "system/LogPager.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
-
-namespace {
-constexpr unsigned kLogsHelp = 27;
-}  // namespace
 
 const std::array<SystemLogs::Log, SystemLogs::kCount>& SystemLogs::Table() {
     static const std::array<Log, kCount> table{{
@@ -68,7 +65,7 @@ void SystemLogs::Open(int key, Frame& menu) const {
 }
 
 std::string SystemLogs::Details(const StringFactory& strings) const {
-    std::string text = strings.GetString(kLogsHelp);
+    std::string text = strings.GetString(StringId::SystemLogsHelp);
     text += "\n";
     int digit = 0;
     for (int row = 0; row < kCount; ++row) {

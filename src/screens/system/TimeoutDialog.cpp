@@ -6,13 +6,13 @@
 #include "frames/MessageDialog.h"
 #include "text/InputItem.h"
 #include "text/StringFactory.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
 namespace {
 // Five digits hold every valid value; a longer number could only wrap around when read.
 constexpr int kFieldWidth = 5;
-constexpr unsigned kInvalidTitle = 262, kInvalidText = 263;
 }  // namespace
 
 TimeoutDialog::TimeoutDialog(Frame* parent, const DialogLayout& layout, HostAccess& host)
@@ -30,7 +30,7 @@ std::optional<uint32_t> TimeoutDialog::ReadMinutes(std::size_t index) {
     uint64_t minutes = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), minutes);
     if (error != std::errc() || end != text.data() + text.size() || minutes > kMaxMinutes) {
-        MessageDialog(this, kInvalidTitle, kInvalidText).RunModal();
+        MessageDialog(this, StringId::InvalidTimeoutTitle, StringId::InvalidTimeoutText).RunModal();
         return std::nullopt;
     }
     return static_cast<uint32_t>(minutes);

@@ -9,14 +9,11 @@
 #include "system/KovoTimeoutDialog.h"
 #include "system/RestartAgentsDialog.h"
 #include "system/ShellTimeoutDialog.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 
 namespace {
-
-constexpr unsigned kTitle = 218;
-constexpr unsigned kShellTimeouts = 225, kKovoTimeout = 226, kRestartAgents = 227;
-constexpr unsigned kShellTimeoutsHelp = 235, kKovoTimeoutHelp = 236, kRestartAgentsHelp = 234;
 
 // What differs between the two service toggles.
 struct Service {
@@ -29,9 +26,28 @@ struct Service {
     bool firewall;
 };
 
-constexpr Service kShell{
-    "/etc/init.d/QorShell", "Qori Shell", "qor_shell", "Qori Shell", 219, 220, 223, 230, 231, 228, false};
-constexpr Service kSsh{"/etc/init.d/SSH", "SSH", "ssh", "ssh", 221, 222, 224, 232, 233, 229, true};
+constexpr Service kShell{"/etc/init.d/QorShell",
+                         "Qori Shell",
+                         "qor_shell",
+                         "Qori Shell",
+                         StringId::EnableShellEntry,
+                         StringId::DisableShellEntry,
+                         StringId::ShellTitle,
+                         StringId::ShellIsEnabled,
+                         StringId::ShellIsDisabled,
+                         StringId::ShellHelp,
+                         false};
+constexpr Service kSsh{"/etc/init.d/SSH",
+                       "SSH",
+                       "ssh",
+                       "ssh",
+                       StringId::EnableSshEntry,
+                       StringId::DisableSshEntry,
+                       StringId::SshTitle,
+                       StringId::SshIsEnabled,
+                       StringId::SshIsDisabled,
+                       StringId::SshHelp,
+                       true};
 
 bool Running(HostAccess& host, const Service& service) {
     return host.Run("/bin/sh", {"sh", service.initScript, "status"}) == 0;
@@ -67,7 +83,7 @@ void Toggle(HostAccess& host, const Service& service, bool& enabled) {
 }  // namespace
 
 TroubleShootingWindow::TroubleShootingWindow(Frame* parent, HostAccess& host)
-    : MenuWindow(parent, kTitle, nullptr),
+    : MenuWindow(parent, StringId::TroubleshootingTitle, nullptr),
       _host(host),
       _shellEnabled(Running(host, kShell)),
       _sshEnabled(Running(host, kSsh)) {
@@ -98,17 +114,17 @@ std::vector<MenuWindow::Row> TroubleShootingWindow::Rows() {
     };
     // The time-outs take effect when a service starts, so they are set while both are off.
     const bool timeoutsOpen = !_shellEnabled && !_sshEnabled;
-    Row timeouts = dialog(kShellTimeouts, kShellTimeoutsHelp, Footer::kDetailChangeExit,
-                          [this] { ShellTimeoutDialog(this, _host).RunModal(); });
+    Row timeouts = dialog(StringId::ShellTimeoutsEntry, StringId::ShellTimeoutsHelp,
+                          Footer::kDetailChangeExit, [this] { ShellTimeoutDialog(this, _host).RunModal(); });
     if (!timeoutsOpen) timeouts.caption = "{color:dark-grey}" + timeouts.caption + "{/color}";
     timeouts.enabled = timeoutsOpen;
     return {
         service(kShell, _shellEnabled),
         service(kSsh, _sshEnabled),
         timeouts,
-        dialog(kKovoTimeout, kKovoTimeoutHelp, Footer::kDetailChangeExit,
+        dialog(StringId::KovoTimeoutEntry, StringId::KovoTimeoutHelp, Footer::kDetailChangeExit,
                [this] { KovoTimeoutDialog(this, _host).RunModal(); }),
-        dialog(kRestartAgents, kRestartAgentsHelp, Footer::kDetailRestartExit,
+        dialog(StringId::RestartAgentsEntry, StringId::RestartAgentsHelp, Footer::kDetailRestartExit,
                [this] { RestartAgentsDialog(this, _host).RunModal(); }),
     };
 }

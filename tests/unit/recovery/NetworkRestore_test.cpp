@@ -6,6 +6,7 @@
 #include "recovery/DoRestoreNetworkDialog.h"
 #include "recovery/NetworkRestoreWindow.h"
 #include "recovery/RestoreNetworkDialog.h"
+#include "text/StringIds.h"
 
 namespace Kovo {
 namespace {
@@ -45,16 +46,15 @@ class NetworkRestore : public NetworkDialogs {
 };
 
 TEST_F(NetworkRestore, AHostThatCannotTellItsConnectionOffersTheFactoryRestoreAlone) {
-    using W = NetworkRestoreWindow;
     // Which host offers which entries is the e2e tests'; whatever keeps the answer back, the window
     // still opens, with the factory restore alone.
     Use("dvs");
     Fault("ZenkNic.GetConnectionPoint");
-    EXPECT_EQ(Entries(), (std::vector<unsigned>{W::kRestoreNetwork}));
+    EXPECT_EQ(Entries(), (std::vector<unsigned>{StringId::RestoreNetworkEntry}));
     EXPECT_TRUE(host_->Made("error: Could not determine if a DVS was in use: broken"));
     Use("dvs");
     scratch_->Get()->Update([](json& d) { d["network"]["zenkNics"] = json::array(); });
-    EXPECT_EQ(Entries(), (std::vector<unsigned>{W::kRestoreNetwork}));
+    EXPECT_EQ(Entries(), (std::vector<unsigned>{StringId::RestoreNetworkEntry}));
     EXPECT_TRUE(host_->Made("error: Could not locate the management interface"));
 }
 
