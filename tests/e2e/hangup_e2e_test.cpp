@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -50,37 +51,39 @@ void ExpectCleanEnd(HostConsole& host, pid_t console) {
 
 }  // namespace
 
-TEST(TerminalHangUp, OnTheWelcomeScreen) {
+// Where the console is when the terminal goes: what `reach` opened from the welcome screen.
+struct HangUpCase {
+    const char* name;
+    std::function<bool(HostConsole&)> reach;
+};
+
+class TerminalHangUp : public ::testing::TestWithParam<HangUpCase> {};
+
+TEST_P(TerminalHangUp, EndsTheConsoleCleanly) {
     auto host = MakeHost("default");
     const pid_t console = host->WaitForConsole();
     ASSERT_GT(console, 0);
+    ASSERT_TRUE(GetParam().reach(*host)) << host->Term().Dump();
     host->Term().HangUp();
     ExpectCleanEnd(*host, console);
 }
 
-TEST(TerminalHangUp, WithADialogOpen) {
-    auto host = MakeHost("default");
-    const pid_t console = host->WaitForConsole();
-    ASSERT_GT(console, 0);
-    ASSERT_TRUE(OpenLogin(*host)) << host->Term().Dump();
-    host->Term().HangUp();
-    ExpectCleanEnd(*host, console);
-}
-
-TEST(TerminalHangUp, WhileThePagerShowsALog) {
-    auto host = MakeHost("default");
-    const pid_t console = host->WaitForConsole();
-    ASSERT_GT(console, 0);
-    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
-    ASSERT_TRUE(OpenFromMenu(*host, kSystemLogsDowns, "<1> Syslog")) << host->Term().Dump();
-    host->Term().Type("1");
-    ASSERT_TRUE(host->Term().WaitForText(kPagerPrompt)) << host->Term().Dump();
-    host->Term().HangUp();
-    ExpectCleanEnd(*host, console);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Screens, TerminalHangUp,
+    ::testing::Values(HangUpCase{"OnTheWelcomeScreen", [](HostConsole&) { return true; }},
+                      HangUpCase{"WithADialogOpen", [](HostConsole& host) { return OpenLogin(host); }},
+                      HangUpCase{"WhileThePagerShowsALog",
+                                 [](HostConsole& host) {
+                                     if (!LogIn(host, "", kRootPassword) ||
+                                         !OpenFromMenu(host, kSystemLogsDowns, "<1> Syslog"))
+                                         return false;
+                                     host.Term().Type("1");
+                                     return host.Term().WaitForText(kPagerPrompt);
+                                 }}),
+    [](const ::testing::TestParamInfo<HangUpCase>& info) { return std::string(info.param.name); });
 
 // A host command already running is not abandoned halfway: it finishes, and then the console ends.
-TEST(TerminalHangUp, DuringAHostCommand) {
+TEST(TerminalHangUpDuringACommand, LetsItFinishFirst) {
     auto host = MakeHost("default");
     const pid_t console = host->WaitForConsole();
     ASSERT_GT(console, 0);

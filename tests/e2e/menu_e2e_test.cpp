@@ -42,11 +42,6 @@ std::unique_ptr<HostConsole> MenuHost(const std::string& scenario, StoreChanges 
     return KovoE2e::MakeHost(scenario, changes, start);
 }
 
-std::string Trimmed(std::string text) {
-    const auto last = text.find_last_not_of(' ');
-    return last == std::string::npos ? std::string() : text.substr(0, last + 1);
-}
-
 // The text of the entry list's cells on `row` (rows hold multi-byte box characters, so cells, not bytes).
 std::string ListCells(const VirtualTerminal& screen, int row) {
     std::string text;
@@ -54,12 +49,7 @@ std::string ListCells(const VirtualTerminal& screen, int row) {
         const std::string cell = screen.CellAt(row, column).text;
         text += cell.empty() ? " " : cell;
     }
-    return Trimmed(text);
-}
-
-// The text of entry line `index` of the menu.
-std::string EntryText(const VirtualTerminal& screen, int index) {
-    return ListCells(screen, kListRow + index);
+    return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
 // The selection: the entry drawn white on black, or in standout on a terminal without colours. Empty
@@ -74,31 +64,13 @@ std::string SelectedEntry(const VirtualTerminal& screen) {
     return {};
 }
 
-// The list pane's footer and the frame's right edge beside the list, which the list must not draw over.
-bool ListFooterShown(const VirtualTerminal& screen) {
-    const int edge = screen.Columns() / 2 - 1;
-    for (int row = kListRow; row < screen.Rows() - 2; ++row)
-        if (screen.CellAt(row, edge).text != "│") return false;
-    return screen.RowText(screen.Rows() - 3).find("<Up/Down> Select  <Esc> Log Out") != std::string::npos;
-}
-
 bool MenuShown(const VirtualTerminal& screen) {
     return screen.Contains(kMenuTitle) && !SelectedEntry(screen).empty();
 }
 
-// F2, the login dialog as root, and the menu. False (with the screen in the failure message) when any
-// step does not happen.
+// Logged in as root, with the selection shown.
 bool LogIn(HostConsole& host) {
-    auto& term = host.Term();
-    term.Press(Key::F2);
-    if (!term.WaitForText("Authentication Required")) return false;
-    if (!term.WaitForQuiet(200ms)) return false;
-    // The fields follow the keyboard line when there is one; Down reaches the password last.
-    const bool keyboardLine = term.Screen().Contains("Configured Keyboard");
-    for (int i = 0; i < (keyboardLine ? 2 : 1); ++i) term.Press(Key::Down);
-    term.Type(kPassword);
-    term.Press(Key::Enter);
-    return term.WaitFor(MenuShown) && term.WaitForQuiet(200ms);
+    return KovoE2e::LogIn(host, "", kPassword) && host.Term().WaitFor(MenuShown);
 }
 
 // Moves the selection down until `entry` is selected; false when the selection stops elsewhere.
@@ -124,12 +96,14 @@ bool SelectDown(HostConsole& host, const std::string& entry) {
 
 // --- entries ------------------------------------------------------------------------------------------
 
+// The selection walks every entry the host offers, in order, and skips the ones it cannot use. (How the
+// entries look is the golden screens' business, and that the selection stops at the last entry the item
+// list's unit tests'.)
 struct HostCase {
     const char* name;
     const char* scenario;
     StoreChanges changes;
     bool remote;                          // reached over SSH rather than at the machine's keyboard
-    std::vector<int> grey;                // entry lines shown disabled
     std::vector<std::string> selections;  // every entry Down reaches from the top, in order
 };
 
@@ -139,40 +113,25 @@ void PrintTo(const HostCase& c, std::ostream* out) {
 
 class MenuOnHost : public ::testing::TestWithParam<HostCase> {};
 
-TEST_P(MenuOnHost, OffersWhatTheHostCanDoAndTheSelectionSkipsTheRest) {
+TEST_P(MenuOnHost, SelectionReachesWhatTheHostCanDoAndSkipsTheRest) {
     const HostCase& c = GetParam();
     ConsoleStart start;
     start.term = "xterm";  // the machine's own keyboard, unless the session came over SSH
-    if (c.remote) start.environment = {{"SSH_CLIENT", "192.0.2.7 50022 22"}};
-    if (!c.grey.empty()) start.term = "xterm-256color";  // colours, to see the greyed entries
+    // Over SSH in colours: in black and white a greyed entry is in standout, like the selection.
+    if (c.remote) {
+        start.environment = {{"SSH_CLIENT", "192.0.2.7 50022 22"}};
+        start.term = "xterm-256color";
+    }
     auto host = MenuHost(c.scenario, c.changes, start);
     ASSERT_TRUE(LogIn(*host)) << host->Term().Dump();
     auto& term = host->Term();
-    const auto& screen = term.Screen();
-    // The list pane's keys are there from the first frame, not only once something has covered them.
-    EXPECT_TRUE(ListFooterShown(screen)) << term.Dump();
-
-    EXPECT_EQ(EntryText(screen, 0), "Configure Password");
-    EXPECT_EQ(EntryText(screen, 8), c.remote ? "Troubleshooting Options" : "Configure Keyboard")
-        << term.Dump();
-    EXPECT_EQ(EntryText(screen, c.remote ? 14 : 15), "Reset System Configuration") << term.Dump();
-    for (int line : c.grey) {
-        const auto cell = screen.CellAt(kListRow + line, kListColumn);
-        EXPECT_TRUE(cell.fg.IsIndex(6) && cell.bg.IsIndex(3)) << line << ": " << cell.Describe();
-    }
-    // The host's version line, centred on the bottom row.
-    const std::string status = screen.RowText(screen.Rows() - 1);
-    EXPECT_NE(status.find("Build 24680"), std::string::npos) << status;
-    EXPECT_NEAR(static_cast<int>(status.find_first_not_of(' ') + status.size()) / 2, screen.Columns() / 2, 1);
-
+    ASSERT_EQ(SelectedEntry(term.Screen()), "Configure Password") << term.Dump();
     for (const std::string& next : c.selections) {
         term.Press(Key::Down);
         ASSERT_TRUE(term.WaitFor([&](const VirtualTerminal& s) { return SelectedEntry(s) == next; }))
             << next << "\n"
             << term.Dump();
     }
-    EXPECT_TRUE(ListFooterShown(screen)) << term.Dump();
-    // That the selection stops at the last entry is the item list's unit tests' business.
 }
 
 const std::vector<std::string> kBelowNetwork{"Troubleshooting Options", "View System Logs",
@@ -184,35 +143,24 @@ std::vector<std::string> Walk(std::vector<std::string> head,
     return head;
 }
 
+const std::vector<std::string> kNetworkEntries{"Configure Lockdown Mode", "Configure Management Network",
+                                               "Restart Management Network", "Test Management Network",
+                                               "Network Restore Options"};
+
 INSTANTIATE_TEST_SUITE_P(
     Hosts, MenuOnHost,
     ::testing::Values(
-        HostCase{
-            "LocalKeyboard",
-            "default",
-            {},
-            false,
-            {},
-            Walk({"Configure Lockdown Mode", "Configure Management Network", "Restart Management Network",
-                  "Test Management Network", "Network Restore Options", "Configure Keyboard"})},
-        HostCase{"OverSsh",
-                 "default",
-                 {},
-                 true,
-                 {},
-                 Walk({"Configure Lockdown Mode", "Configure Management Network",
-                       "Restart Management Network", "Test Management Network", "Network Restore Options"})},
+        HostCase{"LocalKeyboard", "default", {}, false, Walk(Walk(kNetworkEntries, {"Configure Keyboard"}))},
+        HostCase{"OverSsh", "default", {}, true, Walk(kNetworkEntries)},
         HostCase{"NoManagementInterface",
                  "no-nic",
                  {},
                  true,
-                 {3, 4, 5},
                  Walk({"Configure Lockdown Mode", "Network Restore Options"})},
         HostCase{"LockdownImpossible",
                  "default",
                  {{"/services/lockdown/possible", "false"}},
                  true,
-                 {1},
                  Walk({"Configure Management Network", "Restart Management Network",
                        "Test Management Network", "Network Restore Options"})},
         // A host in lockdown must let the operator leave it, even when entering it would be impossible.
@@ -220,18 +168,13 @@ INSTANTIATE_TEST_SUITE_P(
                  "default",
                  {{"/services/lockdown/possible", "false"}, {"/services/lockdown/enabled", "true"}},
                  true,
-                 {},
-                 Walk({"Configure Lockdown Mode", "Configure Management Network",
-                       "Restart Management Network", "Test Management Network", "Network Restore Options"})},
+                 Walk(kNetworkEntries)},
         HostCase{"NetworkBoot",
                  "pxe-boot",
                  {},
                  true,
-                 {14},
-                 Walk({"Configure Lockdown Mode", "Configure Management Network",
-                       "Restart Management Network", "Test Management Network", "Network Restore Options",
-                       "Troubleshooting Options", "View System Logs", "View Support Information"},
-                      {})}),
+                 Walk(kNetworkEntries,
+                      {"Troubleshooting Options", "View System Logs", "View Support Information"})}),
     [](const ::testing::TestParamInfo<HostCase>& info) { return std::string(info.param.name); });
 
 // --- View Support Information -------------------------------------------------------------------------
@@ -242,15 +185,12 @@ TEST(MainMenu, SupportPagesTurnWithPageKeysAndStopAtBothEnds) {
     auto& term = host->Term();
     ASSERT_TRUE(SelectDown(*host, "View Support Information")) << term.Dump();
     ASSERT_TRUE(term.WaitForText("Page 1 of 3")) << term.Dump();
-    EXPECT_TRUE(term.Screen().Contains("NW22-0007731")) << term.Dump();  // the scenario's serial number
-    EXPECT_TRUE(term.Screen().Contains("4QK7Z21")) << term.Dump();       // and service tag
 
     // Page Up on the first page and Page Down on the last do nothing: each is followed by a step the
     // other way, which lands on page 2 only if the page did not move.
     term.Press(Key::PageUp);
     term.Press(Key::PageDown);
     ASSERT_TRUE(term.WaitForText("Page 2 of 3")) << term.Dump();
-    EXPECT_TRUE(term.WaitForText("SSL Thumbprint")) << term.Dump();
     term.Press(Key::PageDown);
     ASSERT_TRUE(term.WaitForText("Page 3 of 3")) << term.Dump();
     term.Press(Key::PageDown);
@@ -266,31 +206,10 @@ TEST(MainMenu, HostNotificationRedrawsTheDetailsWithTheHostsNewValues) {
     auto& term = host->Term();
     ASSERT_TRUE(SelectDown(*host, "Configure Management Network")) << term.Dump();
     ASSERT_TRUE(term.WaitForText("kovo-host-01.lab.example")) << term.Dump();
-    EXPECT_TRUE(term.Screen().Contains("10.20.30.41")) << term.Dump();
     ASSERT_TRUE(KovoE2e::SetStore(*host, "/network/dns/hostname", "\"renamed-01\""));
     ASSERT_TRUE(term.Signal(SIGUSR1, host->WaitForConsole()));
     EXPECT_TRUE(term.WaitForText("renamed-01.lab.example")) << term.Dump();
     EXPECT_EQ(SelectedEntry(term.Screen()), "Configure Management Network");
-}
-
-// A terminal that cannot redefine colours shows the selection in standout; after the pager has had the
-// terminal, the line must come back marked, or an operator on a serial line cannot see where he is. (A
-// dialog over the menu is the unit tests' business.)
-TEST(MainMenu, OnABlackAndWhiteTerminalTheSelectionIsShownAfterThePager) {
-    ConsoleStart start;
-    start.term = "xterm";
-    auto host = MenuHost("default", {}, start);
-    auto& term = host->Term();
-    ASSERT_TRUE(LogIn(*host)) << term.Dump();
-    auto selected = [](const std::string& entry) {
-        return [entry](const VirtualTerminal& s) { return SelectedEntry(s) == entry && ListFooterShown(s); };
-    };
-    ASSERT_TRUE(term.WaitFor(selected("Configure Password"))) << term.Dump();
-    ASSERT_TRUE(SelectDown(*host, "View System Logs")) << term.Dump();
-    term.Type("1");
-    ASSERT_TRUE(term.WaitForText("<Q> Quit </> RegExp Search <H> Help")) << term.Dump();
-    term.Type("q");
-    EXPECT_TRUE(term.WaitFor(selected("View System Logs"))) << term.Dump();
 }
 
 // --- View System Logs ---------------------------------------------------------------------------------
@@ -299,8 +218,12 @@ class SystemLogsMenu : public ::testing::Test {
   protected:
     // A host with the logs at `rows` (1-based) present, each holding a line that names it, and at
     // `pipeRow` (when given) a pipe instead of a file; logged in, with View System Logs selected.
+    // In black and white, where the selection is standout: after the pager has had the terminal the line
+    // must come back marked, or an operator on a serial line cannot see where he is.
     void Start(const std::vector<int>& rows, int pipeRow = 0) {
-        _host = MenuHost("default");
+        ConsoleStart start;
+        start.term = "xterm";
+        _host = MenuHost("default", {}, start);
         const pid_t console = _host->WaitForConsole();
         ASSERT_GT(console, 0);
         const char* paths[] = {"/var/log/syslog.log",  "/var/log/zenkernel.log",  "/var/log/sysboot.log",
@@ -341,19 +264,9 @@ class SystemLogsMenu : public ::testing::Test {
 TEST_F(SystemLogsMenu, DigitsCountOnlyThePresentLogsAndThePagerGivesTheMenuBackIntact) {
     Start({1, 3, 5});
     auto& term = _host->Term();
-    // Shown numbered as the digits count them.
-    EXPECT_TRUE(term.Screen().Contains("<1> Syslog")) << term.Dump();
-    EXPECT_TRUE(term.Screen().Contains("<2> Config")) << term.Dump();
-    EXPECT_TRUE(term.Screen().Contains("<3> xCenter Agent (hostagent2)")) << term.Dump();
     ExpectDigitOpens('2', 3);
     ExpectDigitOpens('3', 5);
-    // The whole menu is back: every entry, the details of the selected one, the version line.
-    const auto& screen = term.Screen();
-    EXPECT_EQ(EntryText(screen, 0), "Configure Password");
-    EXPECT_EQ(EntryText(screen, 14), "Reset System Configuration");
-    EXPECT_TRUE(screen.Contains("Press <Q> to return to this screen.")) << term.Dump();
-    EXPECT_NE(screen.RowText(screen.Rows() - 1).find("Build 24680"), std::string::npos) << term.Dump();
-    // And it still takes keys.
+    // The menu still takes keys.
     term.Press(Key::Down);
     EXPECT_TRUE(term.WaitFor([](const VirtualTerminal& s) {
         return SelectedEntry(s) == "View Support Information";
@@ -364,7 +277,6 @@ TEST_F(SystemLogsMenu, DigitPastThePresentLogsOpensTheNextRowEvenIfItIsNoLog) {
     // The fourth log is a pipe, not a file: not offered, yet digit 5 opens it.
     Start({1, 2, 3}, 4);
     auto& term = _host->Term();
-    EXPECT_FALSE(term.Screen().Contains("<4>")) << term.Dump();
     term.Type("5");
     // The pager opens the pipe for reading; then there is a writer to give it its text.
     EXPECT_TRUE(term.WaitUntil([&] {

@@ -14,23 +14,10 @@ namespace {
 using namespace KovoE2e;
 
 constexpr int kTestDowns = 4;
-constexpr const char* kTestTitle = "Test Management Network";
 constexpr const char* kRunTitle = "Testing Management Network";
 // The dialog's first field: the menu shows the dialog's title too, as the selected entry's.
 constexpr const char* kTestMark = "Ping Address #1";
 constexpr const char* kFqdn = "kovo-host-01.lab.example";
-
-// The value shown in the field whose label is `label`, without the blanks after it.
-std::string FieldValue(const VirtualTerminal& screen, const std::string& label) {
-    int row = 0, column = 0;
-    if (!screen.Find(label, row, column)) return "<no field " + label + ">";
-    const std::string text = screen.RowText(row);
-    const size_t open = text.find("[ ", text.find(label));
-    const size_t close = text.find(" ]", open);
-    std::string value = text.substr(open + 2, close - open - 2);
-    while (!value.empty() && value.back() == ' ') value.pop_back();
-    return value;
-}
 
 // Logs in and opens the dialog.
 bool OpenTest(HostConsole& host) {
@@ -85,14 +72,12 @@ TEST(NetworkCheck, DefaultHostPingsAndResolvesWhatItShows) {
     EXPECT_TRUE(screen.Contains("Pinging address (10.20.30.1). OK.")) << host->Term().Dump();
     EXPECT_TRUE(screen.Contains("Pinging address (10.20.30.2). OK."));
     EXPECT_TRUE(screen.Contains("Resolving hostname (kovo-host-01.lab.example). OK."));
-    EXPECT_FALSE(screen.Contains("10.20.30.3"));
     EXPECT_EQ(CommandCount(*host, {"zenkping"}), 2u) << HostRecords(*host, "commands.log");
     EXPECT_EQ(CommandCount(*host, {R"("/bin/zenkping","-c","3","-I","zk0","10.20.30.1")"}), 1u)
         << HostRecords(*host, "commands.log");
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->Term().WaitForTextGone(kRunTitle)) << host->Term().Dump();
     ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-    EXPECT_FALSE(host->Term().Screen().Contains(kTestMark)) << host->Term().Dump();
     EXPECT_EQ(HostFile(*host, "/etc/hosts"), hosts);
 
     // A name the host's name servers do not know, with the hosts file unchanged again.
@@ -106,30 +91,21 @@ TEST(NetworkCheck, DefaultHostPingsAndResolvesWhatItShows) {
         << "a backup left behind would be put back over a later hosts file";
 }
 
-TEST(NetworkCheck, BareHostStartsEmptyAndRefusesAnInvalidAddress) {
+// A host without a gateway or name servers: the fields start empty (which is the unit tests' business).
+TEST(NetworkCheck, AnInvalidAddressIsRefusedBeforeAnythingRuns) {
     auto host = MakeHost("default", {{"/network/routing/ipv4DefaultGateway", R"("")"},
                                      {"/network/dns/nameServers", "[]"},
                                      {"/network/ipv6Enabled", "false"}});
     ASSERT_TRUE(OpenTest(*host)) << host->Term().Dump();
     const VirtualTerminal& screen = host->Term().Screen();
-    for (const char* label : {"Ping Address #1", "Ping Address #2", "Ping Address #3"})
-        EXPECT_EQ(FieldValue(screen, label), "") << label;
-
-    // Letters beyond the hexadecimal ones are not taken; "1.2.3" is no address.
     Press(*host, Key::Down);
-    host->Term().Type("1.2.3xyz");
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-    EXPECT_EQ(FieldValue(screen, "Ping Address #2"), "1.2.3");
+    TypeShown(*host, "1.2.3");
     host->Term().Press(Key::Enter);
-    ASSERT_TRUE(ShowsMessage(*host, "Invalid IP address", "Invalid IP or IPv6 address."))
-        << host->Term().Dump();
-    ASSERT_TRUE(Acknowledge(*host, "Invalid IP or IPv6 address."));
-    EXPECT_TRUE(screen.Contains(kTestTitle));
-    EXPECT_FALSE(screen.Contains(kRunTitle));
-    // The refused field has the focus: what is typed replaces it.
+    ASSERT_TRUE(Acknowledge(*host, "Invalid IP or IPv6 address.")) << host->Term().Dump();
+    EXPECT_EQ(CommandCount(*host, {"zenkping"}), 0u);
+    // The refused field has the focus: what is typed replaces it. The host name emptied: no resolve test.
     TypeShown(*host, "10.20.30.5");
     Press(*host, Key::Down);
-    // The host name emptied: no resolve test.
     Fill(*host, {"192.0.2.77", ""});
     ASSERT_TRUE(RunToEnd(*host)) << host->Term().Dump();
     EXPECT_TRUE(screen.Contains("Pinging address (10.20.30.5). OK.")) << host->Term().Dump();
@@ -169,8 +145,9 @@ TEST(NetworkCheck, HostsFileStaysWholeHoweverTheConsoleEndsDuringAResolveTest) {
     const auto nameOut = [&] { return HostFile(*host, "/etc/hosts").find(kFqdn) == std::string::npos; };
 
     enum class Moment { AtOnce, NameOut, AfterTheRun };
-    // Who puts the file back: the ending console itself, or the next one as it starts.
-    enum class PutBack { None, AtExit, AtStart };
+    // Whether the ending console puts the file back itself. (The next one putting back what a killed one
+    // left is the unit tests' and the kills' business.)
+    enum class PutBack { None, AtExit };
     struct Ending {
         const char* what;
         Moment moment;
@@ -188,11 +165,9 @@ TEST(NetworkCheck, HostsFileStaysWholeHoweverTheConsoleEndsDuringAResolveTest) {
          [](HostConsole& h, pid_t console) { h.Term().Resize(90, 28, console); }},
         // A serial or SSH line going away.
         {"SIGHUP with the name out", Moment::NameOut, PutBack::AtExit, signal(SIGHUP)},
-        // Nothing of the console runs: the OOM killer, a power loss.
-        {"SIGKILL with the name out", Moment::NameOut, PutBack::AtStart, signal(SIGKILL)},
     };
     pid_t console = 0;
-    size_t atExit = 0, atStart = 0;
+    size_t atExit = 0;
     for (const Ending& ending : endings) {
         SCOPED_TRACE(ending.what);
         console = host->WaitForConsole(console);
@@ -212,13 +187,6 @@ TEST(NetworkCheck, HostsFileStaysWholeHoweverTheConsoleEndsDuringAResolveTest) {
             EXPECT_EQ(HostFile(*host, "/etc/hosts"), hosts);
             EXPECT_TRUE(WaitForSyslogCount(
                 *host, {"]: Put back /etc/hosts after an interrupted resolve test"}, ++atExit))
-                << host->Syslog();
-        }
-        if (ending.putBack == PutBack::AtStart) {
-            EXPECT_TRUE(WaitForSyslogCount(*host,
-                                           {"]: Put back /etc/hosts from /etc/hosts.backup left by an "
-                                            "interrupted resolve test"},
-                                           ++atStart))
                 << host->Syslog();
         }
         EXPECT_EQ(HostFile(*host, "/etc/hosts"), hosts);

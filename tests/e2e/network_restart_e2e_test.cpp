@@ -1,6 +1,6 @@
-// Restart Management Network on the simulated host: the confirmation, the progress lines the operator
-// reads afterwards, the event, and a host that fails the restart without ending the console. Which
-// addresses the lines list for which host is the unit tests' business.
+// Restart Management Network on the simulated host: the confirmation, the result, the event, and a host
+// that fails the restart without ending the console. Which addresses the result lists for which host is
+// the unit tests' business, how it looks the golden screens'.
 #include <gtest/gtest.h>
 
 #include "NetworkSteps.h"
@@ -15,37 +15,10 @@ constexpr const char* kRestartTitle = "Please wait while the management network 
 constexpr const char* kRestartEvent = "@&!*@*@(obs.user.kovo.network.restart)Restarting zk0";
 constexpr const char* kErrorTitle = "Restart Management Network: Error";
 
-// The progress lines as the dialog shows them, from the first, without the blanks that end each row.
-std::vector<std::string> ProgressLines(const VirtualTerminal& screen) {
-    int row = 0, column = 0;
-    std::vector<std::string> lines;
-    if (!screen.Find("Stopping management network.", row, column)) return lines;
-    // In bytes: the rows hold box-drawing characters, and the same ones before the dialog's text.
-    const size_t start = screen.RowText(row).find("Stopping management network.");
-    for (; row < screen.Rows(); ++row) {
-        std::string text = screen.RowText(row).substr(start);
-        // Up to the dialog's right border, without the blanks before it.
-        text = text.substr(0, text.find("\u2502"));
-        while (!text.empty() && text.back() == ' ') text.pop_back();
-        lines.push_back(text);
-        if (text == "Done.") break;
-    }
-    return lines;
-}
-
-TEST(NetworkRestart, StaticHostShowsItsAddressesAndOnlyEnterCloses) {
-    // Five static IPv6 addresses and no router advertisement: the list is the link-local one and five.
-    const StoreChanges changes = {{"/network/zenkNics/0/ipConfig/ipv6",
-                                   R"({"dhcp": false, "routerAdvertised": false, "gateway": "", "networks": [
-             {"address": "2001:db8:20:30::51", "prefixLength": 64, "type": 0, "scope": 3},
-             {"address": "2001:db8:20:30::52", "prefixLength": 64, "type": 0, "scope": 3},
-             {"address": "2001:db8:20:30::53", "prefixLength": 64, "type": 0, "scope": 3},
-             {"address": "2001:db8:20:30::54", "prefixLength": 64, "type": 0, "scope": 3},
-             {"address": "2001:db8:20:30::55", "prefixLength": 64, "type": 0, "scope": 3}]})"}};
-    auto host = MakeHost("default", changes);
+TEST(NetworkRestart, OnlyF11RestartsAndOnlyEnterClosesTheResult) {
+    auto host = MakeHost("default");
     ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
     ASSERT_TRUE(OpenFromMenu(*host, kRestartDowns, kConfirmTitle)) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("Restart management network now?"));
     // Enter is no answer here: only F11 restarts.
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
@@ -53,14 +26,7 @@ TEST(NetworkRestart, StaticHostShowsItsAddressesAndOnlyEnterCloses) {
     EXPECT_EQ(StoreJson(*host, "/network/zenkNics/0/commits"), nullptr);
 
     host->Term().Press(Key::F11);
-    ASSERT_TRUE(host->Term().WaitFor([](const VirtualTerminal& screen) {
-        return !ProgressLines(screen).empty() && ProgressLines(screen).back() == "Done.";
-    })) << host->Term().Dump();
-    EXPECT_EQ(
-        ProgressLines(host->Term().Screen()),
-        (std::vector<std::string>{"Stopping management network. Done.", "Starting management network.",
-                                  "   IP address is  10.20.30.41", "   IP address is  2001:db8:20:30::51",
-                                  "   IP address is  2001:db8:20:30::52", "   ...", "Done."}))
+    ASSERT_TRUE(host->Term().WaitForText("<Enter> OK") && host->Term().WaitForQuiet(300ms))
         << host->Term().Dump();
     // The result stays until Enter: Esc does not close it, so the Down after it does not reach the menu,
     // whose selection stays on the entry.

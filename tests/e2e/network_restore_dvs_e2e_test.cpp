@@ -1,5 +1,6 @@
 // Restore xDS on the simulated host: the new host-local port the operator fills in and the management
-// interface moved onto it, and the refusals and failures that leave the host's network as it was.
+// interface moved onto it, and the refusals that leave the host's network as it was. A host that fails
+// the restore half-way is the unit tests' business.
 #include <gtest/gtest.h>
 
 #include "NetworkSteps.h"
@@ -13,7 +14,6 @@ constexpr int kRestoreDowns = 5;
 constexpr const char* kDialogMark = "Enter the properties for new xDS host local port";
 constexpr const char* kChooserMark = "Select the xDS Uplinks (one or more)";
 constexpr const char* kErrorTitle = "Restore xDS: Error";
-constexpr const char* kFailed = "Unable to restore xDS. Check logs for details.";
 constexpr const char* kVlanRange = "Valid range is 0-4094.";
 constexpr const char* kRestored = "Restoring xDS management port on host local port hlp-zk0#5";
 
@@ -29,19 +29,12 @@ TEST(NetworkRestoreDvs, TheNextHostLocalPortTakesTheValuesTypedAndTheManagementI
     auto host = MakeHost("dvs-host-local-ports");
     ASSERT_TRUE(OpenRestoreDvs(*host)) << host->Term().Dump();
     const json oldPort = StoreJson(*host, "/network/dvs/0/ports/0");
-    // The port's VLAN to start from, with a caption that gives no range the port would refuse.
-    EXPECT_TRUE(host->Term().Screen().Contains("VLAN ID:")) << host->Term().Dump();
-    EXPECT_FALSE(host->Term().Screen().Contains("4095"));
-    EXPECT_TRUE(host->Term().Screen().Contains("[X] Restore to default blocked setting (unblocked)"));
-    EXPECT_TRUE(host->Term().Screen().Contains("Select xDS uplinks"));
     TypeShown(*host, "25");
 
     Press(*host, Key::Down, 2);
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->Term().WaitForText(kChooserMark)) << host->Term().Dump();
     ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-    EXPECT_TRUE(host->Term().Screen().Contains("[X] zennic0")) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("[ ] zennic1"));
     Press(*host, Key::Down);
     host->Term().Type(" ");
     ASSERT_TRUE(host->Term().WaitForText("[X] zennic1")) << host->Term().Dump();
@@ -52,7 +45,6 @@ TEST(NetworkRestoreDvs, TheNextHostLocalPortTakesTheValuesTypedAndTheManagementI
     Press(*host, Key::Up);
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->Term().WaitForTextGone(kDialogMark)) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().WaitForText("Reconfigure properties of")) << host->Term().Dump();
     EXPECT_TRUE(host->WaitForSyslog({"user.info", std::string("]: ") + kRestored})) << host->Syslog();
     EXPECT_EQ(StoreJson(*host, "/network/dvs/0/ports/7"),
               json::parse(R"({"key": "17", "name": "hlp-zk0#5", "portGroup": "dvpg-management", "vlanId": 25,
@@ -71,14 +63,9 @@ TEST(NetworkRestoreDvs, AnotherMakersSwitchIsRefusedWithNothingChanged) {
     auto host = MakeHost("dvs-third-party");
     const std::string before = StoreValue(*host, "/network");
     ASSERT_TRUE(OpenRestoreDvs(*host, kErrorTitle)) << host->Term().Dump();
-    // The report's text is cut into two rows.
-    EXPECT_TRUE(ShowsMessage(*host, kErrorTitle, "Restore xDS operation cannot be performed"))
-        << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("on 3rd party xDS."));
     EXPECT_TRUE(host->WaitForSyslog({"user.err", "]: Restore xDS refused: xds0 is a 3rd party xDS"}))
         << host->Syslog();
-    ASSERT_TRUE(Acknowledge(*host, "on 3rd party xDS."));
-    EXPECT_FALSE(host->Term().Screen().Contains(kDialogMark)) << host->Term().Dump();
+    ASSERT_TRUE(Acknowledge(*host, "on 3rd party xDS.")) << host->Term().Dump();
     EXPECT_EQ(StoreValue(*host, "/network"), before);
 }
 
@@ -112,35 +99,11 @@ TEST(NetworkRestoreDvs, AVlanOutsideZeroTo4094KeepsTheOperatorInTheDialog) {
     EXPECT_TRUE(host->WaitForSyslog({"user.err", "]: Invalid DVPort vlan specified. Valid range is 0-4094."}))
         << host->Syslog();
     ASSERT_TRUE(Acknowledge(*host, kVlanRange));
-    // Still there with the value; emptied, it is refused the same way.
+    // Still in the dialog, which Esc then leaves. (Which values are refused is the unit tests' business.)
     EXPECT_TRUE(host->Term().Screen().Contains(kDialogMark)) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("4095"));
-    Press(*host, Key::Backspace);
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(ShowsMessage(*host, "Invalid VLAN ID", kVlanRange)) << host->Term().Dump();
-    EXPECT_TRUE(WaitForSyslogCount(*host, {"]: Invalid DVPort vlan specified."}, 2)) << host->Syslog();
-    ASSERT_TRUE(Acknowledge(*host, kVlanRange));
     host->Term().Press(Key::Escape);
     ASSERT_TRUE(host->Term().WaitForTextGone(kDialogMark)) << host->Term().Dump();
     EXPECT_EQ(StoreValue(*host, "/network"), before);
-}
-
-TEST(NetworkRestoreDvs, AHostThatCannotCreateThePortSaysSoAndTheConsoleStays) {
-    auto host = MakeHost("dvs-host-local-ports",
-                         {{"/simulation/faults/VirtualSwitchInfo.AddDvsHostLocalPort", R"("no free port")"}});
-    const pid_t console = host->WaitForConsole();
-    const std::string before = StoreValue(*host, "/network");
-    ASSERT_TRUE(OpenRestoreDvs(*host)) << host->Term().Dump();
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(ShowsMessage(*host, kErrorTitle, kFailed)) << host->Term().Dump();
-    EXPECT_TRUE(host->WaitForSyslog({"user.err", "]: Unable to create Host Local Port: no free port"}))
-        << host->Syslog();
-    ASSERT_TRUE(Acknowledge(*host, kFailed));
-    EXPECT_FALSE(host->Term().Screen().Contains(kDialogMark)) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("Restore Standard Switch"));
-    EXPECT_EQ(host->WaitForConsole(), console);
-    EXPECT_EQ(StoreValue(*host, "/network"), before);
-    EXPECT_TRUE(Lines(HostRecords(*host, "events.log"), "dvs.port.restored").empty());
 }
 
 }  // namespace

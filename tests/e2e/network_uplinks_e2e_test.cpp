@@ -38,14 +38,11 @@ TEST(NetworkUplinks, EveryAdapterUncheckedLeavesNoUplinkAndTheMacAsItWas) {
     auto host = MakeHost("default");
     ASSERT_TRUE(OpenNetwork(*host)) << host->Term().Dump();
     ASSERT_TRUE(OpenFromMenu(*host, 0, kAdaptersMark)) << host->Term().Dump();
-    // The whole explanation, down to its last words.
-    EXPECT_TRUE(host->Term().Screen().Contains("load-balancing.")) << host->Term().Dump();
     // Both uplinks, the first two rows, unchecked.
     Toggle(*host);
     Press(*host, Key::Down);
     Toggle(*host);
     AcceptAdapters(*host);
-    EXPECT_TRUE(host->Term().WaitForText("No adapter")) << host->Term().Dump();
     ApplyAndWait(*host, 1);
     const auto lines = host->SyslogLines({"]: Setting adapters to"});
     ASSERT_EQ(lines.size(), 1u) << host->Syslog();
@@ -98,8 +95,6 @@ TEST(NetworkUplinks, ANewVlanRestartsTheInterfaceAndAnEmptyFieldTakesItAway) {
     ASSERT_TRUE(OpenFromMenu(*host, kVlanDowns, kVlanMark)) << host->Term().Dump();
     Press(*host, Key::Backspace, 2);
     Accept(*host, kVlanMark, kVlanDowns);
-    Press(*host, Key::Down, kVlanDowns);
-    EXPECT_TRUE(host->Term().WaitForText("Not set")) << host->Term().Dump();
     ApplyAndWait(*host, 2);
     EXPECT_EQ(StoreJson(*host, "/network/switches/0/portGroups/0/vlanId"), 0);
 }

@@ -34,39 +34,16 @@ void Enter(HostConsole& host, const std::string& text) {
 
 }  // namespace
 
-TEST(PasswordChange, EveryRefusalKeepsTheDialogAndChangesNothing) {
+TEST(PasswordChange, TheHostsRefusalsKeepTheDialogAndChangeNothing) {
     auto host = MakeHost("default");
     auto& term = host->Term();
     ASSERT_TRUE(OpenPasswordDialog(*host)) << term.Dump();
 
     Enter(*host, "Not-It-42");
     ASSERT_TRUE(Acknowledge(*host, "The old password you entered is incorrect")) << term.Dump();
-    Enter(*host, kRootPassword);  // the old password field was cleared and keeps the focus
-    Enter(*host, "Abc-Defg1");
-    Enter(*host, "Abc-Defg2");
-    ASSERT_TRUE(Acknowledge(*host, "The new password and the confirmed password do not match."))
-        << term.Dump();
-
-    // Tab goes back up to the new password; Delete clears a freshly focused field.
-    term.Press(Key::Tab);
-    term.Press(Key::Delete);
-    term.Press(Key::Enter);
-    term.Press(Key::Delete);
-    term.Press(Key::Enter);
-    ASSERT_TRUE(Acknowledge(*host, "Empty passwords are not allowed.")) << term.Dump();
-
-    term.Press(Key::Tab);
+    // Too weak for the host's rule, with the old password now right: the old password field was cleared
+    // and keeps the focus. (The refusals made before the host is asked are the unit tests' business.)
     Enter(*host, kRootPassword);
-    Enter(*host, kRootPassword);
-    ASSERT_TRUE(term.WaitForText(kSameWarning)) << term.Dump();
-    ASSERT_TRUE(term.WaitForQuiet(300ms));
-    term.Press(Key::Escape);
-    ASSERT_TRUE(term.WaitForTextGone(kSameWarning)) << term.Dump();
-    ASSERT_TRUE(term.WaitForQuiet(300ms));
-    EXPECT_TRUE(term.Screen().Contains(kDialogText));
-
-    // Too weak for the host's rule.
-    term.Press(Key::Tab);
     Enter(*host, "weak");
     Enter(*host, "weak");
     ASSERT_TRUE(Acknowledge(*host, "The password change operation failed.")) << term.Dump();
@@ -80,7 +57,7 @@ TEST(PasswordChange, EveryRefusalKeepsTheDialogAndChangesNothing) {
     EXPECT_TRUE(Lines(HostRecords(*host, "commands.log"), kBackup).empty())
         << HostRecords(*host, "commands.log");
     EXPECT_TRUE(Lines(HostRecords(*host, "events.log"), "passwd.changed").empty());
-    ExpectSecretNowhere(*host, "Abc-Defg1");
+    ExpectSecretNowhere(*host, "Not-It-42");
     ExpectSecretNowhere(*host, kRootPassword);
 }
 
@@ -92,8 +69,6 @@ TEST(PasswordChange, SamePasswordConfirmedIsSetAgain) {
     Enter(*host, kRootPassword);
     Enter(*host, kRootPassword);
     ASSERT_TRUE(term.WaitForText(kSameWarning)) << term.Dump();
-    // The footer is drawn after the warning text.
-    EXPECT_TRUE(term.WaitForText("<Enter> Confirm")) << term.Dump();
     ASSERT_TRUE(term.WaitForQuiet(300ms));
     term.Press(Key::Enter);
     ASSERT_TRUE(term.WaitForTextGone(kDialogText)) << term.Dump();

@@ -147,56 +147,56 @@ std::unique_ptr<HostConsole> WalkedHost(const char* scenario) {
     return MakeHost(scenario, {}, start);
 }
 
-class RandomKeys : public ::testing::TestWithParam<const char*> {};
+// A walk over the whole menu, or (`networkWindow`) inside the network window alone, whose dialogs take the
+// most typing of any screen and where Y writes the host.
+struct WalkCase {
+    const char* name;
+    const char* scenario;
+    bool networkWindow;
+};
+
+class RandomKeys : public ::testing::TestWithParam<WalkCase> {};
 
 TEST_P(RandomKeys, NoScreenBreaksHangsOrDamagesTheStore) {
-    auto host = WalkedHost(GetParam());
-    auto& term = host->Term();
-    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << term.Dump();
-    // Episodes: from the menu, a random entry opened, then random keys inside whatever it opens.
-    std::mt19937 random(20261123);
-    Walk(*host, random, kEpisodes, [&] {
-        // Not as far as the reset, whose own tests cover it: a reset restarts the host every time.
-        for (int i = 0, n = static_cast<int>(random() % 13); i < n; ++i) term.Press(Key::Down);
-        term.Press(Key::Enter);
-    });
-    ExpectWhole(*host);
-}
-
-// The network window's dialogs take the most typing of any screen, and Y there writes the host.
-class RandomNetworkKeys : public ::testing::TestWithParam<const char*> {};
-
-TEST_P(RandomNetworkKeys, InsideTheNetworkWindowNothingReachesTheHostWithoutYes) {
-    auto host = WalkedHost(GetParam());
+    const WalkCase& c = GetParam();
+    auto host = WalkedHost(c.scenario);
     auto& term = host->Term();
     ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << term.Dump();
     const std::string network = StoreValue(*host, "/network");
-    std::mt19937 random(20261124);
-    Walk(
-        *host, random, kEpisodes,
-        [&] {
-            term.Press(Key::Down);
-            term.Press(Key::Down);
-            term.Press(Key::Enter);
-            term.WaitForQuiet(200ms, 5000ms);
-            for (int i = 0, n = static_cast<int>(random() % 7); i < n; ++i) term.Press(Key::Down);
-            term.Press(Key::Enter);
-        },
-        kAlphabetWithoutYes, false);
+    std::mt19937 random(c.networkWindow ? 20261124 : 20261123);
+    // Episodes: from the menu, a random entry opened, then random keys inside whatever it opens.
+    const auto openEntry = [&] {
+        // Not as far as the reset, whose own tests cover it: a reset restarts the host every time.
+        for (int i = 0, n = static_cast<int>(random() % 13); i < n; ++i) term.Press(Key::Down);
+        term.Press(Key::Enter);
+    };
+    const auto openNetworkDialog = [&] {
+        term.Press(Key::Down);
+        term.Press(Key::Down);
+        term.Press(Key::Enter);
+        term.WaitForQuiet(200ms, 5000ms);
+        for (int i = 0, n = static_cast<int>(random() % 7); i < n; ++i) term.Press(Key::Down);
+        term.Press(Key::Enter);
+    };
+    if (c.networkWindow)
+        Walk(*host, random, kEpisodes, openNetworkDialog, kAlphabetWithoutYes, false);
+    else
+        Walk(*host, random, kEpisodes, openEntry);
     ExpectWhole(*host);
+    if (!c.networkWindow) return;
     // Every dialog was opened, typed into and left (each episode ends with N or Esc), never applied. The
     // walk never leaves the window itself: out of it, the menu's recovery screens act without a Y.
     EXPECT_TRUE(host->SyslogLines({"]: Network settings changed."}).empty()) << host->Syslog();
     EXPECT_EQ(StoreValue(*host, "/network"), network);
 }
 
-std::string TestName(const ::testing::TestParamInfo<const char*>& info) {
-    std::string name = info.param;
-    std::erase(name, '-');
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Hosts, RandomKeys, ::testing::Values("default", "no-nic", "dvs"), TestName);
-INSTANTIATE_TEST_SUITE_P(NetworkHosts, RandomNetworkKeys, ::testing::Values("default", "dvs"), TestName);
+INSTANTIATE_TEST_SUITE_P(Hosts, RandomKeys,
+                         ::testing::Values(WalkCase{"default", "default", false},
+                                           WalkCase{"nonic", "no-nic", false}, WalkCase{"dvs", "dvs", false},
+                                           WalkCase{"defaultNetworkWindow", "default", true},
+                                           WalkCase{"dvsNetworkWindow", "dvs", true}),
+                         [](const ::testing::TestParamInfo<WalkCase>& info) {
+                             return std::string(info.param.name);
+                         });
 
 }  // namespace

@@ -1,4 +1,5 @@
-// Signals and resize reaching the real console on a simulated host: how it ends, what it leaves behind.
+// Signals and resize reaching the real console on a simulated host, on the welcome screen or with a
+// dialog over it: how it ends, what it leaves behind.
 // The host's notification signal is walked by the smart-card tests, the key map's resize sequence by
 // the dimming tests.
 #include <fcntl.h>
@@ -8,6 +9,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <fstream>
 #include <string>
 
@@ -17,6 +19,7 @@
 using KovoE2e::ConsoleStart;
 using KovoE2e::FreshHostDir;
 using KovoE2e::HostConsole;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -45,18 +48,28 @@ bool Pending(pid_t pid, int signal) {
 
 }  // namespace
 
-class TerminationSignal : public ::testing::TestWithParam<int> {};
+struct Termination {
+    int signal;
+    bool dialogOpen;  // the login dialog over the welcome screen
+};
+
+class TerminationSignal : public ::testing::TestWithParam<Termination> {};
 
 TEST_P(TerminationSignal, EndsWithStatusZeroTerminalRestoredAndPaletteReset) {
     HostConsole host(FreshHostDir(), ConsoleStart{});
     pid_t console = StartConsole(host);
     ASSERT_GT(console, 0);
+    if (GetParam().dialogOpen) {
+        host.Term().Press(KovoTerm::Key::F2);
+        ASSERT_TRUE(host.Term().WaitForText(KovoE2e::kLoginTitle) && host.Term().WaitForQuiet(300ms))
+            << host.Term().Dump();
+    }
     auto during = host.Term().TerminalAttributes();
     ASSERT_TRUE(during);
     ASSERT_EQ(during->c_lflag & (ICANON | ECHO), 0u) << "the console reads keys one by one, unechoed";
     const std::size_t before = host.Term().Output().size();
 
-    ASSERT_TRUE(host.Term().Signal(GetParam(), console));
+    ASSERT_TRUE(host.Term().Signal(GetParam().signal, console));
     auto status = host.Term().WaitExit();
     ASSERT_TRUE(status) << host.Term().Dump();
     EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
@@ -75,8 +88,15 @@ TEST_P(TerminationSignal, EndsWithStatusZeroTerminalRestoredAndPaletteReset) {
     EXPECT_EQ(after->c_lflag & (ICANON | ECHO), tcflag_t(ICANON | ECHO)) << "terminal left in raw mode";
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, TerminationSignal, ::testing::Values(SIGTERM, SIGINT, SIGQUIT),
-                         [](const auto& info) { return std::string(sigabbrev_np(info.param)); });
+INSTANTIATE_TEST_SUITE_P(Signals, TerminationSignal,
+                         // SIGUSR2 is the host's restart request: with nobody logged in, it ends at once.
+                         ::testing::Values(Termination{SIGTERM, false}, Termination{SIGINT, false},
+                                           Termination{SIGQUIT, false}, Termination{SIGUSR2, false},
+                                           Termination{SIGTERM, true}),
+                         [](const auto& info) {
+                             return std::string(sigabbrev_np(info.param.signal)) +
+                                    (info.param.dialogOpen ? "WithADialogOpen" : "");
+                         });
 
 TEST(ConsoleResize, SignalAt100x37LogsTheNewSizeAndEnds) {
     HostConsole host(FreshHostDir(), ConsoleStart{});
@@ -89,18 +109,6 @@ TEST(ConsoleResize, SignalAt100x37LogsTheNewSizeAndEnds) {
     auto line = host.WaitForSyslog({"user.info", "KOVO[", "]: Resized window to 100x37"});
     EXPECT_TRUE(line) << host.Syslog();
     EXPECT_EQ(host.SyslogLines({"Resized window to"}).size(), 1u) << host.Syslog();
-}
-
-TEST(ConsoleRestartRequest, WithNobodyLoggedInEndsAtOnce) {
-    HostConsole host(FreshHostDir(), ConsoleStart{});
-    pid_t console = StartConsole(host);
-    ASSERT_GT(console, 0);
-    ASSERT_TRUE(host.Term().Signal(SIGUSR2, console));
-    auto status = host.Term().WaitExit();
-    ASSERT_TRUE(status) << host.Term().Dump();
-    EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
-    EXPECT_NE(host.Term().Output().rfind(kPaletteReset), std::string::npos);
-    EXPECT_TRUE(host.SyslogLines({"Resized window"}).empty());
 }
 
 // A host notification with a smart card in the reader and nobody logged in looks for the card's user

@@ -1,9 +1,9 @@
-// The troubleshooting options of the real console on the simulated host: the service toggles with their
-// fall-backs, the time-out dialogs, the agents restart and lockdown mode, checked on the screen and in
-// the host's store, commands and logs.
+// The troubleshooting options of the real console on the simulated host: the service toggles, the
+// time-out dialogs, the agents restart and lockdown mode, checked in the host's store, commands and logs.
+// The toggles' fall-backs when the host tool fails are the unit tests' business.
 #include <gtest/gtest.h>
 
-#include "HostSteps.h"
+#include "NetworkSteps.h"
 
 namespace {
 
@@ -12,17 +12,9 @@ using namespace KovoE2e;
 constexpr const char* kTimeoutsDetail = "Modify the number of minutes that";
 constexpr const char* kKovoDetail = "Modify the number of idle minutes";
 
-void Press(HostConsole& host, Key key, int times = 1) {
-    for (int i = 0; i < times; ++i) {
-        host.Term().Press(key);
-        ASSERT_TRUE(host.Term().WaitForQuiet(80ms));
-    }
-}
-
 TEST(Troubleshooting, WithSshOnTheTimeoutsAreSkippedUntilSshIsDisabled) {
     auto host = MakeHost("default", {{"/services/SSH", R"({"enabled": true, "running": true})"}});
     ASSERT_TRUE(OpenTroubleshooting(*host)) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("Disable SSH"));
     // Two Downs from the shell pass SSH and skip the greyed time-outs.
     Press(*host, Key::Down, 2);
     EXPECT_TRUE(host->Term().WaitForText(kKovoDetail)) << host->Term().Dump();
@@ -39,26 +31,6 @@ TEST(Troubleshooting, WithSshOnTheTimeoutsAreSkippedUntilSshIsDisabled) {
     EXPECT_EQ(CommandCount(*host, {R"("hcl-cmd","-U","root","hostsvc/disable_ssh")"}), 1u);
     EXPECT_EQ(StoreValue(*host, "/services/SSH/running"), "false");
     EXPECT_EQ(host->SyslogLines({"user.info", "]: User root disabled SSH"}).size(), 1u) << host->Syslog();
-}
-
-TEST(Troubleshooting, WithoutTheHostAgentSshStartsThroughItsScriptAndTheFirewall) {
-    auto host = MakeHost("default");
-    ASSERT_TRUE(OpenTroubleshooting(*host)) << host->Term().Dump();
-    // The agent stops once the menu is up: every host-tool command fails from now on.
-    ASSERT_TRUE(SetStore(*host, "/services/hostAgent/running", "false"));
-    Press(*host, Key::Down);
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText("Disable SSH")) << host->Term().Dump();
-    ASSERT_TRUE(host->WaitForSyslog({"]: User root enabled SSH"})) << host->Syslog();
-
-    EXPECT_EQ(CommandCount(*host, {R"("/etc/init.d/SSH","start")"}), 1u)
-        << HostRecords(*host, "commands.log");
-    EXPECT_EQ(StoreValue(*host, "/services/SSH/running"), "true");
-    EXPECT_EQ(StoreValue(*host, "/firewall/rulesets/0/enabled"), "true");
-    EXPECT_EQ(host->SyslogLines({"user.warning", "]: Unable to run hcl-cmd to start/stop ssh"}).size(), 1u);
-    EXPECT_EQ(host->SyslogLines({"user.warning", "]: Unable to run hcl-cmd to enable/disable ssh"}).size(),
-              1u);
-    // The shell's fall-back, its script alone, is the unit tests' business.
 }
 
 TEST(Troubleshooting, ShellTimeoutsRefuseOutOfRangeButApplyTheValidOne) {
@@ -144,7 +116,6 @@ TEST(Troubleshooting, AgentsRestartRunsTheCaptureOnlyWhenAskedAndIsDoneWhateverT
     ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
     host->Term().Press(Key::F11);
     ASSERT_TRUE(host->Term().WaitForText("Starting management agents. Done.")) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("Stopping management agents. Done."));
     ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->Term().WaitForTextGone("Starting management agents. Done.")) << host->Term().Dump();
@@ -164,7 +135,6 @@ TEST(Troubleshooting, AgentsRestartRunsTheCaptureOnlyWhenAskedAndIsDoneWhateverT
     host->Term().Type(" ");
     host->Term().Press(Key::F11);
     ASSERT_TRUE(host->Term().WaitForText("Starting management agents. Done.")) << host->Term().Dump();
-    EXPECT_TRUE(host->Term().Screen().Contains("Collecting host agent live core information. Done."));
     EXPECT_TRUE(WaitForRecords(*host, "commands.log", "zenkbacktrace")) << HostRecords(*host, "commands.log");
     EXPECT_TRUE(host->WaitForSyslog({"]: Executing zenkbacktrace -c against hagentd"})) << host->Syslog();
 }

@@ -1,4 +1,6 @@
-// The harness against a real curses program in a pseudo-terminal: what it reads, sends and waits for.
+// The harness against a real curses program in a pseudo-terminal: what it reads, sends and waits for, where
+// a fault would let a console test pass that should fail. (Raw bytes, resizes, pauses and hang-ups are
+// proven by the console tests that use them: a fault there fails them.)
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
@@ -106,26 +108,6 @@ TEST(TermSession, KeysArriveAsTheProgramDecodesThem) {
     EXPECT_TRUE(probe.WaitForText("KEY " + std::to_string(++count) + ": x")) << probe.Dump();
 }
 
-TEST(TermSession, RawSequencesReachTheProgramsOwnKeyMap) {
-    TermSession probe(Probe());
-    ASSERT_TRUE(probe.WaitForText("KEY 0: none")) << probe.Dump();
-    probe.SendRaw(
-        "\x1b"
-        "1");
-    EXPECT_TRUE(probe.WaitForText("KEY 1: KEY_F(1)")) << probe.Dump();
-    probe.SendRaw("\x1b!");
-    EXPECT_TRUE(probe.WaitForText("KEY 2: KEY_F(11)")) << probe.Dump();
-}
-
-TEST(TermSession, ResizeReachesTheProgramAndTheScreen) {
-    TermSession probe(Probe());
-    ASSERT_TRUE(probe.WaitForText("PROBE READY 80x25")) << probe.Dump();
-    probe.Resize(100, 37);
-    ASSERT_TRUE(probe.WaitForText("PROBE READY 100x37")) << probe.Dump();
-    EXPECT_TRUE(probe.WaitForText("RESIZE")) << probe.Dump();
-    EXPECT_TRUE(probe.WaitFor([](const auto& t) { return t.CellAt(36, 98).text == "Z"; })) << probe.Dump();
-}
-
 TEST(TermSession, ExitStatusAndLastBytesAreCollected) {
     TermSession probe(Probe());
     ASSERT_TRUE(probe.WaitForText("KEY 0: none")) << probe.Dump();
@@ -207,64 +189,11 @@ TEST(TermSession, FindsProgramsStartedBelowTheChildAndCleansThemUp) {
         EXPECT_EQ(ProcessTree::ParentOf(grandchild), shell.Pid());
         EXPECT_EQ(ProcessTree::CommandName(grandchild), "sleep");
         EXPECT_EQ(ProcessTree::FindDescendant(shell.Pid(), "no-such-program"), 0);
-        auto peak = ProcessTree::StatusKb(grandchild, "VmHWM");
-        ASSERT_TRUE(peak);
-        EXPECT_GT(*peak, 0);
-        EXPECT_FALSE(ProcessTree::StatusKb(grandchild, "NoSuchField"));
     }
     // The session's end took the grandchild down with it.
     auto end = std::chrono::steady_clock::now() + 10s;
     while (ProcessRuns(grandchild) && std::chrono::steady_clock::now() < end) poll(nullptr, 0, 10);
     EXPECT_FALSE(ProcessRuns(grandchild));
-}
-
-TEST(TermSession, UnrunnableProgramIsReportedAtOnce) {
-    SpawnOptions options;
-    options.argv = {"/nonexistent/program"};
-    EXPECT_THROW(TermSession session(options), std::runtime_error);
-    options.argv = {KOVO_TERM_PROBE};
-    options.workingDirectory = "/nonexistent/dir";
-    EXPECT_THROW(TermSession session(options), std::runtime_error);
-    options.argv.clear();
-    EXPECT_THROW(TermSession session(options), std::invalid_argument);
-}
-
-TEST(TermSession, HangUpSignalsTheSessionAndEndsItsInput) {
-    {
-        TermSession shell(Shell("trap 'exit 7' HUP; echo ready; while :; do sleep 0.05; done"));
-        ASSERT_TRUE(shell.WaitForText("ready")) << shell.Dump();
-        shell.HangUp();
-        auto status = shell.WaitExit();
-        ASSERT_TRUE(status) << shell.Dump();
-        EXPECT_TRUE(status->IsExitCode(7)) << "the session leader gets SIGHUP: " << status->Describe();
-        EXPECT_FALSE(shell.TerminalAttributes());
-    }
-    // A program that ignores SIGHUP finds the end of its input instead.
-    const std::string result = ::testing::TempDir() + "hangup-read-status";
-    std::remove(result.c_str());
-    auto options = Shell("trap '' HUP; echo ready; read line; echo \"read $?\" > \"$OUT\"");
-    options.environment = {{"OUT", result}};
-    TermSession shell(options);
-    ASSERT_TRUE(shell.WaitForText("ready")) << shell.Dump();
-    shell.HangUp();
-    shell.Type("too late\n");  // dropped: the terminal is gone
-    auto status = shell.WaitExit();
-    ASSERT_TRUE(status) << shell.Dump();
-    EXPECT_TRUE(status->IsExitCode(0)) << status->Describe();
-    std::ifstream in(result);
-    std::string line;
-    std::getline(in, line);
-    EXPECT_EQ(line, "read 1");
-}
-
-TEST(TermSession, PauseLastsItsTimeAndKeepsOutputFlowing) {
-    TermSession chatty(Shell("while true; do echo tick; done"));
-    ASSERT_TRUE(chatty.WaitForText("tick")) << chatty.Dump();
-    const auto before = chatty.Output().size();
-    const auto start = std::chrono::steady_clock::now();
-    chatty.Pause(300ms);
-    EXPECT_GE(std::chrono::steady_clock::now() - start, 300ms);
-    EXPECT_GT(chatty.Output().size(), before);
 }
 
 TEST(TermSession, CpuTimeTellsASleeperFromASpinner) {

@@ -41,23 +41,6 @@ TEST(VirtualTerminal, FindCountsCellsNotBytes) {
     EXPECT_EQ(vt.CellAt(0, 0).text, "\xe2\x94\x80");
 }
 
-TEST(VirtualTerminal, ReportsIndexedColoursBoldAndReverse) {
-    VirtualTerminal vt(3, 20, nullptr);
-    vt.Feed("\x1b[1;37;41mA\x1b[0m\x1b[7mB\x1b[0mC");
-    auto a = vt.CellAt(0, 0);
-    EXPECT_TRUE(a.fg.IsIndex(7)) << a.Describe();
-    EXPECT_TRUE(a.bg.IsIndex(1)) << a.Describe();
-    EXPECT_TRUE(a.bold);
-    EXPECT_FALSE(a.reverse);
-    auto b = vt.CellAt(0, 1);
-    EXPECT_TRUE(b.reverse);
-    EXPECT_FALSE(b.bold);
-    auto c = vt.CellAt(0, 2);
-    EXPECT_TRUE(c.fg.isDefault);
-    EXPECT_TRUE(c.bg.isDefault);
-    EXPECT_FALSE(c.reverse);
-}
-
 TEST(VirtualTerminal, AppliesPaletteSetsToCellsAlreadyDrawnAndLater) {
     VirtualTerminal vt(3, 20, nullptr);
     vt.Feed("\x1b[33mY");
@@ -74,21 +57,6 @@ TEST(VirtualTerminal, AppliesPaletteSetsToCellsAlreadyDrawnAndLater) {
     EXPECT_TRUE(after.IsRgb(0xff, 0xcc, 0x00)) << after.Describe();
     EXPECT_TRUE(vt.PaletteColor(6).IsRgb(0x55, 0x55, 0x55)) << vt.PaletteColor(6).Describe();
     EXPECT_TRUE(vt.PaletteColor(1).IsRgb(0xff, 0x00, 0x00));
-}
-
-TEST(VirtualTerminal, IgnoresMalformedPaletteSetsWithoutDisturbingOthers) {
-    VirtualTerminal vt(3, 20, nullptr);
-    auto original = vt.PaletteColor(2);
-    vt.Feed("\x1b]4;2;rgb:zz/00/00\x07");     // not hex
-    vt.Feed("\x1b]4;2;rgb:00/00\x07");        // two components
-    vt.Feed("\x1b]4;x;rgb:00/00/00\x07");     // bad index
-    vt.Feed("\x1b]4;300;rgb:00/00/00\x07");   // out of range
-    vt.Feed("\x1b]4;2;rgb:00/00/00/00\x07");  // four components
-    EXPECT_EQ(vt.PaletteSets(), 0);
-    auto now = vt.PaletteColor(2);
-    EXPECT_TRUE(now.IsRgb(original.red, original.green, original.blue));
-    vt.Feed("\x1b]2;a window title\x07");  // other sequences still pass harmlessly
-    EXPECT_EQ(vt.PaletteSets(), 0);
 }
 
 TEST(VirtualTerminal, CursorKeysFollowApplicationCursorMode) {
@@ -130,14 +98,4 @@ TEST(VirtualTerminal, EncodesEditingAndFunctionKeys) {
     EXPECT_EQ(out.sent, "a\xc3\xa9\r");
     EXPECT_THROW(KovoTerm::FunctionKey(13), std::out_of_range);
     EXPECT_EQ(KovoTerm::FunctionKey(12), Key::F12);
-}
-
-TEST(VirtualTerminal, ResizeChangesTheReadableArea) {
-    VirtualTerminal vt(25, 80, nullptr);
-    vt.Resize(37, 100);
-    EXPECT_EQ(vt.Rows(), 37);
-    EXPECT_EQ(vt.Columns(), 100);
-    vt.Feed("\x1b[37;100HZ");
-    EXPECT_EQ(vt.CellAt(36, 99).text, "Z");
-    EXPECT_THROW(vt.CellAt(37, 0), std::out_of_range);
 }

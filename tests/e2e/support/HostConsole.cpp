@@ -9,25 +9,13 @@
 #include <sstream>
 
 #include "ProcessTree.h"
+#include "ShellSteps.h"
 
 namespace fs = std::filesystem;
 
 namespace KovoE2e {
 
 namespace {
-
-std::string ReadWhole(const std::string& path) {
-    std::ifstream in(path);
-    std::stringstream all;
-    all << in.rdbuf();
-    return all.str();
-}
-
-std::string ShellQuote(const std::string& text) {
-    std::string quoted = "'";
-    for (char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
 
 // The console started through a tiny script that adds variables to its environment alone.
 std::string WriteConsoleWrapper(const std::string& path,
@@ -36,12 +24,24 @@ std::string WriteConsoleWrapper(const std::string& path,
     // A preloaded library (the accelerated clock) must not stop a sanitizer build of the console from
     // starting; other builds ignore the setting.
     if (environment.count("LD_PRELOAD")) script += " ASAN_OPTIONS=verify_asan_link_order=0";
-    for (const auto& [name, value] : environment) script += " " + ShellQuote(name + "=" + value);
-    script += " " + ShellQuote(HostConsole::ConsoleProgram()) + " \"$@\"\n";
+    for (const auto& [name, value] : environment) script += " " + Quote(name + "=" + value);
+    script += " " + Quote(HostConsole::ConsoleProgram()) + " \"$@\"\n";
     std::ofstream(path) << script;
     fs::permissions(path, fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec |
                               fs::perms::others_read | fs::perms::others_exec);
     return path;
+}
+
+// `argv` in a terminal of the start's type, size and environment, with a path of the host's.
+KovoTerm::SpawnOptions Spawn(std::vector<std::string> argv, const ConsoleStart& start) {
+    KovoTerm::SpawnOptions options;
+    options.argv = std::move(argv);
+    options.term = start.term;
+    options.environment = start.environment;
+    options.environment.emplace("PATH", "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin");
+    options.columns = start.columns;
+    options.rows = start.rows;
+    return options;
 }
 
 bool ContainsAll(const std::string& line, const std::vector<std::string>& parts) {
@@ -82,6 +82,13 @@ std::string PathInHost(pid_t machinePid, const std::string& hostPath) {
 
 }  // namespace
 
+std::string ReadFile(const std::string& path) {
+    std::ifstream in(path);
+    std::stringstream all;
+    all << in.rdbuf();
+    return all.str();
+}
+
 std::string HostConsole::ConsoleProgram() {
     const char* other = std::getenv("KOVO_E2E_CONSOLE");
     return other && *other ? other : KOVO_E2E_CONSOLE;
@@ -103,18 +110,11 @@ HostConsole::HostConsole(std::string hostDir, const ConsoleStart& start) : _host
     std::string console = ConsoleProgram();
     if (!start.consoleOnlyEnvironment.empty())
         console = WriteConsoleWrapper(_hostDir + ".console", start.consoleOnlyEnvironment);
-
-    KovoTerm::SpawnOptions options;
-    options.argv = {KOVO_E2E_LAUNCHER, "run", "--dir", _hostDir, "--kovo", console};
-    if (start.once) options.argv.push_back("--once");
-    options.argv.push_back("--");
-    options.argv.insert(options.argv.end(), start.arguments.begin(), start.arguments.end());
-    options.term = start.term;
-    options.environment = start.environment;
-    options.environment.emplace("PATH", "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin");
-    options.columns = start.columns;
-    options.rows = start.rows;
-    _term = std::make_unique<KovoTerm::TermSession>(options);
+    std::vector<std::string> argv{KOVO_E2E_LAUNCHER, "run", "--dir", _hostDir, "--kovo", console};
+    if (start.once) argv.push_back("--once");
+    argv.push_back("--");
+    argv.insert(argv.end(), start.arguments.begin(), start.arguments.end());
+    _term = std::make_unique<KovoTerm::TermSession>(Spawn(argv, start));
 }
 
 pid_t HostConsole::WaitForConsole(pid_t notThis) {
@@ -135,7 +135,7 @@ pid_t HostConsole::WaitForConsole(pid_t notThis) {
 
 std::optional<pid_t> HostConsole::PidInsideHost(pid_t machinePid) {
     // "NSpid:\t<outer>\t...\t<innermost>"
-    std::istringstream status(ReadWhole("/proc/" + std::to_string(machinePid) + "/status"));
+    std::istringstream status(ReadFile("/proc/" + std::to_string(machinePid) + "/status"));
     std::string line;
     while (std::getline(status, line)) {
         if (line.rfind("NSpid:", 0) != 0) continue;
@@ -148,7 +148,7 @@ std::optional<pid_t> HostConsole::PidInsideHost(pid_t machinePid) {
 }
 
 std::string HostConsole::Syslog() const {
-    return ReadWhole(_hostDir + "/upper/var/log/syslog.log");
+    return ReadFile(_hostDir + "/upper/var/log/syslog.log");
 }
 
 std::vector<std::string> HostConsole::SyslogLines(const std::vector<std::string>& parts) const {
@@ -175,11 +175,9 @@ std::optional<std::string> HostConsole::WaitForSyslog(const std::vector<std::str
 }
 
 std::optional<std::string> HostConsole::ReadHostFile(pid_t machinePid, const std::string& hostPath) {
-    std::ifstream in(PathInHost(machinePid, hostPath));
-    if (!in) return std::nullopt;
-    std::stringstream all;
-    all << in.rdbuf();
-    return all.str();
+    const std::string path = PathInHost(machinePid, hostPath);
+    if (!fs::exists(path)) return std::nullopt;
+    return ReadFile(path);
 }
 
 bool HostConsole::WriteHostFile(pid_t machinePid, const std::string& hostPath, const std::string& text) {
@@ -190,15 +188,9 @@ bool HostConsole::WriteHostFile(pid_t machinePid, const std::string& hostPath, c
 
 std::unique_ptr<KovoTerm::TermSession> HostConsole::ExecInHost(const std::vector<std::string>& command,
                                                                const ConsoleStart& start) const {
-    KovoTerm::SpawnOptions options;
-    options.argv = {KOVO_E2E_LAUNCHER, "exec", _hostDir, "--"};
-    options.argv.insert(options.argv.end(), command.begin(), command.end());
-    options.term = start.term;
-    options.environment = start.environment;
-    options.environment.emplace("PATH", "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin");
-    options.columns = start.columns;
-    options.rows = start.rows;
-    return std::make_unique<KovoTerm::TermSession>(options);
+    std::vector<std::string> argv{KOVO_E2E_LAUNCHER, "exec", _hostDir, "--"};
+    argv.insert(argv.end(), command.begin(), command.end());
+    return std::make_unique<KovoTerm::TermSession>(Spawn(argv, start));
 }
 
 bool HostConsole::WaitForFirstPaint() {

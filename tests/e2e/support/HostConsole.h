@@ -75,5 +75,7 @@ class HostConsole {
 
 // A fresh, empty directory for the host of the running test, under the build tree.
 std::string FreshHostDir();
+// The whole of a file of this machine ("" when there is none).
+std::string ReadFile(const std::string& path);
 
 }  // namespace KovoE2e

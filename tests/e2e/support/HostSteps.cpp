@@ -1,53 +1,22 @@
 #include "HostSteps.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <spawn.h>
 #include <sys/wait.h>
 
-#include <cerrno>
-#include <cstdio>
+#include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
-#include <thread>
 
-extern char** environ;
+#include "ShellSteps.h"
 
 namespace KovoE2e {
 
-namespace {
-
-// Polls `done` every 20 ms until it holds or `deadline` passes.
-template <typename Done>
-bool PollUntil(Done done, std::chrono::milliseconds deadline) {
-    const auto end = std::chrono::steady_clock::now() + deadline;
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(20ms);
-    }
-    return true;
-}
-
-}  // namespace
-
 bool Launcher(const std::vector<std::string>& arguments) {
-    std::vector<std::string> all{KOVO_E2E_LAUNCHER};
-    all.insert(all.end(), arguments.begin(), arguments.end());
-    std::vector<char*> argv;
-    for (auto& a : all) argv.push_back(a.data());
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    pid_t pid = -1;
-    const int error = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (error != 0) return false;
-    int status = 0;
-    while (waitpid(pid, &status, 0) < 0)
-        if (errno != EINTR) return false;
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    std::string command = Quote(KOVO_E2E_LAUNCHER);
+    for (const auto& argument : arguments) command += " " + Quote(argument);
+    const int status = std::system((command + " </dev/null >/dev/null").c_str());
+    return status != -1 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 std::unique_ptr<HostConsole> MakeHost(const std::string& scenario, const StoreChanges& changes,
@@ -85,22 +54,11 @@ nlohmann::json StoreOnDisk(const HostConsole& host) {
 }
 
 std::string StoreValue(const HostConsole& host, const std::string& pointer) {
-    const std::string command = std::string(KOVO_E2E_LAUNCHER) + " get " + host.HostDir() + " " + pointer;
-    FILE* out = popen(command.c_str(), "r");
-    if (!out) return {};
-    std::string text;
-    char buffer[512];
-    while (fgets(buffer, sizeof buffer, out)) text += buffer;
-    pclose(out);
-    while (!text.empty() && text.back() == '\n') text.pop_back();
-    return text;
+    return Output(Quote(KOVO_E2E_LAUNCHER) + " get " + Quote(host.HostDir()) + " " + Quote(pointer));
 }
 
 std::string HostRecords(const HostConsole& host, const std::string& name) {
-    std::ifstream in(host.HostDir() + "/upper/var/log/kovo-sim/" + name);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return ReadFile(host.HostDir() + "/upper/var/log/kovo-sim/" + name);
 }
 
 std::vector<std::string> Lines(const std::string& text, const std::string& part) {
@@ -113,30 +71,24 @@ std::vector<std::string> Lines(const std::string& text, const std::string& part)
 
 bool WaitForRecords(const HostConsole& host, const std::string& name, const std::string& part, size_t count,
                     std::chrono::milliseconds deadline) {
-    return PollUntil([&] { return Lines(HostRecords(host, name), part).size() >= count; }, deadline);
+    return WaitFor([&] { return Lines(HostRecords(host, name), part).size() >= count; }, deadline, 20ms);
 }
 
 bool WaitForSyslogCount(HostConsole& host, const std::vector<std::string>& parts, size_t count,
                         std::chrono::milliseconds deadline) {
-    return PollUntil([&] { return host.SyslogLines(parts).size() >= count; }, deadline);
+    return WaitFor([&] { return host.SyslogLines(parts).size() >= count; }, deadline, 20ms);
 }
 
 size_t CommandCount(const HostConsole& host, const std::vector<std::string>& parts) {
-    size_t count = 0;
-    std::istringstream in(HostRecords(host, "commands.log"));
-    for (std::string line; std::getline(in, line);) {
-        bool all = true;
-        for (const auto& part : parts) all = all && line.find(part) != std::string::npos;
-        count += all ? 1 : 0;
-    }
-    return count;
+    const auto holdsAll = [&](const std::string& line) {
+        return std::ranges::all_of(parts,
+                                   [&](const auto& part) { return line.find(part) != std::string::npos; });
+    };
+    return static_cast<size_t>(std::ranges::count_if(Lines(HostRecords(host, "commands.log"), ""), holdsAll));
 }
 
 std::vector<std::string> FileLines(const std::string& path) {
-    std::ifstream in(path);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    return lines;
+    return Lines(ReadFile(path), "");
 }
 
 std::string StartHeldReset(HostConsole& host) {
@@ -168,11 +120,11 @@ void ExpectSecretNowhere(HostConsole& host, const std::string& secret) {
     EXPECT_EQ(host.Term().Output().find(secret), std::string::npos) << "written to the terminal";
 }
 
-bool OpenLogin(HostConsole& host) {
+bool OpenLogin(HostConsole& host, Key key) {
     auto& term = host.Term();
     // A screen still repainting (after a dialog closed, say) would discard the key.
     if (!term.WaitForQuiet(300ms)) return false;
-    term.Press(Key::F2);
+    term.Press(key);
     if (!term.WaitForText(kLoginTitle)) return false;
     if (!term.WaitForQuiet(300ms)) return false;
     // With the keyboard line, focus starts there; the name field is one down.
@@ -208,12 +160,9 @@ bool Acknowledge(HostConsole& host, const std::string& text) {
 }
 
 bool OpenShutdown(HostConsole& host) {
-    auto& term = host.Term();
-    term.Press(Key::F12);
-    if (!term.WaitForText(kLoginTitle) || !term.WaitForQuiet(200ms)) return false;
-    if (term.Screen().Contains("Configured Keyboard")) term.Press(Key::Down);
+    if (!OpenLogin(host, Key::F12)) return false;
     Submit(host, "", kRootPassword);
-    return term.WaitForText("Forcefully terminate running VMs") && term.WaitForQuiet(200ms);
+    return host.Term().WaitForText("Forcefully terminate running VMs") && host.Term().WaitForQuiet(200ms);
 }
 
 bool OpenFromMenu(HostConsole& host, int downs, const std::string& title) {

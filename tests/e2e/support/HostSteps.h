@@ -95,8 +95,8 @@ void ExpectSecretNowhere(HostConsole& host, const std::string& secret);
 // --- the operator's steps ----------------------------------------------------------------------------
 // Every screen discards keys typed while it is being shown, so each step waits for the screen to settle.
 
-// F2 and the login dialog, ready for typing with the name field focused.
-bool OpenLogin(HostConsole& host);
+// F2 (or `key`) and the login dialog, ready for typing with the name field focused.
+bool OpenLogin(HostConsole& host, Key key = Key::F2);
 // Types a name (empty keeps the prefilled one) and a secret into the open dialog and submits them.
 void Submit(HostConsole& host, const std::string& user, const std::string& secret);
 bool MenuShown(const VirtualTerminal& screen);

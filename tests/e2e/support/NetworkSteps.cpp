@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-
 namespace KovoE2e {
 
 void Press(HostConsole& host, Key key, int times) {
@@ -24,15 +21,11 @@ void TypeShown(HostConsole& host, const std::string& text) {
     ASSERT_TRUE(host.Term().WaitForQuiet(80ms));
 }
 
-void BackToTop(HostConsole& host, int downs) {
-    Press(host, Key::Up, downs);
-}
-
 void Accept(HostConsole& host, const std::string& mark, int downs) {
     host.Term().Press(Key::Enter);
     ASSERT_TRUE(host.Term().WaitForTextGone(mark)) << host.Term().Dump();
     ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
-    BackToTop(host, downs);
+    Press(host, Key::Up, downs);
 }
 
 void EditSuffixes(HostConsole& host, const std::string& text) {
@@ -69,15 +62,8 @@ nlohmann::json StoreJson(const HostConsole& host, const std::string& pointer) {
     return nlohmann::json::parse(StoreValue(host, pointer), nullptr, false);
 }
 
-std::string FileText(const std::string& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 std::string HostFile(const HostConsole& host, const std::string& path) {
-    return FileText(host.HostDir() + "/upper" + path);
+    return ReadFile(host.HostDir() + "/upper" + path);
 }
 
 std::unique_ptr<HostConsole> MakeHostWithSilentNameServers() {

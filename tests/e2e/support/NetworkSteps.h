@@ -29,8 +29,6 @@ void Press(HostConsole& host, Key key, int times = 1);
 bool OpenNetwork(HostConsole& host);
 // Types into the focused field and waits for the screen to show it.
 void TypeShown(HostConsole& host, const std::string& text);
-// Back at the first entry from `downs` below it.
-void BackToTop(HostConsole& host, int downs);
 // Enter on the open dialog showing `mark`, then back at the first entry from `downs` below it.
 void Accept(HostConsole& host, const std::string& mark, int downs);
 // From the first entry: new suffixes typed into their dialog and accepted.
@@ -46,7 +44,6 @@ bool BackInMenu(HostConsole& host);
 
 // A value of the running host's store, parsed.
 nlohmann::json StoreJson(const HostConsole& host, const std::string& pointer);
-std::string FileText(const std::string& path);
 // A file of the host's disk by its path inside the host.
 std::string HostFile(const HostConsole& host, const std::string& path);
 // A host, started again after each end of its console, whose first two name servers never answer: a

@@ -30,12 +30,13 @@ inline std::string Output(const std::string& command) {
     return text;
 }
 
-// Polls `condition` until it holds; false when `deadline` passed first.
-inline bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds deadline) {
+// Polls `condition` every `poll` until it holds; false when `deadline` passed first.
+inline bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds deadline,
+                    std::chrono::milliseconds poll = std::chrono::milliseconds(100)) {
     const auto end = std::chrono::steady_clock::now() + deadline;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        std::this_thread::sleep_for(poll);
     }
     return true;
 }
