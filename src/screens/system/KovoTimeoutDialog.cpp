@@ -50,13 +50,8 @@ void KovoTimeoutDialog::Apply() {
         Frame::_idleTimeout = static_cast<uint32_t>(option->GetIntValue());
         _seconds = Frame::_idleTimeout;
     } catch (const HostCtl::Lib::HostCtlException& e) {
-<<<<<<< HEAD
         LogFailure("Unable to set KOVO timeout: ", e);
-        MessageDialog(this, kInvalidTitle, e.what()).RunModal();
-=======
-        syslog(LOG_ERR, "Unable to set KOVO timeout: %s", e.what());
         MessageDialog(this, StringId::InvalidTimeoutTitle, e.what()).RunModal();
->>>>>>> strings
         return;
     }
     if (*minutes == 0) {

@@ -5,11 +5,8 @@
 
 #include "frames/Footers.h"
 #include "frames/HostAccess.h"
-<<<<<<< HEAD
 #include "frames/Log.h"
-=======
 #include "text/StringIds.h"
->>>>>>> strings
 
 namespace Kovo {
 
