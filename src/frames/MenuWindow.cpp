@@ -92,9 +92,9 @@ void MenuWindow::Open(const Row& row) {
         // The host refused a step the opened screen does not answer itself: say so and keep the menu.
         ReportFailure(this, *row.failure + e.what(), row.id, e.what());
     }
-    ShowRows();
-    List()->Draw();
+    // The table is read once, by UpdateDetails, and the list drawn as it left it.
     UpdateDetails();
+    List()->Draw();
 }
 
 bool MenuWindow::OnKey(int key) {
@@ -115,9 +115,8 @@ int MenuWindow::HandleKey() {
     LeftTitle()->SetText(String(_titleId));
     if (_listFooter) LeftFooter()->SetText(_listFooter);
     if (!Opens()) return 1;
-    ShowRows();
-    List()->Draw();
     UpdateDetails();
+    List()->Draw();
     while (OnKey(GetKey(this, true))) {
     }
     return 1;
