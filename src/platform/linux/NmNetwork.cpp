@@ -80,16 +80,21 @@ std::vector<NmDevice> NmNetwork::Nics() {
 }
 
 std::string NmNetwork::ManagementInterface() {
+    return ManagementInterface(_client.Devices());
+}
+
+std::string NmNetwork::ManagementInterface(const std::vector<NmDevice>& devices) {
     std::vector<std::string> interfaces;
-    for (const NmDevice& device : _client.Devices())
+    for (const NmDevice& device : devices)
         if (device.interface != "lo") interfaces.push_back(device.interface);
     return ChooseManagementInterface(interfaces, _kernel->Addresses(), _kernel->DefaultRoutes());
 }
 
 NmIpConfig NmNetwork::RunningIp(int family) {
+    const std::vector<NmDevice> devices = _client.Devices();
     const std::string interface =
-        ConsoleMade() ? ManagementProfiles::Interface(Management()) : ManagementInterface();
-    for (const NmDevice& device : _client.Devices())
+        ConsoleMade() ? ManagementProfiles::Interface(Management()) : ManagementInterface(devices);
+    for (const NmDevice& device : devices)
         if (device.interface == interface)
             return _client.IpConfig(family == AF_INET ? device.ip4Config : device.ip6Config, family);
     return {};
@@ -97,10 +102,11 @@ NmIpConfig NmNetwork::RunningIp(int family) {
 
 std::optional<NmProfile> NmNetwork::ForeignHolder() {
     if (ConsoleMade()) return std::nullopt;
-    const std::string interface = ManagementInterface();
+    const std::vector<NmDevice> devices = _client.Devices();
+    const std::string interface = ManagementInterface(devices);
     if (interface.empty()) return std::nullopt;
     std::string activePath;
-    for (const NmDevice& device : _client.Devices())
+    for (const NmDevice& device : devices)
         if (device.interface == interface) activePath = device.activeConnection;
     for (const NmActive& active : _client.ActiveConnections())
         if (active.path == activePath)
@@ -121,9 +127,9 @@ ManagementNetwork NmNetwork::Management() {
     // management address, and from what that interface sits on.
     ManagementNetwork network;
     network.ip.SetUseDhcp(true);
-    const std::string interface = ManagementInterface();
-    if (interface.empty()) return network;
     const std::vector<NmDevice> devices = _client.Devices();
+    const std::string interface = ManagementInterface(devices);
+    if (interface.empty()) return network;
     std::map<std::string, const NmDevice*> byName;
     for (const NmDevice& device : devices) byName[device.interface] = &device;
     const NmDevice* holder = byName.count(interface) ? byName[interface] : nullptr;
@@ -167,8 +173,9 @@ ManagementNetwork NmNetwork::Management() {
 
 void NmNetwork::RefuseUnmanagedManagement() {
     if (ConsoleMade()) return;
-    const std::string interface = ManagementInterface();
-    for (const NmDevice& device : _client.Devices())
+    const std::vector<NmDevice> devices = _client.Devices();
+    const std::string interface = ManagementInterface(devices);
+    for (const NmDevice& device : devices)
         if (device.interface == interface && device.state == NmDevice::kUnmanaged)
             throw HostCtl::Lib::HostCtlException(
                 "The network service does not manage " + interface +
@@ -243,11 +250,12 @@ void NmNetwork::Activate() {
 }
 
 void NmNetwork::Deactivate() {
+    const std::vector<NmDevice> devices = _client.Devices();
     const std::string interface =
-        ConsoleMade() ? ManagementProfiles::Interface(Management()) : ManagementInterface();
+        ConsoleMade() ? ManagementProfiles::Interface(Management()) : ManagementInterface(devices);
     if (!ConsoleMade())
         if (const std::optional<NmProfile> holder = ForeignHolder()) _takenDown = holder->path;
-    for (const NmDevice& device : _client.Devices())
+    for (const NmDevice& device : devices)
         if (device.interface == interface && device.activeConnection != "/" &&
             !device.activeConnection.empty())
             _client.Deactivate(device.activeConnection);

@@ -90,7 +90,7 @@ void ChangeApplication::Run() {
 }
 
 bool ChangeApplication::ApplySteps() {
-    if (!OnDistributedSwitch()) {
+    if (!ManagementSwitch::OnDistributedSwitch([this] { return _pending.managementInterface.get(); })) {
         ApplyAdapters();
         if (!Guarded(kMacFailed, [this] { ApplyMacAddress(); })) return false;
         ApplyVlan();
@@ -101,21 +101,6 @@ bool ChangeApplication::ApplySteps() {
            Guarded(kIpv6GatewayFailed, [this] { ApplyIpv6Gateway(); }) &&
            Guarded(kIpIpv6Failed, [this] { RestartInterface(); }) &&
            Guarded(kDnsFailed, [this] { ApplyDns(); });
-}
-
-bool ChangeApplication::OnDistributedSwitch() {
-    try {
-        if (!_pending.managementInterface->IsValid()) {
-            LogError("Could not locate the management interface");
-            return false;
-        }
-        return _pending.managementInterface->GetConnectionPoint().connecteeType ==
-               HostCtl::Network::CONNECTEE_DVPORT;
-    } catch (const std::exception& e) {
-        // Not a failure of the change: the run goes on as for a standard switch.
-        LogInfo(std::string("Could not determine if a DVS was in use: ") + e.what());
-        return false;
-    }
 }
 
 void ChangeApplication::ApplyAdapters() {

@@ -35,7 +35,6 @@ class ChangeApplication {
   private:
     // The steps in their order; false after the first failure (shown).
     bool ApplySteps();
-    bool OnDistributedSwitch();
     void ApplyAdapters();
     void ApplyMacAddress();
     void ApplyVlan();

@@ -48,6 +48,20 @@ ManagementSwitch::Kind ManagementSwitch::KindOf(Switches& switches, const std::s
     throw HostCtlException("Unsupported xSwitch type");
 }
 
+bool ManagementSwitch::OnDistributedSwitch(const std::function<HostCtl::Network::ZenkNic*()>& locate) {
+    try {
+        HostCtl::Network::ZenkNic* nic = locate();
+        if (nic == nullptr || !nic->IsValid()) {
+            LogError("Could not locate the management interface");
+            return false;
+        }
+        return nic->GetConnectionPoint().connecteeType == HostCtl::Network::CONNECTEE_DVPORT;
+    } catch (const std::exception& e) {
+        LogFailure("Could not determine if a DVS was in use: ", e);
+        return false;
+    }
+}
+
 bool ManagementSwitch::Name(std::string& name) {
     try {
         name = SwitchOf(_host, _nic);

@@ -1,10 +1,9 @@
 #include "recovery/NetworkRestoreWindow.h"
 
-#include <exception>
 #include <string>
 
 #include "frames/Footers.h"
-#include "frames/Log.h"
+#include "network/ManagementSwitch.h"
 #include "platform/hostctl/NetworkInfo.h"
 #include "platform/hostctl/ZenkNic.h"
 #include "recovery/RestoreDvsDialog.h"
@@ -17,27 +16,16 @@ namespace Kovo {
 NetworkRestoreWindow::NetworkRestoreWindow(Frame* parent, HostAccess& host)
     : MenuWindow(parent, StringId::NetworkRestoreTitle, Footer::kMenuSelect),
       _host(host),
-      _onDistributedSwitch(ManagementOnDistributedSwitch()) {
+      _onDistributedSwitch(ManagementSwitch::OnDistributedSwitch([this] {
+          auto network = _host.Network();
+          network->UpdateManagementInterface();
+          _nic = network->GetManagementInterface();
+          return _nic.get();
+      })) {
     ShowRows();
 }
 
 NetworkRestoreWindow::~NetworkRestoreWindow() = default;
-
-bool NetworkRestoreWindow::ManagementOnDistributedSwitch() {
-    try {
-        auto network = _host.Network();
-        network->UpdateManagementInterface();
-        _nic = network->GetManagementInterface();
-        if (!_nic) {
-            LogError("Could not locate the management interface");
-            return false;
-        }
-        return _nic->GetConnectionPoint().connecteeType == HostCtl::Network::CONNECTEE_DVPORT;
-    } catch (const std::exception& e) {
-        LogFailure("Could not determine if a DVS was in use: ", e);
-        return false;
-    }
-}
 
 std::vector<MenuWindow::Row> NetworkRestoreWindow::Rows() {
     auto entry = [this](unsigned id, unsigned detail, std::function<void()> open) {

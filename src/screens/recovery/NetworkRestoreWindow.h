@@ -23,11 +23,8 @@ class NetworkRestoreWindow : public MenuWindow {
 
   private:
     std::vector<Row> Rows() override;
-    // Whether the management interface is plugged into a port of a distributed switch; false (logged)
-    // whenever that cannot be told, so the window always opens.
-    bool ManagementOnDistributedSwitch();
-
     HostAccess& _host;
+    // Found by the distributed-switch test that sets _onDistributedSwitch, so declared before it.
     std::unique_ptr<HostCtl::Network::ZenkNic> _nic;
     bool _onDistributedSwitch;
     bool _standardSwitchRestored = false;
