@@ -1,5 +1,5 @@
-// The host-tool wrappers against the simulated host's own hcl-cmd: what ran, as whom, and what the
-// console made of it.
+// Console functions that run the host's programs, against the simulated host's own: what ran, as whom, what
+// the console made of it, and the hosts file the network test's resolve test takes the host's name out of.
 #include <gtest/gtest.h>
 
 #include "ProbeHost.h"
@@ -7,7 +7,8 @@
 namespace KovoHostTest {
 namespace {
 
-TEST(CommandRunnerOnHost, UserTheToolRejectsIsRetriedOnceAsTheConsolesOwnUser) {
+// A user the tool accepts runs once: the end-to-end network tests count that run.
+TEST(CommandRunnerOnHost, ARejectedUserIsRetriedOnceAsTheConsolesOwnAndAQueryRunsAsIt) {
     ProbeHost host;
     EXPECT_EQ(host.Probe("hcl viewer internalsvc/refresh"), "status=0\n");
     auto runs = LinesWith(host.Commands(), "internalsvc/refresh");
@@ -19,25 +20,34 @@ TEST(CommandRunnerOnHost, UserTheToolRejectsIsRetriedOnceAsTheConsolesOwnUser) {
         "]: Unable to execute command hcl-cmd internalsvc/refresh using user viewer. Using user kovo");
     ASSERT_EQ(logged.size(), 1u) << host.Syslog();
     EXPECT_NE(logged[0].find(" user.info KOVO["), std::string::npos) << logged[0];
-}
 
-TEST(CommandRunnerOnHost, AcceptedUserRunsOnce) {
-    ProbeHost host;
-    EXPECT_EQ(host.Probe("hcl root internalsvc/refresh"), "status=0\n");
-    EXPECT_EQ(LinesWith(host.Commands(), "internalsvc/refresh").size(), 1u) << host.Commands();
-    EXPECT_TRUE(LinesWith(host.Syslog(), "Unable to execute command").empty()) << host.Syslog();
-}
-
-TEST(CommandRunnerOnHost, QueryFollowsTheHostsAnswerAndRunsAsTheConsolesUser) {
-    ProbeHost host;
+    // A query follows the host's answer.
     EXPECT_EQ(host.Probe("query hclsvc/auth/lockdown_is_possible"), "true\n");
     ASSERT_TRUE(host.Set("/services/lockdown/possible", "false"));
     EXPECT_EQ(host.Probe("query hclsvc/auth/lockdown_is_possible"), "false\n");
-    auto runs = LinesWith(host.Commands(), "lockdown_is_possible");
+    runs = LinesWith(host.Commands(), "lockdown_is_possible");
     ASSERT_EQ(runs.size(), 2u) << host.Commands();
     for (const auto& run : runs) EXPECT_NE(run.find("\"kovo\""), std::string::npos) << run;
     EXPECT_EQ(LinesWith(host.Syslog(), "hcl-cmd invocation: get hclsvc/auth/lockdown_is_possible").size(), 2u)
         << host.Syslog();
+}
+
+// The hosts file is the same afterwards, also when the test cannot run.
+TEST(ResolveTestOnHost, ResolvesThroughTheNameServersAndLeavesTheHostsFileAsItWas) {
+    constexpr const char* kResolve = "resolve kovo-host-01.lab.example";
+    ProbeHost host;
+    EXPECT_EQ(host.Probe(kResolve), "result=0 same=true\n");
+    // Another console of the host has its name out: this one must not back up that file.
+    EXPECT_EQ(host.Probe(std::string(kResolve) + " locked"), "result=1 same=true\n");
+    EXPECT_EQ(
+        LinesWith(host.Syslog(), "failed to backup /etc/hosts: another console is testing name resolution")
+            .size(),
+        1u)
+        << host.Syslog();
+    // A backup that cannot be written leaves the hosts file untouched.
+    ASSERT_EQ(host.Exec("rm -f /etc/hosts.backup && mkdir /etc/hosts.backup"), 0);
+    EXPECT_EQ(host.Probe(kResolve), "result=1 same=true\n");
+    EXPECT_EQ(LinesWith(host.Syslog(), "failed to backup /etc/hosts: ").size(), 2u) << host.Syslog();
 }
 
 }  // namespace

@@ -1,23 +1,89 @@
-// The host's network and name files as worked out from its store, and the steps from one store to the
-// next that the running host takes.
+// The scenarios under sim/scenarios (each a whole host in the store's schema) and what a scenario leaves
+// in the host's store; the host's network and name files as worked out from its store, and the steps from
+// one store to the next that the running host takes.
 #include "launcher/HostNetwork.h"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "helpers/Subprocess.h"
+#include "host/SimulationSchema.h"
 #include "launcher/HostBoot.h"
 #include "launcher/HostFiles.h"
 #include "launcher/NetworkFollower.h"
+#include "platform/store/HostStore.h"
+#include "platform/store/StoreSchema.h"
 
 using KovoSim::HostBoot;
 using KovoSim::HostFiles;
 using KovoSim::HostNetwork;
 using KovoSim::NetworkChanges;
 using KovoSim::NetworkState;
+using KovoSim::Test::ReadFile;
 using nlohmann::json;
 
 namespace {
 
 using Strings = std::vector<std::string>;
+
+TEST(ScenariosTest, EveryScenarioIsAWholeHostTheStoreAccepts) {
+    size_t scenarios = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(KOVO_SIM_SCENARIOS)) {
+        if (entry.path().extension() != ".json") continue;
+        ++scenarios;
+        const std::string name = entry.path().stem();
+        SCOPED_TRACE(name);
+        const json scenario = json::parse(ReadFile(entry.path()));
+        EXPECT_EQ(KovoSim::Simulation::Check(scenario), std::vector<std::string>{});
+        const json store = HostBoot::StoreOf(scenario);
+        EXPECT_NO_THROW(ZenkCtl::Store::HostStore::Parse(store.dump(), name));
+        // The platform's own members (what the store keeps of the simulation is the boot's tests' business).
+        json platformPart = store;
+        platformPart.erase("simulation");
+        EXPECT_EQ(ZenkCtl::Store::Schema::Check(platformPart), std::vector<std::string>{});
+        // Every account can log in with some password: a crypt(3) hash, not a placeholder.
+        for (const auto& user : store["users"])
+            EXPECT_EQ(user["passwordHash"].get<std::string>().rfind("$6$", 0), 0u);
+    }
+    EXPECT_GT(scenarios, 1u);
+}
+
+TEST(ScenariosTest, TheSimulationsMembersAreCheckedAsTheStoresAre) {
+    using KovoSim::Simulation::Check;
+    EXPECT_EQ(Check(json("text"), "/simulation/faults/Some~1Name"), std::vector<std::string>{});
+    EXPECT_EQ(
+        Check(json::parse(R"({"simulation": {"faults": {"DnsConfig.SaveConfig": 3}}})")),
+        std::vector<std::string>{"/simulation/faults/DnsConfig.SaveConfig: is a whole number, must be text"});
+    EXPECT_EQ(Check(json::parse(R"({"simulation": {"fautls": {}}})")),
+              std::vector<std::string>{"/simulation/fautls: not a member the host knows"});
+    // The platform's own members are checked as ever.
+    EXPECT_EQ(Check(json(3), "/network/dns/hostname"),
+              std::vector<std::string>{"/network/dns/hostname: is a whole number, must be text"});
+}
+
+// Whether the platform then fails where a kept fault says is the platform tests' business.
+TEST(HostBootTest, TheStoreOfAScenarioKeepsOnlyItsFaultsAndSilentNameServersOfTheSimulation) {
+    const json scenario = {{"users", json::array()},
+                           {"simulation",
+                            {{"names", {{"a.example", "10.0.0.1"}}},
+                             {"answering", {"10.0.0.5"}},
+                             {"silentNameServers", {"10.0.0.9"}},
+                             {"faults", {{"DnsConfig.SaveConfig", "disk full"}}}}}};
+    EXPECT_EQ(
+        HostBoot::StoreOf(scenario),
+        json({{"users", json::array()},
+              {"simulation",
+               {{"faults", {{"DnsConfig.SaveConfig", "disk full"}}}, {"silentNameServers", {"10.0.0.9"}}}}}));
+    // Nothing to keep: the faults member alone, empty, which tells the console's platform that this host
+    // can be made to fail once it runs.
+    const json bare = {{"users", json::array()}, {"simulation", {{"faults", json::object()}}}};
+    EXPECT_EQ(HostBoot::StoreOf({{"users", json::array()}, {"simulation", {{"names", json::object()}}}}),
+              bare);
+    EXPECT_EQ(HostBoot::StoreOf({{"users", json::array()}, {"simulation", {{"faults", "not a table"}}}}),
+              bare);
+    EXPECT_EQ(HostBoot::StoreOf({{"users", json::array()}}), bare);
+}
 
 TEST(HostNetworkTest, AnsweringAddressesAreTheGatewaysNameServersManagementAndExtras) {
     const json scenario = json::parse(R"({

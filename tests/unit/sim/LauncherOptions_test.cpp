@@ -1,10 +1,23 @@
+// The launcher's own pieces: its command line, a host's directory, and when the console starts again.
 #include "launcher/LauncherOptions.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 
+#include <filesystem>
+
+#include "helpers/Subprocess.h"
+#include "launcher/HostLayout.h"
+#include "launcher/RestartPolicy.h"
+
+using KovoSim::HostLayout;
 using KovoSim::LauncherOptions;
+using KovoSim::RestartPolicy;
+using KovoSim::Test::TempDir;
 using Command = LauncherOptions::Command;
+using Action = RestartPolicy::Action;
 using Strings = std::vector<std::string>;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -79,6 +92,65 @@ TEST(LauncherOptionsTest, WhatItDoesNotKnowIsRefusedWithItsReason) {
             EXPECT_NE(std::string(e.what()).find(reason), std::string::npos) << e.what();
         }
     }
+}
+
+TEST(HostLayoutTest, RelativeDirectoryIsTakenFromTheWorkingDirectory) {
+    TempDir dir;
+    const auto previous = std::filesystem::current_path();
+    std::filesystem::current_path(dir.Path());
+    const HostLayout layout("sim-host");
+    std::filesystem::current_path(previous);
+    EXPECT_EQ(layout.Dir(), std::filesystem::canonical(dir.Path()).string() + "/sim-host");
+}
+
+TEST(HostLayoutTest, RejectsDirectoriesThatCannotCarryTheOverlays) {
+    TempDir dir;
+    for (const std::string& bad :
+         {dir / "a,b", dir / "a:b", std::string("/"), std::string("/etc/sim"), std::string("/usr"),
+          std::string("/var"), std::string("/var/log/x"), std::string("/usr/lib/kovo"), std::string("")}) {
+        EXPECT_THROW(HostLayout{bad}, std::invalid_argument) << bad;
+    }
+    // A symbolic link is followed before the check.
+    std::filesystem::create_directory_symlink("/usr/lib", dir / "link");
+    EXPECT_THROW(HostLayout{dir / "link/host"}, std::invalid_argument);
+    // Names that only start like an overlaid directory are fine.
+    EXPECT_NO_THROW(HostLayout{"/etcetera/host"});
+    EXPECT_NO_THROW(HostLayout{"/var/lib/host"});
+}
+
+// The launcher takes a directory for a host only when every layer is there.
+TEST(HostLayoutTest, ADirectoryMissingALayerIsNoHost) {
+    TempDir dir;
+    const HostLayout layout(dir / "host");
+    EXPECT_FALSE(layout.Prepared());
+    layout.Prepare();
+    EXPECT_TRUE(layout.Prepared());
+    std::filesystem::remove(layout.Work("/var/log"));
+    EXPECT_FALSE(layout.Prepared());
+}
+
+constexpr int Exited(int code) {
+    return code << 8;
+}
+
+TEST(RestartPolicyTest, RestartsAtOnceAfterALongRunAndAfterAPauseWhenQuick) {
+    const RestartPolicy policy(false);
+    EXPECT_EQ(policy.ConsoleEnded(Exited(0), 5s).action, Action::Restart);
+    EXPECT_EQ(policy.ConsoleEnded(SIGSEGV, 1000ms).action, Action::Restart);
+    EXPECT_EQ(policy.ConsoleEnded(Exited(1), 999ms).action, Action::RestartLater);
+    EXPECT_EQ(policy.ConsoleEnded(Exited(0), 0ms).action, Action::RestartLater);
+}
+
+TEST(RestartPolicyTest, StoppingEndsWithZeroAndOnceEndsWithTheConsolesStatus) {
+    RestartPolicy stopping(false);
+    stopping.Stop();
+    EXPECT_EQ(stopping.ConsoleEnded(Exited(3), 5s).action, Action::Stop);
+    EXPECT_EQ(stopping.ConsoleEnded(Exited(3), 5s).exitCode, 0);
+
+    const RestartPolicy once(true);
+    EXPECT_EQ(once.ConsoleEnded(Exited(7), 10ms).action, Action::Stop);
+    EXPECT_EQ(once.ConsoleEnded(Exited(7), 10ms).exitCode, 7);
+    EXPECT_EQ(once.ConsoleEnded(SIGKILL, 10s).exitCode, 128 + SIGKILL);
 }
 
 }  // namespace

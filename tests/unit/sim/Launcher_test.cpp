@@ -14,6 +14,7 @@
 
 #include "TermSession.h"
 #include "helpers/Subprocess.h"
+#include "host/HostPrograms.h"
 
 namespace {
 
@@ -70,7 +71,7 @@ class LauncherTest : public ::testing::Test {
 };
 
 // Root on the host's own file systems, named as its (sparse, file) scenario says, and nothing it writes
-// reaches the machine.
+// reaches the machine. (That its /dev/log takes the console's lines, every end-to-end test proves.)
 TEST_F(LauncherTest, TheConsoleRunsOnTheHostsOwnFilesAndItsWritesLandInTheHostsDirectoryOnly) {
     std::ofstream(_tmp / "named.json") << R"({"network": {"dns": {"hostname": "lab-host-07"}}})";
     const std::string report = _tmp / "report";
@@ -87,7 +88,6 @@ TEST_F(LauncherTest, TheConsoleRunsOnTheHostsOwnFilesAndItsWritesLandInTheHostsD
     for (const char* fs : {"/run", "/var/run", "/dev"})
         EXPECT_EQ(facts[std::string("fs:") + fs], "tmpfs") << fs;
     EXPECT_EQ(facts["console"], "1:3") << "the host's /dev/console must be the null device";
-    EXPECT_EQ(facts["devlog"], "socket");
     for (const char* dir : overlaid) {
         EXPECT_EQ(facts[std::string("fs:") + dir], "overlay") << dir;
         EXPECT_EQ(ReadFile(Upper(std::string(dir) + "/" + name)), "x") << dir;
@@ -101,6 +101,57 @@ TEST_F(LauncherTest, TheConsoleRunsOnTheHostsOwnFilesAndItsWritesLandInTheHostsD
     const auto paths = RunProgram({kSim, "paths", Host()});
     EXPECT_NE(paths.out.find("syslog\t" + Upper("/var/log/syslog.log") + "\n"), std::string::npos)
         << paths.out;
+}
+
+// What keeps the machine around a host safe, and what the host makes for itself at boot. Its PAM, name
+// server, daemons and power are the end-to-end tests' to prove: every one of them logs in, resolves,
+// records or powers off through them.
+TEST_F(LauncherTest, NothingLeavesTheHostAndItsKeysAndPowerCommandsAreItsOwn) {
+    ASSERT_EQ(RunProgram({kSim, "--dir", Host(), "--once", "--kovo", "/bin/true"}).status, 0);
+    // The machine's interfaces are not there: only the host's own loopback.
+    EXPECT_EQ(Inside("ip -o link | wc -l").out, "1\n");
+
+    // Every place a shell without PATH looks for a power command, and the paths the console names.
+    const std::filesystem::path beside = std::filesystem::path(kSim).parent_path();
+    const auto found = Inside(
+        "for n in poweroff reboot halt shutdown; do "
+        "  for d in /usr/local/sbin /usr/local/bin /usr/sbin /usr/bin /sbin /bin; do "
+        "    [ -e $d/$n ] && readlink -f $d/$n; "
+        "  done; env -i /bin/sh -c \"command -v $n\"; "
+        "done");
+    std::istringstream lines(found.out);
+    int count = 0, commandV = 0;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("/usr/sbin/", 0) == 0) {
+            ++commandV;  // what "command -v" finds first
+            continue;
+        }
+        ++count;
+        EXPECT_EQ(line, (beside / "kovo-sim-host").string());
+    }
+    EXPECT_GE(count, 8) << found.out;  // /usr/sbin and /sbin at least, for each of the four
+    EXPECT_EQ(commandV, 4) << found.out;
+
+    // The support pages show only that these exist; that they are this host's is proved here.
+    const auto subject = Inside("/bin/openssl x509 -in /etc/halvor/ssl/host.crt -noout -subject");
+    EXPECT_NE(subject.out.find("kovo-host-01.lab.example"), std::string::npos) << subject.out << subject.err;
+    const auto key = Inside("/usr/lib/halvor/openssh/bin/ssh-keygen -l -f /etc/ssh/ssh_host_rsa_key.pub");
+    EXPECT_EQ(key.status, 0) << key.err;
+    EXPECT_NE(key.out.find("root@kovo-host-01.lab.example (RSA)"), std::string::npos) << key.out;
+
+    // Host programs reach the launcher's own files through links; whatever runs inside a host writes
+    // through them, the build that made the host must stay as it was.
+    std::map<std::string, std::string> build;
+    for (const std::string& file :
+         {kSim, (beside / "kovo-sim-host").string(), (beside / "pam_kovo_sim.so").string()})
+        build[file] = ReadFile(file);
+    std::vector<std::string> paths{"/usr/lib/kovo-sim/kovo-sim-host", "/usr/lib/kovo-sim/pam_kovo_sim.so"};
+    for (const auto& install : KovoSim::Host::HostPrograms::Installs()) paths.push_back(install.hostPath);
+    std::string script;
+    for (const auto& path : paths) script += "printf 'written inside\\n' > " + path + "; ";
+    const auto wrote = Inside(script + "true");
+    ASSERT_EQ(wrote.status, 0) << wrote.err;
+    for (const auto& [file, bytes] : build) EXPECT_TRUE(ReadFile(file) == bytes) << file << " was changed";
 }
 
 // However the demo is ended, the console and the host go with it and nothing is started again.

@@ -40,8 +40,6 @@ void Report(const std::string& file) {
     struct stat console {};
     if (::stat("/dev/console", &console) == 0)
         out << "console=" << major(console.st_rdev) << ":" << minor(console.st_rdev) << "\n";
-    struct stat log {};
-    out << "devlog=" << (::stat("/dev/log", &log) == 0 && S_ISSOCK(log.st_mode) ? "socket" : "none") << "\n";
     char host[256] = {};
     ::gethostname(host, sizeof host - 1);
     out << "hostname=" << host << "\n";
