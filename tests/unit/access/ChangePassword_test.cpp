@@ -1,13 +1,9 @@
 #include <curses.h>
-#include <security/pam_appl.h>
 
 #include <string>
-#include <vector>
 
 #include "LoginTestScreen.h"
 #include "access/ChangePasswordDialog.h"
-#include "frames/HostAccess.h"
-#include "platform/zenkctl/HalvorHostFactory.h"
 #include "text/InputItem.h"
 #include "text/ItemList.h"
 
@@ -17,43 +13,18 @@ namespace {
 using namespace Testing;
 
 // The end-to-end tests take every refusal and a change through the host's real PAM stack; these cover
-// what they cannot see: focus, field contents and the session flag.
-// The session user "admin" has the password "Old-Pass1"; "Expired-1" is right but expired.
-struct FakePam {
-    static inline std::vector<std::string> checked;
-    static inline std::vector<std::string> changes;
-    static inline bool acceptChange = true;
-
-    static int Authenticate(const std::string& user, const std::string& password) {
-        checked.push_back(user + ":" + password);
-        if (password == "Old-Pass1") return PAM_SUCCESS;
-        if (password == "Expired-1") return PAM_NEW_AUTHTOK_REQD;
-        return PAM_AUTH_ERR;
-    }
-    static bool Change(const std::string& user, const std::string& oldPassword,
-                       const std::string& newPassword) {
-        changes.push_back(user + ":" + oldPassword + ">" + newPassword);
-        return acceptChange;
-    }
-};
-
-class ChangePasswordTest : public ScriptedScreen {
+// what they cannot see: focus, field contents and the session flag. The session user is "admin".
+class ChangePasswordTest : public LoginDialogs {
   protected:
     void SetUp() override {
-        ScriptedScreen::SetUp();
-        FakePam::checked.clear();
-        FakePam::changes.clear();
-        FakePam::acceptChange = true;
+        LoginDialogs::SetUp();
         Frame::_loginName = "admin";
         Frame::_isUserPasswordEmpty = true;
     }
     int Run(const std::string& keys) {
         Type(keys);
         TestRootFrame root;
-        // A host whose store cannot be read: the dialog works from PAM alone.
-        HostAccess noHost(std::make_unique<ZenkCtl::HalvorHostFactory>(
-            std::make_shared<ZenkCtl::Store::HostStore>("/nonexistent/kovo/host.json")));
-        ChangePasswordDialog dialog(&root, PamOps{FakePam::Authenticate, FakePam::Change}, noHost);
+        ChangePasswordDialog dialog(&root, FakePam::Ops(), noHost_);
         const int result = dialog.RunModal();
         for (int i = 0; i < 3; ++i) fields_[i] = dialog.Field(i).GetValue();
         focused_ = dialog.List().GetSelected();

@@ -1,13 +1,8 @@
 #include "access/LoginDialog.h"
-#include "frames/HostAccess.h"
-#include "platform/zenkctl/HalvorHostFactory.h"
 
 #include <curses.h>
-#include <security/pam_appl.h>
 
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "LoginTestScreen.h"
 #include "text/InputItem.h"
@@ -18,50 +13,17 @@ namespace Kovo {
 namespace {
 
 using namespace Testing;
-using Call = std::pair<std::string, std::string>;
+using Call = FakePam::Call;
 
-// A host where the password "ok" logs in (and "ops" with "1234", "empty" with nothing) and "expired" must
-// change its password "Old-Pass1" first; everything else is an invalid login. The end-to-end tests cover
-// each outcome through the host's real PAM stack; these cover how the dialog's keys and fields reach PAM.
-struct FakeHost {
-    static inline std::vector<Call> authCalls;
-    static inline std::vector<std::string> changes;
-
-    static int Authenticate(const std::string& user, const std::string& password) {
-        authCalls.emplace_back(user, password);
-        if (user == "expired" && password == "Old-Pass1") return PAM_NEW_AUTHTOK_REQD;
-        if (password == "ok" || (user == "ops" && password == "1234") ||
-            (user == "empty" && password.empty()))
-            return PAM_SUCCESS;
-        return PAM_AUTH_ERR;
-    }
-    static bool Change(const std::string& user, const std::string& oldPassword,
-                       const std::string& newPassword) {
-        changes.push_back(user + ":" + oldPassword + ">" + newPassword);
-        return true;
-    }
-    static PamOps Ops() { return PamOps{Authenticate, Change}; }
-    static void Reset() {
-        authCalls.clear();
-        changes.clear();
-    }
-};
-
-class LoginDialogTest : public ScriptedScreen {
+// The end-to-end tests cover each outcome through the host's real PAM stack; these cover how the dialog's
+// keys and fields reach PAM.
+class LoginDialogTest : public LoginDialogs {
   protected:
-    // A host whose store cannot be read: the dialog works from PAM alone.
-    HostAccess noHost_{std::make_unique<ZenkCtl::HalvorHostFactory>(
-        std::make_shared<ZenkCtl::Store::HostStore>("/nonexistent/kovo/host.json"))};
-
-    void SetUp() override {
-        ScriptedScreen::SetUp();
-        FakeHost::Reset();
-    }
     // Runs a login dialog over the typed keys and returns its result.
     int Run(const std::string& keys) {
         Type(keys);
         TestRootFrame root;
-        dialog_ = std::make_unique<LoginDialog>(&root, FakeHost::Ops(), noHost_);
+        dialog_ = std::make_unique<LoginDialog>(&root, FakePam::Ops(), noHost_);
         const int result = dialog_->RunModal();
         name_ = dialog_->NameField().GetValue();
         focused_ = dialog_->List().GetSelected();
@@ -105,7 +67,7 @@ TEST(LoginKeyRouting, EditingKeysGoToTheFieldOthersAreIgnored) {
 
 TEST_F(LoginDialogTest, TypingReplacesThePrefilledNameAndAnEmptyPasswordIsRecorded) {
     EXPECT_EQ(Run("empty" + Keys::kTab + Keys::kEnter), 1);
-    EXPECT_EQ(FakeHost::authCalls.at(0), Call("empty", ""));
+    EXPECT_EQ(FakePam::authCalls.at(0), Call("empty", ""));
     EXPECT_TRUE(Frame::_isUserPasswordEmpty);
 }
 
@@ -114,8 +76,8 @@ TEST_F(LoginDialogTest, ExpiredPasswordLeftUnchangedReturnsToTheFields) {
     const std::string keys =
         "expired" + Keys::kEnter + "Old-Pass1" + Keys::kEnter + Keys::kEnter + Keys::kEsc + "x" + Keys::kEsc;
     EXPECT_EQ(Run(keys), 0);
-    EXPECT_TRUE(FakeHost::changes.empty());
-    EXPECT_EQ(FakeHost::authCalls.size(), 1u);
+    EXPECT_TRUE(FakePam::changes.empty());
+    EXPECT_EQ(FakePam::authCalls.size(), 1u);
     EXPECT_EQ(focused_, 1) << "focus stays on the password field";
 }
 
@@ -123,14 +85,14 @@ TEST_F(LoginDialogTest, F3ChangesLabelsAndValuesAndPinLoginUsesTheCardId) {
     Frame::_smartCardLoginId = "ops";
     // PIN mode -> password mode (name "root") -> PIN mode again, then the PIN.
     EXPECT_EQ(Run(Keys::kF3 + Keys::kF3 + Keys::kEnter + "1234" + Keys::kEnter), 1);
-    ASSERT_EQ(FakeHost::authCalls.size(), 1u);
-    EXPECT_EQ(FakeHost::authCalls[0], Call("ops", "1234"));
+    ASSERT_EQ(FakePam::authCalls.size(), 1u);
+    EXPECT_EQ(FakePam::authCalls[0], Call("ops", "1234"));
     EXPECT_EQ(Frame::_loginName, "ops");
 
-    FakeHost::Reset();
+    FakePam::authCalls.clear();
     Frame::_smartCardLoginId = "ops";
     EXPECT_EQ(Run(Keys::kF3 + Keys::kEnter + "ok" + Keys::kEnter), 1);
-    EXPECT_EQ(FakeHost::authCalls.at(0), Call("root", "ok"));
+    EXPECT_EQ(FakePam::authCalls.at(0), Call("root", "ok"));
 }
 
 }  // namespace

@@ -6,12 +6,21 @@
 #include <curses.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <security/pam_appl.h>
 #include <unistd.h>
 
+#include <functional>
+#include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "../support/OffscreenCurses.h"
+#include "access/Pam.h"
 #include "frames/Frame.h"
+#include "frames/HostAccess.h"
+#include "platform/store/HostStore.h"
+#include "platform/zenkctl/HalvorHostFactory.h"
 
 namespace Kovo::Testing {
 
@@ -31,7 +40,31 @@ inline const std::string kEnd = "\033OF";
 inline const std::string kF3 = "\033OR";
 inline const std::string kBackspace = "\177";
 inline const std::string kDelete = "\033[3~";
+// `key` typed n times.
+inline std::string Times(int n, const std::string& key) {
+    std::string keys;
+    for (int i = 0; i < n; ++i) keys += key;
+    return keys;
+}
 }  // namespace Keys
+
+// No one logged in, no card seen, no frame in front.
+inline void ResetSession() {
+    Frame::_loginName.clear();
+    Frame::_smartCardLoginId.clear();
+    Frame::_isLoggedWithSmartCard = false;
+    Frame::_isUserPasswordEmpty = false;
+    Frame::_loggedIn = false;
+    Frame::fgFrame = nullptr;
+    usingKeyboard = false;
+}
+
+// A parent for dialogs under test: a full-screen frame that never reads keys itself.
+class TestRootFrame : public Frame {
+  public:
+    TestRootFrame() : Frame(nullptr, 0, 0, COLS, LINES, kBlack, kWhite) {}
+    int HandleKey() override { return 0; }
+};
 
 class ScriptedScreen : public OffscreenCurses {
   protected:
@@ -58,16 +91,6 @@ class ScriptedScreen : public OffscreenCurses {
         alarm(0);
     }
 
-    static void ResetSession() {
-        Frame::_loginName.clear();
-        Frame::_smartCardLoginId.clear();
-        Frame::_isLoggedWithSmartCard = false;
-        Frame::_isUserPasswordEmpty = false;
-        Frame::_loggedIn = false;
-        Frame::fgFrame = nullptr;
-        usingKeyboard = false;
-    }
-
     // Queues the bytes of keys for the dialog's loop to read.
     void Type(const std::string& bytes) {
         size_t done = 0;
@@ -77,17 +100,67 @@ class ScriptedScreen : public OffscreenCurses {
             done += static_cast<size_t>(n);
         }
     }
+    // The terminal's far end goes away: descriptor 0 reports hang-up and end of input.
+    void HangUpKeyboard() {
+        close(keys_[1]);
+        keys_[1] = -1;
+    }
+
+    // Runs a D made over `host` on the typed keys, hands it to `check` and returns its result.
+    template <typename D, typename Host>
+    int RunOn(Host& host, const std::string& keys, const std::function<void(D&)>& check = nullptr) {
+        Type(keys);
+        TestRootFrame root;
+        D dialog(&root, host);
+        const int result = dialog.RunModal();
+        if (check) check(dialog);
+        return result;
+    }
 
   private:
     int keys_[2] = {-1, -1};
     int savedStdin_ = -1;
 };
 
-// A parent for dialogs under test: a full-screen frame that never reads keys itself.
-class TestRootFrame : public Frame {
-  public:
-    TestRootFrame() : Frame(nullptr, 0, 0, COLS, LINES, kBlack, kWhite) {}
-    int HandleKey() override { return 0; }
+// PAM for the login dialogs: "ok" logs anyone in, "ops" also with "1234" and "empty" with nothing;
+// "Old-Pass1" is right ("expired"'s right but expired) and "Expired-1" right but expired for anyone;
+// everything else is an invalid login. A password change is taken while `acceptChange` says so.
+struct FakePam {
+    using Call = std::pair<std::string, std::string>;
+    static inline std::vector<Call> authCalls;
+    static inline std::vector<std::string> changes;
+    static inline bool acceptChange = true;
+
+    static int Authenticate(const std::string& user, const std::string& password) {
+        authCalls.emplace_back(user, password);
+        if (password == "Expired-1" || (user == "expired" && password == "Old-Pass1"))
+            return PAM_NEW_AUTHTOK_REQD;
+        if (password == "ok" || password == "Old-Pass1" || (user == "ops" && password == "1234") ||
+            (user == "empty" && password.empty()))
+            return PAM_SUCCESS;
+        return PAM_AUTH_ERR;
+    }
+    static bool Change(const std::string& user, const std::string& oldPassword,
+                       const std::string& newPassword) {
+        changes.push_back(user + ":" + oldPassword + ">" + newPassword);
+        return acceptChange;
+    }
+    static PamOps Ops() { return PamOps{Authenticate, Change}; }
+};
+
+// The login dialogs' screen: the fake PAM, and a host whose store cannot be read, so that a dialog works
+// from PAM alone.
+class LoginDialogs : public ScriptedScreen {
+  protected:
+    void SetUp() override {
+        ScriptedScreen::SetUp();
+        FakePam::authCalls.clear();
+        FakePam::changes.clear();
+        FakePam::acceptChange = true;
+    }
+
+    HostAccess noHost_{std::make_unique<ZenkCtl::HalvorHostFactory>(
+        std::make_shared<ZenkCtl::Store::HostStore>("/nonexistent/kovo/host.json"))};
 };
 
 }  // namespace Kovo::Testing

@@ -1,14 +1,13 @@
 #include "access/SmartCardLogin.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
-#include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "frames/Frame.h"
+#include "../platform/TempDir.h"
+#include "LoginTestScreen.h"
 #include "platform/store/HostStore.h"
 #include "platform/zenkctl/SmartCardInfoImpl.h"
 
@@ -26,29 +25,15 @@ json Card(json userIds) {
 
 class SmartCardTest : public ::testing::Test {
   protected:
-    void SetUp() override {
-        std::string dir = (std::filesystem::temp_directory_path() / "kovo-card-XXXXXX").string();
-        ASSERT_NE(mkdtemp(dir.data()), nullptr);
-        dir_ = dir;
-        store_ = std::make_shared<ZenkCtl::Store::HostStore>(dir_ + "/host.json");
-        cards_ = std::make_unique<ZenkCtl::Hardware::SmartCardInfoImpl>(store_);
-        Reset();
-    }
-    void TearDown() override {
-        Reset();
-        std::filesystem::remove_all(dir_);
-    }
-    static void Reset() {
-        Frame::_loggedIn = false;
-        Frame::_loginName.clear();
-        Frame::_smartCardLoginId.clear();
-        Frame::_isLoggedWithSmartCard = false;
-    }
+    void SetUp() override { Testing::ResetSession(); }
+    void TearDown() override { Testing::ResetSession(); }
     void Slots(json slots) { store_->Replace({{"hardware", {{"smartCards", {{"slots", slots}}}}}}); }
 
-    std::string dir_;
-    std::shared_ptr<ZenkCtl::Store::HostStore> store_;
-    std::unique_ptr<ZenkCtl::Hardware::SmartCardInfoImpl> cards_;
+    TempDir dir_;
+    std::shared_ptr<ZenkCtl::Store::HostStore> store_ =
+        std::make_shared<ZenkCtl::Store::HostStore>(dir_.File("host.json"));
+    std::unique_ptr<ZenkCtl::Hardware::SmartCardInfoImpl> cards_ =
+        std::make_unique<ZenkCtl::Hardware::SmartCardInfoImpl>(store_);
 };
 
 TEST_F(SmartCardTest, FirstNonEmptyIdOfTheFirstCardThatHasOneIsOffered) {
@@ -61,18 +46,15 @@ TEST_F(SmartCardTest, FirstNonEmptyIdOfTheFirstCardThatHasOneIsOffered) {
     EXPECT_FALSE(HasSmartCardForUser(*cards_, "op"));
 }
 
-TEST_F(SmartCardTest, NoCardMeansNoUser) {
+TEST_F(SmartCardTest, NoCardOrAnUnreadableReaderMeansNoUser) {
+    // No store at all: the lookup fails inside the platform and is treated as an empty reader.
+    EXPECT_EQ(FindSmartCardUser(*cards_), "");
+    EXPECT_FALSE(HasSmartCardForUser(*cards_, "root"));
     Slots(json::array({Slot(1, nullptr)}));
     EXPECT_EQ(FindSmartCardUser(*cards_), "");
     EXPECT_FALSE(HasSmartCardForUser(*cards_, ""));
     Slots(json::array());
     EXPECT_EQ(FindSmartCardUser(*cards_), "");
-}
-
-TEST_F(SmartCardTest, UnreadableReadersCountAsNoCard) {
-    // No store at all: the lookup fails inside the platform and is treated as an empty reader.
-    EXPECT_EQ(FindSmartCardUser(*cards_), "");
-    EXPECT_FALSE(HasSmartCardForUser(*cards_, "root"));
 }
 
 TEST_F(SmartCardTest, BeforeLoginTheCardIdIsRememberedAndForgottenWithTheCard) {

@@ -59,19 +59,30 @@ TEST(CommandRunner, EveryProgramRunsAsTheInstalledPlatformSaysAndAsNamedWithoutO
 TEST(CommandRunner, ReturnsTheStatusAndBothStreamsCutToCapacity) {
     const struct {
         const char* script;
-        int capacity;
+        int capacity, timeout;
+        std::string input;
         int status;
-        const char *out, *err;
+        std::string out, err;
     } runs[] = {
-        {"echo hello; echo oops >&2; exit 7", 4096, 7, "hello\n", "oops\n"},
-        {"printf 0123456789", 4, 0, "0123", ""},
-        {"kill -TERM $$", 16, -1, "", ""},  // killed by a signal
+        {"echo hello; echo oops >&2; exit 7", 4096, 0, "", 7, "hello\n", "oops\n"},
+        {"printf 0123456789", 4, 0, "", 0, "0123", ""},
+        {"kill -TERM $$", 16, 0, "", -1, "", ""},  // killed by a signal
+        {"exec sleep 30", 16, 1, "", -1, "", ""},  // killed at the time-out
+        // 1 MB on each stream, far beyond a pipe's capacity, with only a small part kept: no hang.
+        {"head -c 1048576 /dev/zero; head -c 1048576 /dev/zero >&2; exit 3", 100, 60, "", 3,
+         std::string(100, '\0'), std::string(4096, '\0')},
+        {"read line; echo \"got:$line\"", 64, 10, "secret\n", 0, "got:secret\n", ""},
+        // A child that ignores its input does not kill the caller.
+        {"exit 0", 16, 10, std::string(1 << 20, 'x'), 0, "", ""},
     };
     for (const auto& r : runs) {
-        const ShellRun run = Sh(r.script, r.capacity);
-        EXPECT_EQ(run.status, r.status) << r.script;
-        EXPECT_EQ(run.out, r.out) << r.script;
-        EXPECT_EQ(run.err, r.err) << r.script;
+        SCOPED_TRACE(r.script);
+        const auto start = std::chrono::steady_clock::now();
+        const ShellRun run = Sh(r.script, r.capacity, r.timeout, r.input);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+        EXPECT_EQ(run.status, r.status);
+        EXPECT_EQ(run.out, r.out);
+        EXPECT_EQ(run.err, r.err);
     }
     EXPECT_EQ(RunShell("exit 4"), 4);
     const char* argv[] = {"nothing-here", nullptr};
@@ -101,33 +112,6 @@ TEST(CommandRunner, ChildHasOnlyStandardDescriptors) {
     std::string listing(out, static_cast<size_t>(outLen));
     EXPECT_EQ(listing.substr(0, 6), "0\n1\n2\n") << listing;
     EXPECT_LE(listing.size(), 8u) << listing;
-}
-
-TEST(CommandRunner, TimeoutKillsAndReturnsMinusOne) {
-    auto start = std::chrono::steady_clock::now();
-    ShellRun r = Sh("exec sleep 30", 16, 1);
-    EXPECT_EQ(r.status, -1);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
-}
-
-TEST(CommandRunner, ChattyChildDoesNotHang) {
-    // 1 MB on each stream, far beyond a pipe's capacity, with only a small part kept.
-    ShellRun r = Sh("head -c 1048576 /dev/zero; head -c 1048576 /dev/zero >&2; exit 3", 100, 60);
-    EXPECT_EQ(r.status, 3);
-    EXPECT_EQ(r.out.size(), 100u);
-    EXPECT_EQ(r.err.size(), 4096u);
-}
-
-TEST(CommandRunner, InputReachesTheChild) {
-    ShellRun r = Sh("read line; echo \"got:$line\"", 64, 10, "secret\n");
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, "got:secret\n");
-}
-
-TEST(CommandRunner, ChildThatIgnoresInputDoesNotKillTheCaller) {
-    std::string big(1 << 20, 'x');
-    ShellRun r = Sh("exit 0", 16, 10, big);
-    EXPECT_EQ(r.status, 0);
 }
 
 TEST(CommandRunner, ChildGetsDefaultSignalMask) {

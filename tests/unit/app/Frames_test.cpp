@@ -68,61 +68,39 @@ TEST_F(Frames, DialogGrowsItsHeaderToShowTheWholeBody) {
     EXPECT_NE(shown.find("load-balancing."), std::string::npos) << shown;
 }
 
-TEST_F(Frames, ModalDialogGreysTheWholeParentTreeAndRestoresIt) {
+// While a modal dialog runs, the whole parent tree is grey and inactive, the dialog is the foreground
+// frame and the parent's text cursor is hidden; afterwards each is as it was.
+TEST_F(Frames, ModalDialogGreysTheParentTreeTakesTheForegroundAndRestoresBoth) {
     ScreenFrame root;
     Window* pane = root.AddChild(1, 1, 20, 5, kDarkGrey, kWhite);
+    Frame::fgFrame = &root;
+    Window::SetCursor(true);
+    root.MoveCursor(7, 3);
     const attr_t grey = ColorAttr(kBlack, kDarkGrey);
     attr_t rootDuring = 0, paneDuring = 0;
-    bool activeDuring = true;
+    bool activeDuring = true, cursorDuring = true;
+    Frame* foregroundDuring = nullptr;
     ProbeDialog d(&root, 40, 10, 5, [&] {
         rootDuring = AttrAt(root.Handle(), 20, 70);
         paneDuring = AttrAt(pane->Handle(), 2, 2);
         activeDuring = root.IsActive();
+        foregroundDuring = Frame::fgFrame;
+        cursorDuring = Window::_cursor;
     });
     EXPECT_EQ(d.RunModal(), 42);
     EXPECT_FALSE(activeDuring);
     EXPECT_EQ(rootDuring, grey);
     EXPECT_EQ(paneDuring, grey);
+    EXPECT_EQ(foregroundDuring, &d);
+    EXPECT_FALSE(cursorDuring);
     EXPECT_TRUE(root.IsActive());
     EXPECT_EQ(AttrAt(root.Handle(), 20, 70), ColorAttr(kYellow, kWhite));
     EXPECT_EQ(AttrAt(pane->Handle(), 2, 2), ColorAttr(kDarkGrey, kWhite));
-}
-
-TEST_F(Frames, ForegroundFrameFollowsTheModalChain) {
-    ScreenFrame root;
-    Frame::fgFrame = &root;
-    Frame* seen = nullptr;
-    ProbeDialog d(&root, 40, 10, 5, [&] { seen = Frame::fgFrame; });
-    d.RunModal();
-    EXPECT_EQ(seen, &d);
     EXPECT_EQ(Frame::fgFrame, &root);
-}
-
-TEST_F(Frames, ParentCursorIsSavedAndRestored) {
-    ScreenFrame root;
-    Window::SetCursor(true);
-    root.MoveCursor(7, 3);
-    bool cursorDuring = true;
-    ProbeDialog d(&root, 40, 10, 5, [&] { cursorDuring = Window::_cursor; });
-    d.RunModal();
-    EXPECT_FALSE(cursorDuring);
     EXPECT_TRUE(Window::_cursor);
     EXPECT_EQ(Window::_xCursor, 7);
     EXPECT_EQ(Window::_yCursor, 3);
     Window::SetCursor(false);
-}
-
-TEST_F(Frames, BlackAndWhiteUsesStandoutForDarkBackgrounds) {
-    bwColor = true;
-    EXPECT_EQ(ColorAttr(kBlack, kWhite), A_STANDOUT);
-    EXPECT_EQ(ColorAttr(kDarkGrey, kWhite), A_STANDOUT);
-    EXPECT_EQ(ColorAttr(kYellow, kBlack), A_NORMAL);
-    EXPECT_EQ(ColorAttr(kLightGrey, kWhite), A_NORMAL);
-
-    ScreenFrame root;
-    ProbeDialog d(&root, 40, 10, 5, nullptr);
-    EXPECT_EQ(AttrAt(d.Header()->Handle(), 1, 1) & A_STANDOUT, A_STANDOUT);
-    EXPECT_EQ(AttrAt(d.Body()->Handle(), 1, 1) & A_STANDOUT, 0u);
 }
 
 TEST_F(Frames, DestroyingAWindowDestroysItsChildren) {
@@ -142,9 +120,9 @@ class TestMenu : public RootWindow {
     using RootWindow::List;
 };
 
-// Without colours the selection is only standout: greying the menu under a dialog and bringing it back
-// must leave the selected line marked and the rest plain.
-TEST_F(Frames, BlackAndWhiteMenuKeepsItsSelectionThroughADialog) {
+// Without colours dark backgrounds are standout, and the selection is only standout: greying the menu
+// under a dialog and bringing it back must leave the selected line marked and the rest plain.
+TEST_F(Frames, BlackAndWhiteUsesStandoutForDarkBackgroundsAndTheMenuSelection) {
     bwColor = true;
     TestMenu menu;
     LabelItem first("first", true), second("second", true);
@@ -159,6 +137,15 @@ TEST_F(Frames, BlackAndWhiteMenuKeepsItsSelectionThroughADialog) {
     EXPECT_EQ(AttrAt(screen, 4, 20) & A_STANDOUT, A_STANDOUT) << "the whole line, not just its text";
     EXPECT_EQ(AttrAt(screen, 5, 3) & A_STANDOUT, 0u);
     EXPECT_EQ(AttrAt(screen, 10, 1) & A_STANDOUT, 0u) << "the pane itself";
+    EXPECT_EQ(ColorAttr(kBlack, kWhite), A_STANDOUT);
+    EXPECT_EQ(ColorAttr(kDarkGrey, kWhite), A_STANDOUT);
+    EXPECT_EQ(ColorAttr(kYellow, kBlack), A_NORMAL);
+    EXPECT_EQ(ColorAttr(kLightGrey, kWhite), A_NORMAL);
+
+    ScreenFrame root;
+    ProbeDialog d(&root, 40, 10, 5, nullptr);
+    EXPECT_EQ(AttrAt(d.Header()->Handle(), 1, 1) & A_STANDOUT, A_STANDOUT);
+    EXPECT_EQ(AttrAt(d.Body()->Handle(), 1, 1) & A_STANDOUT, 0u);
 }
 
 // Each field class takes exactly its characters; every dialog's fields are of one of these classes.

@@ -10,41 +10,27 @@
 #include <utmp.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "../platform/TempDir.h"
+#include "platform/hostctl/WholeFile.h"
 
 namespace Kovo {
 namespace {
 
-class TerminalDecision : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        for (const char* name : {"TERM", "TERMINFO", "SSH_CLIENT"}) {
-            const char* v = getenv(name);
-            saved_.emplace_back(name, v ? std::optional<std::string>(v) : std::nullopt);
-            unsetenv(name);
-        }
-    }
-    void TearDown() override {
-        for (auto& [name, value] : saved_) {
-            if (value)
-                setenv(name.c_str(), value->c_str(), 1);
-            else
-                unsetenv(name.c_str());
-        }
-    }
-    static std::string Env(const char* name) {
-        const char* v = getenv(name);
-        return v ? v : "<unset>";
-    }
-    std::vector<std::pair<std::string, std::optional<std::string>>> saved_;
-};
-
-TEST_F(TerminalDecision, TermAndKeyboardFollowTheConsoleAndTheConnection) {
+TEST(TerminalDecision, TermAndKeyboardFollowTheConsoleAndTheConnection) {
+    const auto set = [](const char* name, const char* value) {
+        value ? setenv(name, value, 1) : unsetenv(name);
+    };
+    // The test's own values, put back at the end.
+    std::vector<std::pair<const char*, std::optional<std::string>>> saved;
+    for (const char* name : {"TERM", "TERMINFO", "SSH_CLIENT"})
+        saved.emplace_back(name, getenv(name) ? std::optional<std::string>(getenv(name)) : std::nullopt);
     const struct {
         const char *term, *terminfo, *ssh;
         bool linuxConsole, keyboard;
@@ -59,17 +45,14 @@ TEST_F(TerminalDecision, TermAndKeyboardFollowTheConsoleAndTheConnection) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.term ? c.term : "<unset>") + (c.ssh ? " over ssh" : ""));
-        for (const auto& [name, value] :
-             {std::pair{"TERM", c.term}, std::pair{"TERMINFO", c.terminfo}, std::pair{"SSH_CLIENT", c.ssh}}) {
-            if (value)
-                setenv(name, value, 1);
-            else
-                unsetenv(name);
-        }
+        set("TERM", c.term);
+        set("TERMINFO", c.terminfo);
+        set("SSH_CLIENT", c.ssh);
         EXPECT_EQ(DecideTerminal(c.linuxConsole), c.keyboard);
-        EXPECT_EQ(Env("TERM"), c.termAfter);
-        EXPECT_EQ(Env("TERMINFO"), c.terminfoAfter);
+        EXPECT_STREQ(getenv("TERM"), c.termAfter);
+        EXPECT_STREQ(getenv("TERMINFO"), c.terminfoAfter);
     }
+    for (const auto& [name, value] : saved) set(name, value ? value->c_str() : nullptr);
 }
 
 TEST(VtArgument, AcceptsOneToSixtyThree) {
@@ -78,27 +61,17 @@ TEST(VtArgument, AcceptsOneToSixtyThree) {
     for (const auto& [text, vt] : cases) EXPECT_EQ(ParseVtArgument(text), vt) << text;
 }
 
-class PidFile : public ::testing::Test {
-  protected:
-    std::filesystem::path path_ =
-        std::filesystem::temp_directory_path() / ("kovo-pid-test-" + std::to_string(getpid()));
-    void TearDown() override { std::filesystem::remove(path_); }
-    void Write(const std::string& text) { std::ofstream(path_) << text; }
-    std::string Read() {
-        std::ifstream in(path_);
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    }
-};
-
-TEST_F(PidFile, DeadZeroNegativeOrGarbageIsOverwritten) {
+TEST(PidFile, DeadZeroNegativeOrGarbageIsOverwritten) {
+    TempDir dir;
+    const std::string path = dir.File("kovo.pid");
     pid_t child = fork();
     if (child == 0) _exit(0);
     waitpid(child, nullptr, 0);
     for (std::string stale : {std::to_string(child), std::string("0"), std::string("-5"),
                               std::string("bogus"), std::string("99999999999")}) {
-        Write(stale);
-        GuardPidFile(path_.c_str());
-        EXPECT_EQ(Read(), std::to_string(getpid())) << "after " << stale;
+        std::ofstream(path) << stale;
+        GuardPidFile(path.c_str());
+        EXPECT_EQ(HostCtl::ReadWholeFile(path), std::to_string(getpid())) << "after " << stale;
     }
 }
 

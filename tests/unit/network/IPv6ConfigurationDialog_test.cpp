@@ -44,12 +44,6 @@ IpConfig Host(bool routerAdvertised, bool dhcp) {
     return config;
 }
 
-std::string Times(int n, const std::string& key) {
-    std::string keys;
-    for (int i = 0; i < n; ++i) keys += key;
-    return keys;
-}
-
 // From the static choice: each field in turn gets its text, an empty one is cleared.
 std::string Typed(std::initializer_list<std::string> fields) {
     std::string keys;
@@ -101,10 +95,10 @@ TEST_F(Ipv6Dialog, DynamicChoicesSetTheirFlagsWhateverTheFieldsHold) {
         const IpConfig host = Host(c.routerAdvertised, c.dhcp);
         const int opened = c.routerAdvertised ? D::kDynamic : D::kDhcpv6;
         // Mark static, put garbage in the fields and clear the gateway, then go back up and choose.
-        auto d =
-            Run<D>(Times(D::kStatic - opened, Keys::kDown) + " " + Typed({"zz::", "fe80::1/64", "", ""}) +
-                       Times(4 + D::kStatic - c.chosen, Keys::kUp) + " \n",
-                   true, host, gateway_);
+        auto d = Run<D>(Keys::Times(D::kStatic - opened, Keys::kDown) + " " +
+                            Typed({"zz::", "fe80::1/64", "", ""}) +
+                            Keys::Times(4 + D::kStatic - c.chosen, Keys::kUp) + " \n",
+                        true, host, gateway_);
         EXPECT_EQ(d.result, 1);
         EXPECT_EQ(d->Enabled(), c.enabled) << c.chosen;
         IpConfig expected = host;
@@ -150,8 +144,9 @@ TEST_F(Ipv6Dialog, StaticRefusalsComeInOrderWithTheFieldFocusedAndNothingStored)
 TEST_F(Ipv6Dialog, StaticFieldsReplaceTheNetworksTheyShowedAndSetTheGateway) {
     // #1 replaces its network in place, cleared #2 drops one, #3 replaces the site one; the kernel's
     // address and the static one without a field stay; the gateway is cleared.
-    auto d = Run<D>(Times(2, Keys::kDown) + " " + Typed({"fec0::1/64", "", "2001:db8:4::9/56", ""}) + "\n",
-                    true, Host(true, false), gateway_);
+    auto d =
+        Run<D>(Keys::Times(2, Keys::kDown) + " " + Typed({"fec0::1/64", "", "2001:db8:4::9/56", ""}) + "\n",
+               true, Host(true, false), gateway_);
     EXPECT_EQ(d.result, 1);
     IpConfig expected;
     for (const Ipv6Network& network :
@@ -164,8 +159,9 @@ TEST_F(Ipv6Dialog, StaticFieldsReplaceTheNetworksTheyShowedAndSetTheGateway) {
     // With no static network to replace, a field's is added; a typed gateway keeps its zone.
     IpConfig bare;
     bare.AddIpv6Network(Network("fe80::2/64", IPV6_ADDRESS_OTHER, IPV6_SCOPE_LINK));
-    auto added = Run<D>(Times(3, Keys::kDown) + " " + Typed({"", "2001:DB8::5/64", "", "fe80::9%zk1"}) + "\n",
-                        false, bare, gateway_);
+    auto added =
+        Run<D>(Keys::Times(3, Keys::kDown) + " " + Typed({"", "2001:DB8::5/64", "", "fe80::9%zk1"}) + "\n",
+               false, bare, gateway_);
     EXPECT_TRUE(added->Enabled());
     expected = bare;
     expected.AddIpv6Network(Network("2001:db8::5/64"));

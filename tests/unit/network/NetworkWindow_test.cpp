@@ -1,15 +1,18 @@
 #include "network/NetworkWindow.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "../support/Recording.h"
 #include "WatchedDialog.h"
+#include "network/ApplyChangesDialog.h"
 #include "text/TextArea.h"
 
 namespace Kovo {
 namespace {
 
 using namespace Testing;
+using ::testing::HasSubstr;
 
 // The pane a Down reaches: the window rebuilds it for the selected entry.
 class ObservedWindow : public NetworkWindow {
@@ -43,27 +46,25 @@ class NetworkWindowTest : public ScriptedScreen {
     TestRootFrame root_;
 };
 
-const std::string kLeave = Keys::kEsc;
+const std::string kLeave = Keys::kEsc, kDown = Keys::kDown, kUp = Keys::kUp;
+using Keys::Times;
 const std::string kDrop = "\tn";  // a key nothing takes first: a dialog coming to the front flushes
 
 TEST_F(NetworkWindowTest, EachEntryShowsItsPendingValues) {
-    auto window =
-        Run(Keys::kDown + Keys::kDown + Keys::kDown + Keys::kDown + Keys::kDown + Keys::kDown + kLeave);
+    auto window = Run(Times(6, kDown) + kLeave);
     const auto& panes = window->panes;
     ASSERT_GE(panes.size(), 7u);
-    EXPECT_NE(panes[0].find("zennic0"), std::string::npos) << panes[0];
-    EXPECT_NE(panes[0].find("(Sample 82599 10 Gigabit Network Connection)"), std::string::npos);
-    EXPECT_NE(panes[1].find("Not set"), std::string::npos) << panes[1];  // VLAN 0
-    EXPECT_NE(panes[2].find("IPv4 Address: {/color}{color:light-grey}10.20.30.41"), std::string::npos)
-        << panes[2];
-    EXPECT_NE(panes[2].find("Default Gateway: {/color}{color:light-grey}10.20.30.1"), std::string::npos);
-    EXPECT_NE(panes[3].find("IPv6 is enabled."), std::string::npos) << panes[3];
-    EXPECT_NE(panes[3].find("2001:db8:20:30:21b:21ff:fe4a:1000"), std::string::npos) << panes[3];
-    EXPECT_NE(panes[4].find("Hostname: {/color}{color:light-grey}kovo-host-01.lab.example"),
-              std::string::npos);
-    EXPECT_NE(panes[4].find("Alternate DNS Server: {/color}{color:light-grey}10.20.30.3"), std::string::npos);
+    EXPECT_THAT(panes[0], HasSubstr("zennic0"));
+    EXPECT_THAT(panes[0], HasSubstr("(Sample 82599 10 Gigabit Network Connection)"));
+    EXPECT_THAT(panes[1], HasSubstr("Not set"));  // VLAN 0
+    EXPECT_THAT(panes[2], HasSubstr("IPv4 Address: {/color}{color:light-grey}10.20.30.41"));
+    EXPECT_THAT(panes[2], HasSubstr("Default Gateway: {/color}{color:light-grey}10.20.30.1"));
+    EXPECT_THAT(panes[3], HasSubstr("IPv6 is enabled."));
+    EXPECT_THAT(panes[3], HasSubstr("2001:db8:20:30:21b:21ff:fe4a:1000"));
+    EXPECT_THAT(panes[4], HasSubstr("Hostname: {/color}{color:light-grey}kovo-host-01.lab.example"));
+    EXPECT_THAT(panes[4], HasSubstr("Alternate DNS Server: {/color}{color:light-grey}10.20.30.3"));
     // The host's own domain always leads the search list; there are no suffixes beyond it.
-    EXPECT_NE(panes[5].find("Not set"), std::string::npos) << panes[5];
+    EXPECT_THAT(panes[5], HasSubstr("Not set"));
     // Down stops at the last entry.
     EXPECT_EQ(panes[6], panes[5]);
     EXPECT_FALSE(Wrote());
@@ -72,11 +73,9 @@ TEST_F(NetworkWindowTest, EachEntryShowsItsPendingValues) {
 TEST_F(NetworkWindowTest, CancelledDialogsKeepThePendingRecordAndNoDropsIt) {
     // A new suffix accepted; then the IPv4 and DNS dialogs edited and cancelled, twice; then leaving:
     // Esc at the question goes back, N drops everything.
-    const std::string down = Keys::kDown;
-    const std::string keys = down + down + down + down + down + "\n" + "x.example\n" + Keys::kUp + Keys::kUp +
-                             Keys::kUp + "\n" + down + "9.9.9.9" + Keys::kEsc + "\n" + Keys::kEsc + down +
-                             down + "\n" + down + "1.1.1.1" + Keys::kEsc + kLeave + "\t" + Keys::kEsc +
-                             kLeave + kDrop;
+    const std::string keys = Times(5, kDown) + "\nx.example\n" + Times(3, kUp) + "\n" + kDown + "9.9.9.9" +
+                             Keys::kEsc + "\n" + Keys::kEsc + Times(2, kDown) + "\n" + kDown + "1.1.1.1" +
+                             Keys::kEsc + kLeave + "\t" + Keys::kEsc + kLeave + kDrop;
     auto window = Run(keys);
     const PendingNetwork& pending = window->Pending();
     EXPECT_EQ(pending.suffixes, "x.example");
@@ -90,9 +89,7 @@ TEST_F(NetworkWindowTest, CancelledDialogsKeepThePendingRecordAndNoDropsIt) {
 
 TEST_F(NetworkWindowTest, AnUnchangedDialogValueIsNoChange) {
     // The suffix dialog accepted as it was, the IPv4 dialog accepted as it was: Esc leaves at once.
-    const std::string down = Keys::kDown;
-    auto window =
-        Run(down + down + down + down + down + "\n\n" + Keys::kUp + Keys::kUp + Keys::kUp + "\n\n" + kLeave);
+    auto window = Run(Times(5, kDown) + "\n\n" + Times(3, kUp) + "\n\n" + kLeave);
     EXPECT_FALSE(window->Pending().changed);
     EXPECT_FALSE(Wrote());
 }
@@ -113,16 +110,12 @@ TEST_F(NetworkWindowTest, ReadsEachNameServerOnceAndTheHostNameFullyQualified) {
 }
 
 TEST_F(NetworkWindowTest, UplinksAndVlanTheHostCannotTellAreUnknownAndLeftAlone) {
-    store_.Get()->Update([](nlohmann::json& d) {
-        d["simulation"]["faults"] = {{"VirtualSwitchInfo.GetTeamingPolicy", "policy unreadable"},
-                                     {"VirtualSwitchInfo.GetPortGroupVlan", "port unreadable"}};
-    });
-    const std::string down = Keys::kDown;
-    auto window = Run(down + down + down + down + down + "\nx.example\n" + Keys::kUp + Keys::kUp + Keys::kUp +
-                      Keys::kUp + Keys::kUp + kLeave + "\ty");
+    store_.Fault("VirtualSwitchInfo.GetTeamingPolicy", "policy unreadable");
+    store_.Fault("VirtualSwitchInfo.GetPortGroupVlan", "port unreadable");
+    auto window = Run(Times(5, kDown) + "\nx.example\n" + Times(5, kUp) + kLeave + "\ty");
     ASSERT_GE(window->panes.size(), 2u);
-    EXPECT_NE(window->panes.at(0).find("Unknown"), std::string::npos) << window->panes.at(0);
-    EXPECT_NE(window->panes.at(1).find("Unknown"), std::string::npos) << window->panes.at(1);
+    EXPECT_THAT(window->panes.at(0), HasSubstr("Unknown"));
+    EXPECT_THAT(window->panes.at(1), HasSubstr("Unknown"));
     EXPECT_TRUE(host_.Made("error: Getting uplinks failed: policy unreadable"));
     EXPECT_TRUE(host_.Made("DnsConfig.AddSearchDomain"));
     EXPECT_TRUE(host_.From("log: Setting adapters").empty());
@@ -140,9 +133,7 @@ TEST_F(NetworkWindowTest, TheAdapterListIsReplacedOnlyWhenItsOrderOrNamesDiffer)
 }
 
 TEST_F(NetworkWindowTest, AdaptersOpenOnlyWhenTheManagementSwitchIsKnown) {
-    store_.Get()->Update([](nlohmann::json& d) {
-        d["simulation"]["faults"]["VirtualSwitchInfo.GetPortGroupSwitch"] = "port group lost";
-    });
+    store_.Fault("VirtualSwitchInfo.GetPortGroupSwitch", "port group lost");
     // Enter opens nothing; Space, which the dialog would have taken, reaches the window and is ignored.
     auto window = Run("\n \n" + kLeave);
     EXPECT_TRUE(host_.Made("error: Getting switch name failed: port group lost"));
@@ -150,32 +141,29 @@ TEST_F(NetworkWindowTest, AdaptersOpenOnlyWhenTheManagementSwitchIsKnown) {
 }
 
 TEST_F(NetworkWindowTest, Ipv6EditsArePendingAndShownUntilApplied) {
-    const std::string down = Keys::kDown;
     // Static with one address, the gateway left as it was.
     auto window =
-        Run(down + down + down + "\n" + down + down + " " + down + "2001:db8::9/64\n" + kLeave + kDrop);
+        Run(Times(3, kDown) + "\n" + Times(2, kDown) + " " + kDown + "2001:db8::9/64\n" + kLeave + kDrop);
     const PendingNetwork& pending = window->Pending();
     EXPECT_TRUE(pending.changed);
     EXPECT_FALSE(pending.ipv6GatewayChanged);
     EXPECT_FALSE(pending.modes.GetUseIpv6RouterAdvertised());
     const std::string& pane = window->panes.back();
     // The router's address goes with router advertisement; the link-local address stays.
-    EXPECT_NE(pane.find("2001:db8::9"), std::string::npos) << pane;
+    EXPECT_THAT(pane, HasSubstr("2001:db8::9"));
     EXPECT_EQ(pane.find("2001:db8:20:30:21b:21ff:fe4a:1000"), std::string::npos) << pane;
-    EXPECT_NE(pane.find("fe80::"), std::string::npos) << pane;
-    EXPECT_NE(pane.find("Default Gateway: {/color}{color:light-grey}2001:db8:20:30::1"), std::string::npos);
+    EXPECT_THAT(pane, HasSubstr("fe80::"));
+    EXPECT_THAT(pane, HasSubstr("Default Gateway: {/color}{color:light-grey}2001:db8:20:30::1"));
     EXPECT_FALSE(Wrote());
 
     // Switched off: the pane says what happens at the next boot.
-    auto off = Run(down + down + down + "\n" + Keys::kUp + " \n" + kLeave + kDrop);
+    auto off = Run(Times(3, kDown) + "\n" + kUp + " \n" + kLeave + kDrop);
     EXPECT_TRUE(off->Pending().Ipv6StateChanges());
-    EXPECT_NE(off->panes.back().find("The support for IPv6 will be enabled after the next reboot."),
-              std::string::npos);
+    EXPECT_THAT(off->panes.back(), HasSubstr("The support for IPv6 will be enabled after the next reboot."));
 }
 
 TEST_F(NetworkWindowTest, AHostThatCannotBeReadIsReportedAndTheWindowCloses) {
-    store_.Get()->Update(
-        [](nlohmann::json& d) { d["simulation"]["faults"]["ZenkNic.GetIpConfig"] = "busy"; });
+    store_.Fault("ZenkNic.GetIpConfig", "busy");
     auto window = Run("\t\n");
     EXPECT_TRUE(host_.Made("error: Reading the management network failed: busy"));
     EXPECT_TRUE(window->panes.empty());
@@ -189,6 +177,22 @@ TEST_F(NetworkWindowTest, AHostThatCannotBeReadIsReportedAndTheWindowCloses) {
     EXPECT_TRUE(host_.Made("error: Could not get a suitable management interface"));
     EXPECT_TRUE(window->panes.empty());
     EXPECT_FALSE(Wrote());
+}
+
+// The question on leaving with changes.
+class ApplyChanges : public NetworkDialogs {};
+
+TEST_F(ApplyChanges, OnlyYNAndEscapeAnswer) {
+    // Enter, Space, letters and arrows are no answer; the first Y or N (either case) is.
+    auto yes = Run<ApplyChangesDialog>("\n xq" + Keys::kDown + "y", false);
+    EXPECT_EQ(yes.result, ApplyChangesDialog::kYes);
+    const std::pair<std::string, int> answers[] = {
+        {"\tN", ApplyChangesDialog::kNo},
+        {"\tn", ApplyChangesDialog::kNo},
+        {"\tY", ApplyChangesDialog::kYes},
+        {"\t" + Keys::kEsc, ApplyChangesDialog::kCancel},
+    };
+    for (const auto& [keys, result] : answers) EXPECT_EQ(Run<ApplyChangesDialog>(keys, false).result, result);
 }
 
 }  // namespace

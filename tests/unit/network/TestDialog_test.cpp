@@ -30,7 +30,7 @@ class TestPrefill : public ::testing::Test {
     RecordingHost host_{store_.Get(), true};
 };
 
-TEST_F(TestPrefill, GatewayAndNameServersFillTheFieldsInOrder) {
+TEST_F(TestPrefill, GatewayNameServersAndNameFillTheFieldsInOrder) {
     const TestTargets targets = Prefill();
     EXPECT_EQ(Pings(targets), (std::vector<std::string>{"10.20.30.1", "10.20.30.2", "10.20.30.3"}));
     EXPECT_EQ(targets.name, "kovo-host-01.lab.example");
@@ -54,9 +54,8 @@ TEST_F(TestPrefill, GatewayAndNameServersFillTheFieldsInOrder) {
         d["network"]["ipv6Enabled"] = true;
     });
     EXPECT_EQ(Pings(none), (std::vector<std::string>{"", "", ""}));
-}
 
-TEST_F(TestPrefill, NameIsFullyQualifiedOnlyWithADomain) {
+    // The name is fully qualified only with a domain.
     EXPECT_EQ(Prefill([](json& d) { d["network"]["dns"]["domain"] = ""; }).name, "kovo-host-01");
     EXPECT_EQ(Prefill([](json& d) { d["network"]["dns"]["hostname"] = ""; }).name, "");
 }

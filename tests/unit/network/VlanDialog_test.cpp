@@ -35,41 +35,32 @@ TEST(CheckVlan, ReadsAnyDigitStringAsADecimalId) {
 
 class Vlan : public NetworkDialogs {};
 
-TEST_F(Vlan, EnterTakesTheFieldAndEscKeepsTheGivenId) {
+// After a refusal's report the field is focused anew, so the digits typed then replace the refused value.
+TEST_F(Vlan, EnterTakesTheFieldEscKeepsTheGivenIdAndRefusalsKeepTheDialogOpen) {
+    enum Report { kNone, kWarning, kInvalid };
     struct Case {
         int given;
         std::string keys;
         int result, vlan;
+        Report report;  // shown on the way
     };
     const Case cases[] = {
-        {0, "\n", 1, 0},  // no VLAN shows as an empty field
-        {100, "\n", 1, 100},
-        {100, "12" + Keys::kEsc, 0, 100},
+        {0, "\n", 1, 0, kNone},  // no VLAN shows as an empty field
+        {100, "\n", 1, 100, kNone},
+        {100, "12" + Keys::kEsc, 0, 100, kNone},
+        {12, "4095" + kRefused, 1, 4095, kWarning},  // all VLANs, taken once the warning is acknowledged
+        {12, "0" + kRefused + "4094\n", 1, 4094, kInvalid},
+        {12, "4096" + kRefused + "4094\n", 1, 4094, kInvalid},
     };
     for (const Case& c : cases) {
+        SCOPED_TRACE(c.keys);
         auto d = Run<VlanDialog>(c.keys, c.given);
-        EXPECT_EQ(d.result, c.result) << c.keys;
-        EXPECT_EQ(d->Vlan(), c.vlan) << c.keys;
-    }
-}
-
-TEST_F(Vlan, AllVlansAreTakenOnceTheWarningIsAcknowledged) {
-    auto d = Run<VlanDialog>("4095" + kRefused, 12);
-    EXPECT_EQ(d.result, 1);
-    EXPECT_EQ(d->Vlan(), 4095);
-    // The whole warning, its closing advice too.
-    EXPECT_TRUE(d->Showed("You entered a VLAN ID of 4095."));
-    EXPECT_TRUE(d->Showed("configure a VLAN ID of 4095."));
-    EXPECT_FALSE(d->Showed("Invalid VLAN ID"));
-}
-
-TEST_F(Vlan, ZeroAndIdsAboveAllVlansAreRefusedAndTheDialogStaysOpen) {
-    for (const std::string refused : {"0", "4096"}) {
-        // After the report the field is focused anew, so the digits replace the refused value.
-        auto d = Run<VlanDialog>(refused + kRefused + "4094\n", 12);
-        EXPECT_EQ(d.result, 1) << refused;
-        EXPECT_EQ(d->Vlan(), 4094) << refused;
-        EXPECT_TRUE(d->Showed("Invalid VLAN ID")) << refused;
+        EXPECT_EQ(d.result, c.result);
+        EXPECT_EQ(d->Vlan(), c.vlan);
+        // The whole warning, its closing advice too.
+        EXPECT_EQ(d->Showed("You entered a VLAN ID of 4095."), c.report == kWarning);
+        EXPECT_EQ(d->Showed("configure a VLAN ID of 4095."), c.report == kWarning);
+        EXPECT_EQ(d->Showed("Invalid VLAN ID"), c.report == kInvalid);
     }
 }
 

@@ -56,7 +56,7 @@ class Listener {
 }  // namespace
 
 // Range, write-through and an unknown option are the platform contract's; here is how paths are found.
-TEST(AdvancedOptionTest, OptionsAreFoundByPathFromTheRootAndOnlyLeavesAreOptions) {
+TEST(AdvancedOptionTest, OptionsAreFoundByPathFromTheRootOnlyLeavesAreOptionsAndAStoreMustBeRead) {
     TempDir dir;
     ZenkCtl::Adv::AdvancedOptionImpl options(OptionStore(dir));
     auto timeout = options.FindOption("/UserVars/KovoTimeOut");
@@ -66,6 +66,9 @@ TEST(AdvancedOptionTest, OptionsAreFoundByPathFromTheRootAndOnlyLeavesAreOptions
     EXPECT_NE(options.FindOption("Net/TcpipHeapMax"), nullptr);  // relative to the root
     EXPECT_EQ(options.FindOption("/UserVars"), nullptr);         // a folder is not an option
     EXPECT_EQ(options.FindOption(""), nullptr);
+    // A store that cannot be read is an exception, not an option missing.
+    ZenkCtl::Adv::AdvancedOptionImpl unreadable(std::make_shared<HostStore>(dir.File("absent.json")));
+    EXPECT_THROW(unreadable.FindOption("/UserVars/KovoTimeOut"), HostCtlException);
 }
 
 TEST(AdvancedOptionTest, NonIntegerOptionsAndUserOptions) {
@@ -87,12 +90,6 @@ TEST(AdvancedOptionTest, NonIntegerOptionsAndUserOptions) {
     store->Update([](json& d) { d["advancedOptions"]["UserVars"].erase("KovoTimeOut"); });
     EXPECT_THROW(timeout->GetIntValue(), HostCtlException);
     EXPECT_THROW(timeout->SetIntValue(5), HostCtlException);
-}
-
-TEST(AdvancedOptionTest, UnreadableStoreIsAnException) {
-    TempDir dir;
-    ZenkCtl::Adv::AdvancedOptionImpl options(std::make_shared<HostStore>(dir.File("absent.json")));
-    EXPECT_THROW(options.FindOption("/UserVars/KovoTimeOut"), HostCtlException);
 }
 
 TEST(HostEventsTest, InitFailsWithoutDaemonAndDeliversEventsIntactWithOne) {

@@ -38,39 +38,34 @@ std::string Line(const std::string& address) {
     return "   IP address is  " + address + "\n";
 }
 
-TEST(RestartAddressLines, Ipv4ShowsOnlyWithoutDhcpAndDhcpBreaksTheLineBeforeIpv6) {
-    EXPECT_EQ(Kovo::DoRestartNetworkDialog::AddressLines(Config(false, ""), false), "\n" + Line("10.0.0.41"));
-    EXPECT_EQ(Kovo::DoRestartNetworkDialog::AddressLines(Config(true, ""), true), "");
-    EXPECT_EQ(Kovo::DoRestartNetworkDialog::AddressLines(Config(true, "L"), true), "\n");
-    EXPECT_EQ(Kovo::DoRestartNetworkDialog::AddressLines(Config(true, "LG"), true),
-              "\n" + Line("2001:db8::2"));
-    EXPECT_EQ(Kovo::DoRestartNetworkDialog::AddressLines(Config(false, "LG"), false),
-              "\n" + Line("10.0.0.41") + Line("2001:db8::2"));
-}
-
-TEST(RestartAddressLines, TwoAddressesAtMostExceptForAListOfExactlyThree) {
+// IPv4 shows only without DHCP, and DHCP breaks the line before IPv6. Two IPv6 addresses at most, except
+// for a list of exactly three.
+TEST(RestartAddressLines, Ipv4WithoutDhcpAndTwoIpv6AddressesAtMostExceptForAListOfExactlyThree) {
     const struct {
+        bool dhcp;
         const char* entries;
         std::string shown;
     } cases[] = {
-        {"L", ""},
-        {"LK", ""},
-        {"A", ""},
-        {"GG", Line("2001:db8::1") + Line("2001:db8::2")},
-        {"GGG", Line("2001:db8::1") + Line("2001:db8::2") + Line("2001:db8::3")},
-        {"LGG", Line("2001:db8::2") + Line("2001:db8::3")},
-        {"GGA", Line("2001:db8::1") + Line("2001:db8::2")},
+        {false, "", "\n" + Line("10.0.0.41")},
+        {true, "", ""},
+        {true, "L", "\n"},
+        {true, "LG", "\n" + Line("2001:db8::2")},
+        {false, "LG", "\n" + Line("10.0.0.41") + Line("2001:db8::2")},
+        {true, "LK", "\n"},
+        {true, "A", "\n"},
+        {true, "GG", "\n" + Line("2001:db8::1") + Line("2001:db8::2")},
+        {true, "GGG", "\n" + Line("2001:db8::1") + Line("2001:db8::2") + Line("2001:db8::3")},
+        {true, "LGG", "\n" + Line("2001:db8::2") + Line("2001:db8::3")},
+        {true, "GGA", "\n" + Line("2001:db8::1") + Line("2001:db8::2")},
         // Cut at the second address shown, "..." even when what follows would not have shown.
-        {"GGA"
-         "A",
-         Line("2001:db8::1") + Line("2001:db8::2") + "   ...\n"},
-        {"LGGGGG", Line("2001:db8::2") + Line("2001:db8::3") + "   ...\n"},
-        {"AGLG", Line("2001:db8::2") + Line("2001:db8::4")},
-        {"GKGG", Line("2001:db8::1") + Line("2001:db8::3") + "   ...\n"},
+        {true, "GGAA", "\n" + Line("2001:db8::1") + Line("2001:db8::2") + "   ...\n"},
+        {true, "LGGGGG", "\n" + Line("2001:db8::2") + Line("2001:db8::3") + "   ...\n"},
+        {true, "AGLG", "\n" + Line("2001:db8::2") + Line("2001:db8::4")},
+        {true, "GKGG", "\n" + Line("2001:db8::1") + Line("2001:db8::3") + "   ...\n"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.entries);
-        EXPECT_EQ(Kovo::DoRestartNetworkDialog::AddressLines(Config(true, c.entries), true), "\n" + c.shown);
+        SCOPED_TRACE(testing::Message() << c.entries << (c.dhcp ? " with DHCP" : ""));
+        EXPECT_EQ(Kovo::DoRestartNetworkDialog::AddressLines(Config(c.dhcp, c.entries), c.dhcp), c.shown);
     }
 }
 

@@ -35,12 +35,6 @@ class NetworkRestore : public NetworkDialogs {
         return ids;
     }
 
-    // What the dialog shows when its loop ends.
-    template <typename D>
-    static std::string Shown(const Ran<D>& ran) {
-        return ScreenText(ran.dialog->Handle());
-    }
-
     std::unique_ptr<ScratchStore> scratch_;
     std::unique_ptr<RecordingHost> host_;
 };
@@ -76,9 +70,10 @@ TEST_F(NetworkRestore, FailedAutoConfigurationIsShownAndTheRestoreStillEnds) {
     Use("default");
     Fault("NetworkInfo.AutoConfigNetwork", "no uplink");
     auto ran = Run<DoRestoreNetworkDialog>("\n\n", *host_);
+    const std::string shown = ScreenText(ran->Handle());  // when the loop ended
     EXPECT_EQ(ran.result, 1);
-    EXPECT_NE(Shown(ran).find("Powering Off VMs. Done."), std::string::npos) << Shown(ran);
-    EXPECT_NE(Shown(ran).find("Auto-configuring network. Failed."), std::string::npos) << Shown(ran);
+    EXPECT_NE(shown.find("Powering Off VMs. Done."), std::string::npos) << shown;
+    EXPECT_NE(shown.find("Auto-configuring network. Failed."), std::string::npos) << shown;
     EXPECT_EQ(host_->From(kPowerOff),
               (Calls{kPowerOff, "NetworkInfo.DisableNetDumper", "log: Clearing Network Config",
                      "NetworkInfo.ClearNetworkConfig", "log: Auto-Configuring Network",
@@ -96,9 +91,10 @@ TEST_F(NetworkRestore, DumpCollectorThatStaysOnDoesNotStopTheRestore) {
     });
     Fault("NetworkInfo.DisableNetDumper", "collector busy");
     auto ran = Run<DoRestoreNetworkDialog>("\n", *host_);
+    const std::string shown = ScreenText(ran->Handle());
     EXPECT_EQ(ran.result, 1);
     EXPECT_TRUE(host_->Made("error: Disabling the network dump collector failed: collector busy"));
-    EXPECT_NE(Shown(ran).find("Auto-configuring network. Done."), std::string::npos) << Shown(ran);
+    EXPECT_NE(shown.find("Auto-configuring network. Done."), std::string::npos) << shown;
     EXPECT_FALSE(host_->Made(kPowerOff));
     EXPECT_EQ(scratch_->At("/network/zenkNics/0/name"), "zk0");
     EXPECT_EQ(scratch_->At("/network/zenkNics/0/ipConfig/ipv4/mode"), "dhcp");

@@ -47,10 +47,6 @@ struct Move {
     json before;
 };
 
-json Crowded() {
-    return Scenario("crowded-switches");
-}
-
 json PortGroupOn(const std::string& portGroup) {
     return {{"type", "portGroup"}, {"portGroup", portGroup}};
 }
@@ -71,7 +67,7 @@ json NewSwitch(const std::string& name, const std::string& portGroup,
 }
 
 TEST(SafeModeNetworkTest, NamesAreTheFirstFreeOnesCountingFromZeroAndOne) {
-    json gaps = Crowded();
+    json gaps = Scenario("crowded-switches");
     // "xSwitch0" free again, and the plain "Management Network" and a later number taken.
     gaps["network"]["switches"][0]["name"] = "xSwitch7";
     gaps["network"]["switches"][1]["portGroups"] = {{{"name", "Management Network"}, {"vlanId", 0}},
@@ -83,7 +79,7 @@ TEST(SafeModeNetworkTest, NamesAreTheFirstFreeOnesCountingFromZeroAndOne) {
         const char* switchName;
         const char* portGroup;
     } cases[] = {
-        {"crowded", Crowded(), "xSwitch2", "Management Network2"},
+        {"crowded", Scenario("crowded-switches"), "xSwitch2", "Management Network2"},
         {"dvs", Scenario("dvs"), "xSwitch1", "Management Network1"},
         {"gaps", gaps, "xSwitch0", "Management Network1"},
     };
@@ -100,7 +96,8 @@ TEST(SafeModeNetworkTest, NamesAreTheFirstFreeOnesCountingFromZeroAndOne) {
     }
 }
 
-TEST(SafeModeNetworkTest, UplinksOfAStandardSwitchLeaveItAndItsTeamingButItKeepsItsPortGroups) {
+TEST(SafeModeNetworkTest,
+     UplinksOfAStandardSwitchLeaveItAndItsTeamingButItKeepsItsPortGroupsAndNoneAreNeeded) {
     Move move(Scenario("default"));
     EXPECT_TRUE(move.Run());
     EXPECT_EQ(move.Switch("xSwitch1"), NewSwitch("xSwitch1", "Management Network1", {"zennic0", "zennic1"}));
@@ -111,26 +108,25 @@ TEST(SafeModeNetworkTest, UplinksOfAStandardSwitchLeaveItAndItsTeamingButItKeeps
     EXPECT_EQ(move.Nic("zk0")["connection"], PortGroupOn("Management Network1"));
     EXPECT_EQ(move.Nic("zk0")["enabled"], true);
     EXPECT_EQ(move.Logged(), Calls{});
-}
 
-TEST(SafeModeNetworkTest, ASwitchWithoutUplinksStillGetsTheManagementInterfaceMoved) {
+    // A switch without uplinks still gets the management interface moved.
     json document = Scenario("dvs");
     document["network"]["dvs"][0]["uplinks"] = json::array();
-    Move move(document);
-    EXPECT_TRUE(move.Run());
-    EXPECT_EQ(move.Switch("xSwitch1"), NewSwitch("xSwitch1", "Management Network1", {}));
-    EXPECT_EQ(move.host.From("ZenkNic.ConnectToPortGroup"),
+    Move bare(document);
+    EXPECT_TRUE(bare.Run());
+    EXPECT_EQ(bare.Switch("xSwitch1"), NewSwitch("xSwitch1", "Management Network1", {}));
+    EXPECT_EQ(bare.host.From("ZenkNic.ConnectToPortGroup"),
               (Calls{"ZenkNic.ConnectToPortGroup", "ZenkNic.Enable"}));
-    EXPECT_EQ(move.Nic("zk0")["enabled"], true);
-    EXPECT_EQ(move.Logged(), Calls{});
+    EXPECT_EQ(bare.Nic("zk0")["enabled"], true);
+    EXPECT_EQ(bare.Logged(), Calls{});
 }
 
 TEST(SafeModeNetworkTest, AFailedUplinkIsLoggedAndTheNextOneStillMoves) {
-    json unknownNic = Crowded();
+    json unknownNic = Scenario("crowded-switches");
     unknownNic["network"]["dvs"][0]["uplinks"] = {"zennic0", "zennic9", "zennic1"};
-    json attachRefused = Crowded();
+    json attachRefused = Scenario("crowded-switches");
     attachRefused["simulation"]["faults"]["VirtualSwitchInfo.AddUplink"] = "no free port";
-    json teamingRefused = Crowded();
+    json teamingRefused = Scenario("crowded-switches");
     teamingRefused["simulation"]["faults"]["VirtualSwitchInfo.SetTeamingPolicy"] = "policy locked";
     const struct {
         const char* what;
@@ -190,7 +186,7 @@ TEST(SafeModeNetworkTest, AnyOtherFailureEndsTheRunAndLeavesWhatWasDone) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.fault);
-        json document = Crowded();
+        json document = Scenario("crowded-switches");
         document["simulation"]["faults"][c.fault] = "host busy";
         Move move(document);
         EXPECT_FALSE(move.Run());

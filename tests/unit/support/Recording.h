@@ -249,17 +249,6 @@ class ScratchStore {
     Store _store;
 };
 
-// A window's text (by default the whole composed screen), one line per row.
-inline std::string ScreenText(WINDOW* win = nullptr) {
-    if (!win) win = curscr;
-    std::string text;
-    for (int y = 0; y < getmaxy(win); ++y) {
-        for (int x = 0; x < getmaxx(win); ++x) text += static_cast<char>(mvwinch(win, y, x) & A_CHARTEXT);
-        text += "\n";
-    }
-    return text;
-}
-
 // A host's document after its boot: every kernel interface runs its configuration.
 inline nlohmann::json Booted(nlohmann::json document) {
     std::vector<std::string> names;

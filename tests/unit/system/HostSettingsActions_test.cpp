@@ -33,15 +33,6 @@ class HostSettingsActions : public ScriptedScreen {
         // The operator is not who the lockdown commands run as.
         Frame::_loginName = "root";
     }
-    template <typename D>
-    int Run(const std::string& keys, const std::function<void(D&)>& check = nullptr) {
-        Type(keys);
-        TestRootFrame root;
-        D dialog(&root, host_);
-        const int result = dialog.RunModal();
-        if (check) check(dialog);
-        return result;
-    }
     // The progress area as it looked when a call was made.
     void ScreenAt(const std::string& call, std::string& screen) {
         host_.onCall = [call, &screen](const std::string& made) {
@@ -59,7 +50,7 @@ TEST_F(HostSettingsActions, AgentsStepShowsWhatTheHostSaysWentWrong) {
     std::string end;
     ScreenAt(kStart, end);
     // Esc at the end is no answer: only Enter closes.
-    EXPECT_EQ(Run<RestartAgentsDialog>(kF11 + Keys::kEsc + "\n"), 1);
+    EXPECT_EQ(RunOn<RestartAgentsDialog>(host_, kF11 + Keys::kEsc + "\n"), 1);
     EXPECT_EQ(host_.calls, (Calls{kAgentsEvent, kStop, kStart}));
     EXPECT_NE(end.find("Stopping management agents. No agent (color:red)here"), std::string::npos) << end;
     EXPECT_EQ(end.find("Stopping management agents. Done."), std::string::npos) << end;
@@ -68,45 +59,45 @@ TEST_F(HostSettingsActions, AgentsStepShowsWhatTheHostSaysWentWrong) {
 TEST_F(HostSettingsActions, AgentsCaptureStartsFirstAndItsFailureOnlySkipsItsLine) {
     std::string duringStop;
     ScreenAt(kStop, duringStop);
-    EXPECT_EQ(Run<RestartAgentsDialog>(" " + kF11 + "\n"), 1);
+    EXPECT_EQ(RunOn<RestartAgentsDialog>(host_, " " + kF11 + "\n"), 1);
     EXPECT_EQ(host_.calls, (Calls{kAgentsEvent, "thread", kStop, kStart}));
     EXPECT_NE(duringStop.find("Collecting host agent live core information. Done."), std::string::npos)
         << duringStop;
 
     host_.calls.clear();
     host_.threadError = EAGAIN;
-    EXPECT_EQ(Run<RestartAgentsDialog>(" " + kF11 + "\n"), 1);
+    EXPECT_EQ(RunOn<RestartAgentsDialog>(host_, " " + kF11 + "\n"), 1);
     EXPECT_EQ(host_.calls, (Calls{kAgentsEvent, "thread", kStop, kStart}));
     EXPECT_EQ(duringStop.find("Collecting host agent"), std::string::npos) << duringStop;
 }
 
 TEST_F(HostSettingsActions, LockdownExitRunsAsTheConsoleUser) {
     host_.answers["hclsvc/auth/lockdown_is_enabled"] = true;
-    EXPECT_EQ(Run<LockdownDialog>(" \n", [](LockdownDialog& d) { EXPECT_FALSE(d.LockdownEnabled()); }), 1);
+    EXPECT_EQ(
+        RunOn<LockdownDialog>(host_, " \n", [](LockdownDialog& d) { EXPECT_FALSE(d.LockdownEnabled()); }), 1);
     EXPECT_EQ(host_.calls, (Calls{kLockdownQuery, kExitLockdown}));
 }
 
-TEST_F(HostSettingsActions, KeyboardSpaceChoosesTheLayoutUnderTheCursor) {
+TEST_F(HostSettingsActions, KeyboardSpaceChoosesTheLayoutUnderTheCursorAndOnlyThen) {
     // Moving alone chooses nothing.
-    EXPECT_EQ(Run<KeyboardDialog>(Keys::kUp + Keys::kUp + "\n"), 1);
+    EXPECT_EQ(RunOn<KeyboardDialog>(host_, Keys::kUp + Keys::kUp + "\n"), 1);
     EXPECT_EQ(store_.At("/system/keyboard/layout"), "Layout 9");
     // The cursor starts on the current layout (scrolled into view); two up and Space chooses 7.
-    EXPECT_EQ(Run<KeyboardDialog>(Keys::kUp + Keys::kUp + " " + Keys::kDown + "\n",
-                                  [](KeyboardDialog& d) { EXPECT_EQ(d.ChosenIndex(), 7); }),
+    EXPECT_EQ(RunOn<KeyboardDialog>(host_, Keys::kUp + Keys::kUp + " " + Keys::kDown + "\n",
+                                    [](KeyboardDialog& d) { EXPECT_EQ(d.ChosenIndex(), 7); }),
               1);
     EXPECT_EQ(store_.At("/system/keyboard/layout"), "Layout 7");
     EXPECT_EQ(store_.At("/system/keyboard/mappingsLoaded"), "Layout 7");
-}
 
-TEST_F(HostSettingsActions, KeyboardWithAnUnknownCurrentLayoutAppliesNothingUntilOneIsChosen) {
+    // With an unknown current layout nothing is applied until one is chosen.
     store_.Get()->Update([](nlohmann::json& d) { d["system"]["keyboard"]["layout"] = "Gone"; });
-    EXPECT_EQ(Run<KeyboardDialog>("\n", [](KeyboardDialog& d) { EXPECT_EQ(d.ChosenIndex(), -1); }), 1);
+    EXPECT_EQ(RunOn<KeyboardDialog>(host_, "\n", [](KeyboardDialog& d) { EXPECT_EQ(d.ChosenIndex(), -1); }),
+              1);
     EXPECT_EQ(store_.At("/system/keyboard/layout"), "Gone");
-    EXPECT_EQ(Run<KeyboardDialog>(Keys::kDown + " \n"), 1);
+    EXPECT_EQ(RunOn<KeyboardDialog>(host_, Keys::kDown + " \n"), 1);
     EXPECT_EQ(store_.At("/system/keyboard/layout"), "Layout 1");
-}
 
-TEST_F(HostSettingsActions, KeyboardStoreFailurePassesToTheCaller) {
+    // A store that cannot be read fails to the caller.
     std::ofstream(store_.Get()->Path()) << "{ not a document";
     TestRootFrame root;
     EXPECT_THROW(KeyboardDialog(&root, host_), HostCtl::Lib::HostCtlException);

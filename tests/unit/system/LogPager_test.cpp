@@ -6,17 +6,15 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <sstream>
 
+#include "../platform/TempDir.h"
 #include "../support/OffscreenCurses.h"
+#include "platform/hostctl/WholeFile.h"
 #include "terminal/Session.h"
 
 namespace Kovo {
 namespace {
-
-namespace fs = std::filesystem;
 
 // A stand-in pager that writes down how it was started: its arguments, LESSSECURE and its blocked
 // signals, then ends with status 3.
@@ -26,11 +24,6 @@ class LogPagerTest : public Testing::OffscreenCurses {
         OffscreenCurses::SetUp();
         // Whatever the terminal of this test run is, the pager hand-over must leave it as it was.
         tcgetattr(STDOUT_FILENO, &orig_termios);
-        std::string dir = (fs::temp_directory_path() / "kovo-pager-XXXXXX").string();
-        ASSERT_NE(mkdtemp(dir.data()), nullptr);
-        _dir = dir;
-        _record = _dir + "/record";
-        _pager = _dir + "/pager";
         std::ofstream(_pager) << "#!/bin/sh\n"
                                  "{ for a in \"$@\"; do echo \"arg:$a\"; done\n"
                                  "  echo \"LESSSECURE=${LESSSECURE-unset}\"\n"
@@ -48,17 +41,12 @@ class LogPagerTest : public Testing::OffscreenCurses {
             setenv("LESSSECURE", _lessSecure.c_str(), 1);
         else
             unsetenv("LESSSECURE");
-        fs::remove_all(_dir);
         OffscreenCurses::TearDown();
     }
-    std::string Record() const {
-        std::ifstream in(_record);
-        std::stringstream all;
-        all << in.rdbuf();
-        return all.str();
-    }
+    std::string Record() const { return HostCtl::ReadWholeFile(_record); }
 
-    std::string _dir, _record, _pager;
+    TempDir _dir;
+    std::string _record = _dir.File("record"), _pager = _dir.File("pager");
     bool _hadLessSecure = false;
     std::string _lessSecure;
 };
@@ -100,7 +88,7 @@ TEST_F(LogPagerTest, PagerDoesNotInheritTheConsolesBlockedSignals) {
 TEST_F(LogPagerTest, MissingPagerFailsCleanlyAndLeavesEverythingAsItWas) {
     unsetenv("LESSSECURE");
     keypad(stdscr, FALSE);
-    EXPECT_EQ(LogPager(_dir + "/no-such-pager").Show("/var/log/syslog.log"), -1);
+    EXPECT_EQ(LogPager(_dir.File("no-such-pager")).Show("/var/log/syslog.log"), -1);
     EXPECT_EQ(getenv("LESSSECURE"), nullptr);
     // The console's keys come back in its own keypad mode whatever the pager did.
     EXPECT_TRUE(is_keypad(stdscr));

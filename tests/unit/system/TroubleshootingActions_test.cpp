@@ -48,15 +48,6 @@ class TroubleshootingActions : public ScriptedScreen {
         EXPECT_EQ(window.RunModal(), 1);
         if (check) check(window);
     }
-    template <typename D>
-    int RunDialog(const std::string& keys, const std::function<void(D&)>& check = nullptr) {
-        Type(keys);
-        TestRootFrame root;
-        D dialog(&root, host_);
-        const int result = dialog.RunModal();
-        if (check) check(dialog);
-        return result;
-    }
 
     ScratchStore store_{HostDocument()};
     RecordingHost host_{store_.Get()};
@@ -110,7 +101,7 @@ TEST_F(TroubleshootingActions, NewAvailabilityFallsBackToTheLocalToolAndRestarts
     host_.status[qorcli] = 1;
     host_.status[kShellStatus] = kNotRunning;
     host_.status[kSshStatus] = 0;
-    EXPECT_EQ(RunDialog<ShellTimeoutDialog>("30\n"), 1);
+    EXPECT_EQ(RunOn<ShellTimeoutDialog>(host_, "30\n"), 1);
     EXPECT_EQ(Calls(host_.calls.begin() + 2, host_.calls.end()),
               (Calls{qorcli, SetOption("qorlocalcli", "/UserVars/QoriShellTimeOut", "1800"), kShellStatus,
                      kSshStatus, "/bin/sh: sh /etc/init.d/SSH restart"}));
@@ -123,7 +114,7 @@ TEST_F(TroubleshootingActions, ConsoleTimeoutRefusalsLeaveTheOptionAlone) {
     for (const std::string& keys :
          std::vector<std::string>{"1441\nx\n", Keys::kBackspace + "\n", "61\nx\n"}) {
         Frame::_idleTimeout = 600;
-        EXPECT_EQ(RunDialog<KovoTimeoutDialog>(keys), 1) << keys;
+        EXPECT_EQ(RunOn<KovoTimeoutDialog>(host_, keys), 1) << keys;
         EXPECT_EQ(store_.At("/advancedOptions/UserVars/KovoTimeOut/value"), 90) << keys;
         EXPECT_EQ(Frame::_idleTimeout, 600u) << keys;
     }
@@ -131,17 +122,16 @@ TEST_F(TroubleshootingActions, ConsoleTimeoutRefusalsLeaveTheOptionAlone) {
 
 TEST_F(TroubleshootingActions, ConsoleTimeoutComparesSecondsSoOnlyTheSameSecondsAreUnchanged) {
     // 90 s shows as 1 minute, and 1 minute is 60 s: a change.
-    EXPECT_EQ(RunDialog<KovoTimeoutDialog>("\n"), 1);
+    EXPECT_EQ(RunOn<KovoTimeoutDialog>(host_, "\n"), 1);
     EXPECT_EQ(store_.At("/advancedOptions/UserVars/KovoTimeOut/value"), 60);
     // 60 s shows as 1 minute again, and now Enter leaves the session's time-out alone.
     Frame::_idleTimeout = 600;
-    EXPECT_EQ(RunDialog<KovoTimeoutDialog>("\n"), 1);
+    EXPECT_EQ(RunOn<KovoTimeoutDialog>(host_, "\n"), 1);
     EXPECT_EQ(Frame::_idleTimeout, 600u);
-}
 
-TEST_F(TroubleshootingActions, HostWithoutTheConsoleTimeoutOptionReadsTenMinutesAndWritesNothing) {
+    // A host without the option reads as ten minutes, and nothing is written.
     store_.Get()->Update([](nlohmann::json& d) { d.erase("advancedOptions"); });
-    RunDialog<KovoTimeoutDialog>("3\n", [](KovoTimeoutDialog& d) { EXPECT_EQ(d.CurrentSeconds(), 600u); });
+    RunOn<KovoTimeoutDialog>(host_, "3\n", [](KovoTimeoutDialog& d) { EXPECT_EQ(d.CurrentSeconds(), 600u); });
     EXPECT_TRUE(store_.At("/advancedOptions").is_null());
 }
 

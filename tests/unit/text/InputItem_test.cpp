@@ -19,7 +19,7 @@ void Type(InputItem& item, const std::string& keys) {
     for (char c : keys) item.EditKey(static_cast<unsigned char>(c));
 }
 
-TEST(InputItemEditing, FreshFieldIsReplacedByTheFirstKey) {
+TEST(InputItemEditing, FreshOrNewlySelectedFieldIsReplacedByTheFirstKey) {
     InputItem field("IP Address", "10.0.0.1", 16);
     EXPECT_EQ(field.Cursor(), 8);
     field.EditKey('a');
@@ -41,19 +41,18 @@ TEST(InputItemEditing, FreshFieldIsReplacedByTheFirstKey) {
     field.SetValue("x");
     field.EditKey(KEY_F(5));
     EXPECT_EQ(field.GetValue(), "");
-}
 
-TEST(InputItemEditing, SelectionChangeArmsReplaceMode) {
-    InputItem field("Name", "host", 16);
-    field.EditKey(KEY_END);
-    EXPECT_FALSE(field.ReplaceMode());
-    field.SetSelected(true);
-    EXPECT_TRUE(field.ReplaceMode());
-    field.EditKey(KEY_HOME);
-    field.SetSelected(true);  // no change of state: stays in place editing
-    EXPECT_FALSE(field.ReplaceMode());
-    field.SetSelected(false);
-    EXPECT_TRUE(field.ReplaceMode());
+    // A change of selection arms replace mode again.
+    InputItem name("Name", "host", 16);
+    name.EditKey(KEY_END);
+    EXPECT_FALSE(name.ReplaceMode());
+    name.SetSelected(true);
+    EXPECT_TRUE(name.ReplaceMode());
+    name.EditKey(KEY_HOME);
+    name.SetSelected(true);  // no change of state: stays in place editing
+    EXPECT_FALSE(name.ReplaceMode());
+    name.SetSelected(false);
+    EXPECT_TRUE(name.ReplaceMode());
 }
 
 TEST(InputItemEditing, MovesAndDeletesInPlace) {
@@ -94,20 +93,14 @@ class InputItemDrawTest : public OffscreenCurses {
   protected:
     void SetUp() override {
         OffscreenCurses::SetUp();
-        _root = std::make_unique<Window>(0, 0, 80, 25, kBlack, kWhite);
-        _area = new TextArea(_root.get(), 10, 2, 40, 1);
-    }
-    void TearDown() override {
-        _root.reset();
-        OffscreenCurses::TearDown();
+        _area = new TextArea(Root(kBlack, kWhite), 10, 2, 40, 1);
     }
     std::string Line() { return Row(_area->Handle(), 0); }
 
-    std::unique_ptr<Window> _root;
-    TextArea* _area = nullptr;
+    TextArea* _area = nullptr;  // owned by the root window
 };
 
-TEST_F(InputItemDrawTest, DrawsLabelFieldAndCursor) {
+TEST_F(InputItemDrawTest, DrawsLabelFieldAndCursorAndMasksASecret) {
     InputItem field("IP Address", "10.0.0.1", 10);
     field.Draw(*_area);
     EXPECT_EQ(Line(), "IP Address                [ 10.0.0.1   ]");
@@ -124,6 +117,13 @@ TEST_F(InputItemDrawTest, DrawsLabelFieldAndCursor) {
     field.Draw(*_area);
     EXPECT_EQ(PairAt(_area->Handle(), 0, 28), ColorPairNumber(kBlack, kWhite));
     EXPECT_EQ(Window::_xCursor, 10 + 7 + 40 - 2 - 10);
+
+    // A masked field shows one star per character.
+    InputItem password("Password", "secret", 10);
+    password.SetMasked(true);
+    _area->Erase();
+    password.Draw(*_area);
+    EXPECT_EQ(Line(), "Password                  [ ******     ]");
 }
 
 // What an operator types is data: no variable, colour or alignment tag in it takes effect, selected or
@@ -156,13 +156,6 @@ TEST_F(InputItemDrawTest, TypedTagsAreShownAsTheyWereTyped) {
     EXPECT_EQ(PairAt(_area->Handle(), 0, 8), ColorPairNumber(kWhite, kBlack));
     EXPECT_EQ(PairAt(_area->Handle(), 0, 19), ColorPairNumber(kWhite, kBlack));
     EXPECT_NE(PairAt(_area->Handle(), 0, 20), ColorPairNumber(kWhite, kBlack)) << "past the text";
-}
-
-TEST_F(InputItemDrawTest, MaskedFieldShowsOneStarPerCharacter) {
-    InputItem field("Password", "secret", 10);
-    field.SetMasked(true);
-    field.Draw(*_area);
-    EXPECT_EQ(Line(), "Password                  [ ******     ]");
 }
 
 TEST_F(InputItemDrawTest, ScrollsToKeepTheCursorVisible) {
@@ -198,7 +191,7 @@ TEST_F(InputItemDrawTest, BackspaceOverTheLeftEdgeJumpsToTheEnd) {
 TEST_F(InputItemDrawTest, ListDrawsTheSelectedFieldLastWithItsCursor) {
     InputItem first("First", "one", 8);
     InputItem second("Second", "two", 8);
-    auto* list = new ItemList(_root.get(), 0, 10, 41, 3);
+    auto* list = new ItemList(rootWindow_.get(), 0, 10, 41, 3);
     list->SetItems({&first, &second});
     list->Draw();
     EXPECT_EQ(Window::_yCursor, 10);
@@ -206,7 +199,7 @@ TEST_F(InputItemDrawTest, ListDrawsTheSelectedFieldLastWithItsCursor) {
     EXPECT_EQ(Window::_yCursor, 11);
     EXPECT_EQ(Window::_xCursor, 3 + 40 - 2 - 8);
     EXPECT_TRUE(second.ReplaceMode());
-    EXPECT_EQ(Row(_root->Handle(), 11).substr(0, 40), "Second                      [ two      ]");
+    EXPECT_EQ(Row(rootWindow_->Handle(), 11).substr(0, 40), "Second                      [ two      ]");
 }
 
 }  // namespace

@@ -19,12 +19,7 @@ class ItemListTest : public OffscreenCurses {
   protected:
     void SetUp() override {
         OffscreenCurses::SetUp();
-        _root = std::make_unique<Window>(0, 0, 80, 25, kYellow, kBlack);
-        _list = new ItemList(_root.get(), 1, 1, 21, 5);
-    }
-    void TearDown() override {
-        _root.reset();
-        OffscreenCurses::TearDown();
+        _list = new ItemList(Root(kYellow, kBlack), 1, 1, 21, 5);
     }
 
     // Items named "0", "1", ...; the indices in `disabled` are disabled, those in `labels` unselectable.
@@ -44,12 +39,11 @@ class ItemListTest : public OffscreenCurses {
 
     // Absolute index of the selected item.
     int Index() const { return _list->Top() + _list->Row(); }
-    WINDOW* Screen() const { return _root->Handle(); }
+    WINDOW* Screen() const { return rootWindow_->Handle(); }
     // The scroll bar cell of list row y (screen row y + 1).
     std::string Bar(int y) const { return Cell(Screen(), y + 1, 21); }
 
-    std::unique_ptr<Window> _root;
-    ItemList* _list = nullptr;  // owned by _root
+    ItemList* _list = nullptr;  // owned by the root window
     std::vector<std::unique_ptr<LabelItem>> _items;
 };
 
@@ -87,9 +81,8 @@ TEST_F(ItemListTest, TheSelectionSkipsWhatCannotBeChosenAndNeverWraps) {
         EXPECT_EQ(_list->GetSelected(), walk.ordinal) << walk.what;
     }
     EXPECT_EQ(_list->GetSelectedItem(), _items[3].get());
-}
 
-TEST_F(ItemListTest, AllDisabledKeepsTheSelectionWhereItWas) {
+    // All disabled: the selection stays where it was.
     Make(4);
     _list->Down();
     Make(4, {0, 1, 2, 3});
@@ -101,7 +94,7 @@ TEST_F(ItemListTest, AllDisabledKeepsTheSelectionWhereItWas) {
     EXPECT_EQ(_list->GetSelected(), 1);
 }
 
-TEST_F(ItemListTest, ScrollsAndMovesTheThumb) {
+TEST_F(ItemListTest, ScrollsAndMovesTheThumbWhileNotEverythingFits) {
     Make(8);
     EXPECT_EQ(Bar(0), "\u2588");
     for (int y = 1; y < 5; ++y) EXPECT_EQ(Bar(y), "\u2593") << y;
@@ -119,10 +112,7 @@ TEST_F(ItemListTest, ScrollsAndMovesTheThumb) {
     for (int i = 0; i < 5; ++i) _list->Up();
     EXPECT_EQ(_list->Top(), 2);  // the item above the view becomes the top line
     EXPECT_EQ(_list->Row(), 0);
-}
-
-TEST_F(ItemListTest, NoScrollBarWhenEverythingFits) {
-    Make(8);
+    // No scroll bar once everything fits.
     Make(5);
     for (int y = 0; y < 5; ++y) EXPECT_EQ(Bar(y), " ") << y;
 }

@@ -45,7 +45,7 @@ TEST(MarkupLayout, WrapsWordsAndBreaksLongOnes) {
     });
 }
 
-TEST(MarkupLayout, AlignsRightCentreAndPads) {
+TEST(MarkupLayout, AlignsRightCentreAndPadsAndRealignsWrappedLines) {
     ExpectLayouts({
         {"right", "{align:right}abc{/align}", 10, "       abc"},
         {"next character starts a new line", "{align:right}abc{/align}d", 10, "       abc\nd"},
@@ -64,12 +64,8 @@ TEST(MarkupLayout, AlignsRightCentreAndPads) {
         {"padding wider than the room left", "abcde{align:padding:8}xy{/align}z", 10, "abcdexy   \nz"},
         {"padding drops newlines of a full field", "{align:padding:2}ab\ncd{/align}e", 10, "abe"},
         {"close without open does nothing", "ab{/align}cd", 10, "abcd"},
-    });
-}
-
-// A stretch or a line that wraps keeps its alignment: the shortened line still ends at the right edge.
-TEST(MarkupLayout, RealignsWrappedLines) {
-    ExpectLayouts({
+        // A stretch or a line that wraps keeps its alignment: the shortened line still ends at the right
+        // edge.
         {"open right stretch wraps", "{align:right}hello world{/align}", 10, "     hello\n     world"},
         {"word after a right stretch", "{align:right}ab cd{/align}x", 10, "        ab\ncdx"},
         {"open centre stretch wraps", "{align:center}hello world{/align}", 10, "  hello\n  world"},

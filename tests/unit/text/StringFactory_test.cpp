@@ -55,7 +55,7 @@ void Fill(char (&field)[N], const std::string& text) {
     std::memcpy(field, text.data(), std::min(text.size(), N));
 }
 
-TEST(VersionLine, IsBuiltFromProductVersionKernelAndBuildFields) {
+TEST(VersionLine, IsBuiltFromProductVersionKernelAndBuildFieldsEachReadToItsEnd) {
     HostCtl::Util::SysinfoVersionRecord record{};
     Fill(record.productName, "KOVO Host");
     Fill(record.productVersion, "1.0.0");
@@ -64,10 +64,9 @@ TEST(VersionLine, IsBuiltFromProductVersionKernelAndBuildFields) {
     Fill(record.buildNumberString, "4711");
     record.buildNumber = 99;  // the line shows the build's text field, not this number
     EXPECT_EQ(FormatVersionLine(record, "ZenKernel"), "KOVO Host 1.0.0 (ZenKernel 6.1.0 Build 4711)");
-}
 
-TEST(VersionLine, FieldsFillingAllTheirBytesDoNotRunIntoTheirNeighbours) {
-    HostCtl::Util::SysinfoVersionRecord record{};
+    // Fields filling all their bytes do not run into their neighbours.
+    record = {};
     const std::string product(sizeof record.productName, 'P');
     const std::string kernel(sizeof record.kernelRelease, 'K');
     Fill(record.productName, product);

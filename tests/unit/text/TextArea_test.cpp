@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-
 #include "../support/OffscreenCurses.h"
 #include "text/MarkupDraw.h"
 
@@ -17,17 +15,11 @@ class TextAreaTest : public OffscreenCurses {
   protected:
     void SetUp() override {
         OffscreenCurses::SetUp();
-        _root = std::make_unique<Window>(0, 0, 80, 25, kYellow, kBlack);
-        _area = new TextArea(_root.get(), 2, 1, 20, 3);
-    }
-    void TearDown() override {
-        _root.reset();
-        OffscreenCurses::TearDown();
+        _area = new TextArea(Root(kYellow, kBlack), 2, 1, 20, 3);
     }
     WINDOW* Area() { return _area->Handle(); }
 
-    std::unique_ptr<Window> _root;
-    TextArea* _area = nullptr;  // owned by _root
+    TextArea* _area = nullptr;  // owned by the root window
 };
 
 TEST_F(TextAreaTest, PaintsColourRunsAndRestoresBothDefaults) {
@@ -40,9 +32,13 @@ TEST_F(TextAreaTest, PaintsColourRunsAndRestoresBothDefaults) {
     // "/color" puts back the background as well, although it only closes a foreground.
     EXPECT_EQ(PairAt(Area(), 0, 6), ColorPairNumber(kYellow, kBlack));
     EXPECT_EQ(PairAt(Area(), 0, 8), ColorPairNumber(kYellow, kBlack));
+    // Every render starts in the default colours, whatever the last one left open.
+    _area->SetText("{color:red}ab");
+    _area->SetText("cd");
+    EXPECT_EQ(PairAt(Area(), 0, 0), ColorPairNumber(kYellow, kBlack));
 }
 
-TEST_F(TextAreaTest, IgnoresUnknownColoursAndUnmatchedClosers) {
+TEST_F(TextAreaTest, IgnoresUnknownColoursAndTagsAndUnmatchedClosers) {
     _area->SetText("{color:red}a{color:purple}b{/color}c\n{bgcolor:black}d{/color}e{/bgcolor}f");
     EXPECT_EQ(PairAt(Area(), 0, 1), ColorPairNumber(kYellow, kRed));  // unknown name: still red
     EXPECT_EQ(PairAt(Area(), 0, 2), ColorPairNumber(kYellow, kBlack));
@@ -50,20 +46,12 @@ TEST_F(TextAreaTest, IgnoresUnknownColoursAndUnmatchedClosers) {
     EXPECT_EQ(PairAt(Area(), 1, 1), ColorPairNumber(kBlack, kBlack));
     EXPECT_EQ(PairAt(Area(), 1, 2), ColorPairNumber(kYellow, kBlack));
     EXPECT_EQ(Row(Area(), 1), "def                 ");
-}
-
-TEST_F(TextAreaTest, UnknownTagsAndVariablesShowNothing) {
+    // Unknown tags and variables show nothing.
     _area->SetText("a{nosuch}b{supportStart}c{supportstart}");
     EXPECT_EQ(Row(Area(), 0), "abcN/A              ");
 }
 
-TEST_F(TextAreaTest, StartsEveryRenderInTheDefaultColours) {
-    _area->SetText("{color:red}ab");
-    _area->SetText("cd");
-    EXPECT_EQ(PairAt(Area(), 0, 0), ColorPairNumber(kYellow, kBlack));
-}
-
-TEST_F(TextAreaTest, InactiveAreaShowsTextWithoutColourTags) {
+TEST_F(TextAreaTest, InactiveAreaShowsTextWithoutColourTagsAndActivationRepaints) {
     _area->SetText("{color:red}ab{/color}{bgcolor:white}cd");
     _area->SetActive(false);
     EXPECT_EQ(Row(Area(), 0), "abcd                ");
@@ -71,9 +59,7 @@ TEST_F(TextAreaTest, InactiveAreaShowsTextWithoutColourTags) {
     _area->SetActive(true);
     EXPECT_EQ(PairAt(Area(), 0, 0), ColorPairNumber(kYellow, kRed));
     EXPECT_EQ(PairAt(Area(), 0, 2), ColorPairNumber(kWhite, kBlack));
-}
-
-TEST_F(TextAreaTest, ActivationRepaintsTheText) {
+    // Activation repaints the text.
     _area->SetText("{color:red}{supportperiod}");
     _area->Erase();
     _area->SetActive(true);
@@ -82,10 +68,10 @@ TEST_F(TextAreaTest, ActivationRepaintsTheText) {
 }
 
 TEST_F(TextAreaTest, CutsRowsBeyondTheHeightAndClearsOnEmptyText) {
-    _root->Print(2, 4, "untouched");
+    rootWindow_->Print(2, 4, "untouched");
     _area->SetText("one\ntwo\nthree\nfour\nfive");
     EXPECT_EQ(Row(Area(), 2), "three               ");
-    EXPECT_EQ(Row(_root->Handle(), 4).substr(2, 9), "untouched");
+    EXPECT_EQ(Row(rootWindow_->Handle(), 4).substr(2, 9), "untouched");
     _area->SetText("");
     for (int y = 0; y < 3; ++y) EXPECT_EQ(Row(Area(), y), std::string(20, ' ')) << y;
 }
@@ -104,12 +90,28 @@ TEST_F(TextAreaTest, AppendBuildsOnTheKeptText) {
 
 // The draw pass alone, on text no layout would produce: nothing may spill past the width or height.
 TEST_F(TextAreaTest, DrawNeverWritesOutsideTheCanvas) {
-    _root->Print(0, 3, "zzzzzzzzzzzzzzzzzzzzzzzz");
+    rootWindow_->Print(0, 3, "zzzzzzzzzzzzzzzzzzzzzzzz");
     MarkupCanvas canvas{_area->Handle(), 20, 2, kYellow, kBlack, true};
     DrawMarkup(canvas, "0123456789012345678901234{color:red}\n\tx{ab\nrow3\nrow4", _area->Colors());
     EXPECT_EQ(Row(Area(), 0), "01234567890123456789");
     EXPECT_EQ(Row(Area(), 1), " x                  ");
-    EXPECT_EQ(Row(_root->Handle(), 3).substr(0, 24), "zzzzzzzzzzzzzzzzzzzzzzzz");
+    EXPECT_EQ(Row(rootWindow_->Handle(), 3).substr(0, 24), "zzzzzzzzzzzzzzzzzzzzzzzz");
+}
+
+constexpr uint64_t kPage = 4096;
+constexpr uint64_t kMiB = 1048576;
+constexpr uint64_t kGiB = 1024 * kMiB;
+
+// Rounded up to a quarter GiB and cut to tenths; below a gigabyte in megabytes, above a thousand in
+// terabytes.
+TEST(HostValues, MemoryIsRoundedUpToAQuarterGiBAndShownInItsUnit) {
+    const std::pair<uint64_t, const char*> cases[] = {
+        {8 * kGiB, "8 GB"},      {8 * kGiB + kPage, "8.2 GB"},
+        {900 * kMiB, "1 GB"},    {7 * kGiB + 3 * kGiB / 4, "7.7 GB"},
+        {256 * kMiB, "256 MB"},  {kPage, "256 MB"},
+        {1536 * kGiB, "1.5 TB"}, {0, "0 MB"},
+    };
+    for (const auto& [bytes, shown] : cases) EXPECT_EQ(FormatMemory(bytes / kPage, kPage), shown) << bytes;
 }
 
 }  // namespace
