@@ -61,9 +61,7 @@ TEST(Actions, ResetEscAndAFailingResetLeaveTheHostAsItWas) {
 
     ASSERT_TRUE(ReplaceHostProgram(*host, "/usr/sbin/firmwareConfig.py", "exit 1"));
     ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText("Reset System Configuration now?")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(PressFor(*host, Key::Enter, "Reset System Configuration now?", 200ms)) << host->Term().Dump();
     host->Term().Press(Key::F11);
     // Straight back to the menu, without a message.
     ASSERT_TRUE(host->Term().WaitForTextGone("Reset System Configuration now?")) << host->Term().Dump();
@@ -79,9 +77,7 @@ TEST(Actions, ResetThenEnterRestartsTheHostWithItsDefaults) {
     const pid_t first = host->WaitForConsole();
     ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
     ASSERT_TRUE(OpenFromMenu(*host, kResetDowns, "Reset System Configuration now?")) << host->Term().Dump();
-    host->Term().Press(Key::F11);
-    ASSERT_TRUE(host->Term().WaitForText("Default settings are restored.")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(PressFor(*host, Key::F11, "Default settings are restored.", 200ms)) << host->Term().Dump();
     EXPECT_EQ(CommandCount(*host, {"reboot"}), 0u);
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->WaitForSyslog({"init: host booted again"}, 60s)) << host->Syslog();

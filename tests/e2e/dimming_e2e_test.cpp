@@ -8,13 +8,7 @@
 
 #include "HostSteps.h"
 
-using namespace std::chrono_literals;
-using KovoE2e::ConsoleStart;
-using KovoE2e::FastClock;
-using KovoE2e::FreshHostDir;
-using KovoE2e::HostConsole;
-using KovoTerm::Key;
-using KovoTerm::VirtualTerminal;
+using namespace KovoE2e;
 
 namespace {
 

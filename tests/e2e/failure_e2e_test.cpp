@@ -25,12 +25,9 @@ TEST(PlatformFailure, UnderTheLoginsKeyboardDialogLeavesTheLoginActiveAndWorking
                  {{"/simulation/faults/SystemInfo.LoadKeyboardMappings", "\"mappings unreadable\""}}, start);
     ASSERT_TRUE(host->WaitForFirstPaint()) << host->Term().Dump();
     pid_t console = host->WaitForConsole();
-    host->Term().Press(Key::F2);
-    ASSERT_TRUE(host->Term().WaitForText(kLoginTitle)) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+    ASSERT_TRUE(PressFor(*host, Key::F2, kLoginTitle)) << host->Term().Dump();
     host->Term().Press(Key::Enter);  // the keyboard line is focused first
-    ASSERT_TRUE(host->Term().WaitForText(kKeyboardDialogText)) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+    ASSERT_TRUE(Settled(*host, kKeyboardDialogText)) << host->Term().Dump();
 
     host->Term().Press(Key::Enter);
     EXPECT_TRUE(

@@ -14,8 +14,6 @@ namespace {
 
 using namespace KovoE2e;
 
-constexpr int kRestartNetworkDowns = 3, kTestNetworkDowns = 4, kRestoreDowns = 5;
-
 struct GoldenCase {
     const char* name;
     int columns = 80, rows = 25;
@@ -51,55 +49,65 @@ bool InRestoreWindow(HostConsole& host, int downs, const char* mark) {
     return FromMenu(host, kRestoreDowns, "Restore Network Settings") && OpenFromMenu(host, downs, mark);
 }
 
+// The same ways as steps of a case.
+using Reach = std::function<bool(HostConsole&)>;
+template <bool (*Way)(HostConsole&, int, const char*)>
+Reach Step(int downs, const char* mark) {
+    return [=](HostConsole& host) { return Way(host, downs, mark); };
+}
+constexpr auto FromMenuTo = Step<FromMenu>;
+constexpr auto InNetworkWindowTo = Step<InNetworkWindow>;
+constexpr auto InTroubleshootingTo = Step<InTroubleshooting>;
+constexpr auto InRestoreWindowTo = Step<InRestoreWindow>;
+
+bool Welcome(HostConsole&) {
+    return true;
+}
+
+// `key` on the welcome screen, and `text`.
+Reach Pressed(Key key, const char* text) {
+    return [=](HostConsole& host) {
+        host.Term().Press(key);
+        return host.Term().WaitForText(text);
+    };
+}
+
+// `before`, then, once the screen has settled, `key` and `text`.
+Reach Then(const Reach& before, Key key, const char* text, KovoTerm::TermSession::Millis deadline = 20s) {
+    return [=](HostConsole& host) {
+        if (!before(host) || !host.Term().WaitForQuiet(300ms)) return false;
+        host.Term().Press(key);
+        return host.Term().WaitForText(text, deadline);
+    };
+}
+
 const GoldenCase kCases[] = {
-    {"welcome", 80, 25, [](HostConsole&) { return true; }},
-    {"welcome-80x24", 80, 24, [](HostConsole&) { return true; }},
-    {"welcome-132x43", 132, 43, [](HostConsole&) { return true; }},
-    {"login", 80, 25,
-     [](HostConsole& host) {
-         host.Term().Press(Key::F2);
-         return host.Term().WaitForText(kLoginTitle);
-     }},
+    {"welcome", 80, 25, Welcome},
+    {"welcome-80x24", 80, 24, Welcome},
+    {"welcome-132x43", 132, 43, Welcome},
+    {"login", 80, 25, Pressed(Key::F2, kLoginTitle)},
     {"menu", 80, 25, Menu},
     {"menu-80x24", 80, 24, Menu},
     {"menu-132x43", 132, 43, Menu},
     {"network-window", 80, 25, OpenNetwork},
-    {"adapters-dialog", 80, 25,
-     [](HostConsole& host) { return InNetworkWindow(host, 0, "Select the adapters for this host's"); }},
-    {"vlan-dialog", 80, 25,
-     [](HostConsole& host) { return InNetworkWindow(host, kVlanDowns, "VLAN ID (1-4094"); }},
-    {"ipv4-dialog", 80, 25,
-     [](HostConsole& host) { return InNetworkWindow(host, kIpv4Downs, kStaticChoice); }},
-    {"ipv6-dialog", 80, 25,
-     [](HostConsole& host) { return InNetworkWindow(host, kIpv6Downs, "Static address #1"); }},
-    {"dns-dialog", 80, 25,
-     [](HostConsole& host) { return InNetworkWindow(host, kDnsDowns, "Use the following DNS server"); }},
-    {"suffixes-dialog", 80, 25,
-     [](HostConsole& host) { return InNetworkWindow(host, kSuffixDowns, "Use spaces or commas"); }},
-    {"restart-network-dialog", 80, 25,
-     [](HostConsole& host) {
-         return FromMenu(host, kRestartNetworkDowns, "Restart management network now?");
-     }},
-    {"test-network-dialog", 80, 25,
-     [](HostConsole& host) { return FromMenu(host, kTestNetworkDowns, "Ping Address #1"); }},
-    {"restore-window", 80, 25,
-     [](HostConsole& host) { return FromMenu(host, kRestoreDowns, "Restore Network Settings"); }},
-    {"troubleshooting-window", 80, 25,
-     [](HostConsole& host) { return FromMenu(host, kTroubleshootingDowns, kTroubleshootingTitle); }},
-    {"shell-timeout-dialog", 80, 25,
-     [](HostConsole& host) { return InTroubleshooting(host, 2, "Availability timeout"); }},
-    {"kovo-timeout-dialog", 80, 25,
-     [](HostConsole& host) { return InTroubleshooting(host, 3, "KOVO idle timeout"); }},
-    {"restart-agents-dialog", 80, 25,
-     [](HostConsole& host) { return InTroubleshooting(host, 4, "Restart management agents now?"); }},
-    {"restore-network-dialog", 80, 25,
-     [](HostConsole& host) { return InRestoreWindow(host, 0, "Restore Network Factory Settings"); }},
-    {"password-dialog", 80, 25, [](HostConsole& host) { return FromMenu(host, 0, "New Password:"); }},
-    {"lockdown-dialog", 80, 25,
-     [](HostConsole& host) { return FromMenu(host, kLockdownDowns, "Enable lockdown mode"); }},
-    {"system-logs", 80, 25, [](HostConsole& host) { return FromMenu(host, kSystemLogsDowns, "<1> Syslog"); }},
-    {"reset-dialog", 80, 25,
-     [](HostConsole& host) { return FromMenu(host, kResetDowns, "Reset System Configuration now?"); }},
+    {"adapters-dialog", 80, 25, InNetworkWindowTo(0, "Select the adapters for this host's")},
+    {"vlan-dialog", 80, 25, InNetworkWindowTo(kVlanDowns, "VLAN ID (1-4094")},
+    {"ipv4-dialog", 80, 25, InNetworkWindowTo(kIpv4Downs, kStaticChoice)},
+    {"ipv6-dialog", 80, 25, InNetworkWindowTo(kIpv6Downs, "Static address #1")},
+    {"dns-dialog", 80, 25, InNetworkWindowTo(kDnsDowns, "Use the following DNS server")},
+    {"suffixes-dialog", 80, 25, InNetworkWindowTo(kSuffixDowns, "Use spaces or commas")},
+    {"restart-network-dialog", 80, 25, FromMenuTo(kRestartDowns, "Restart management network now?")},
+    {"test-network-dialog", 80, 25, FromMenuTo(kTestDowns, kTestMark)},
+    {"restore-window", 80, 25, FromMenuTo(kRestoreDowns, "Restore Network Settings")},
+    {"troubleshooting-window", 80, 25, FromMenuTo(kTroubleshootingDowns, kTroubleshootingTitle)},
+    {"shell-timeout-dialog", 80, 25, InTroubleshootingTo(2, "Availability timeout")},
+    {"kovo-timeout-dialog", 80, 25, InTroubleshootingTo(3, "KOVO idle timeout")},
+    {"restart-agents-dialog", 80, 25, InTroubleshootingTo(4, "Restart management agents now?")},
+    {"restore-network-dialog", 80, 25, InRestoreWindowTo(0, "Restore Network Factory Settings")},
+    {"password-dialog", 80, 25, FromMenuTo(0, "New Password:")},
+    {"lockdown-dialog", 80, 25, FromMenuTo(kLockdownDowns, "Enable lockdown mode")},
+    {"system-logs", 80, 25, FromMenuTo(kSystemLogsDowns, "<1> Syslog")},
+    {"reset-dialog", 80, 25, FromMenuTo(kResetDowns, "Reset System Configuration now?")},
     {"shutdown-dialog", 80, 25, OpenShutdown},
     {"network-confirm", 80, 25,
      [](HostConsole& host) {
@@ -107,22 +115,14 @@ const GoldenCase kCases[] = {
          host.Term().Type("20");
          if (!host.Term().WaitForText("[ 20")) return false;
          host.Term().Press(Key::Enter);
-         if (!host.Term().WaitForTextGone("VLAN ID (1-4094") || !host.Term().WaitForQuiet(300ms))
-             return false;
+         if (!Closed(host, "VLAN ID (1-4094")) return false;
          host.Term().Press(Key::Escape);
          return host.Term().WaitForText(kConfirmTitle);
      }},
-    {"restore-window-dvs", 80, 25,
-     [](HostConsole& host) { return FromMenu(host, kRestoreDowns, "Restore xDS"); }, "dvs"},
-    {"safe-mode-dialog", 80, 25,
-     [](HostConsole& host) {
-         return InRestoreWindow(host, 1, "Move the management network onto a standard switch?");
-     },
+    {"restore-window-dvs", 80, 25, FromMenuTo(kRestoreDowns, "Restore xDS"), "dvs"},
+    {"safe-mode-dialog", 80, 25, InRestoreWindowTo(1, "Move the management network onto a standard switch?"),
      "dvs"},
-    {"restore-dvs-dialog", 80, 25,
-     [](HostConsole& host) {
-         return InRestoreWindow(host, 2, "Enter the properties for new xDS host local port");
-     },
+    {"restore-dvs-dialog", 80, 25, InRestoreWindowTo(2, "Enter the properties for new xDS host local port"),
      "dvs-host-local-ports"},
     {"adapter-details", 80, 25,
      [](HostConsole& host) {
@@ -131,14 +131,10 @@ const GoldenCase kCases[] = {
          return host.Term().WaitForText("Adapter Details");
      }},
     {"running-vms-warning", 80, 25,
-     [](HostConsole& host) {
-         if (!InRestoreWindow(host, 0, "Restore Network Factory Settings")) return false;
-         host.Term().Press(Key::F11);
-         return host.Term().WaitForText("Host has VMs running.");
-     }},
+     Then(InRestoreWindowTo(0, "Restore Network Factory Settings"), Key::F11, "Host has VMs running.")},
     {"restart-network-done", 80, 25,
      [](HostConsole& host) {
-         if (!FromMenu(host, kRestartNetworkDowns, "Restart management network now?")) return false;
+         if (!FromMenu(host, kRestartDowns, "Restart management network now?")) return false;
          host.Term().Press(Key::F11);
          return host.Term().WaitForText("<Enter> OK") &&
                 host.Term().WaitForText("Starting management network.");
@@ -157,38 +153,19 @@ const GoldenCase kCases[] = {
      }},
     {"invalid-address-message", 80, 25,
      [](HostConsole& host) {
-         if (!FromMenu(host, kTestNetworkDowns, "Ping Address #1")) return false;
+         if (!FromMenu(host, kTestDowns, kTestMark)) return false;
          Press(host, Key::Down);
          host.Term().Type("1.2.3");
          if (!host.Term().WaitForText("[ 1.2.3")) return false;
          host.Term().Press(Key::Enter);
          return host.Term().WaitForText("Invalid IP or IPv6 address.");
      }},
-    {"login-disabled", 80, 25,
-     [](HostConsole& host) {
-         host.Term().Press(Key::F2);
-         return host.Term().WaitForText("Direct console access has been disabled");
-     },
-     "login-disabled"},
-    {"keyboard-dialog", 80, 25,
-     [](HostConsole& host) { return FromMenu(host, kKeyboardDowns, kKeyboardDialogText); }, "default",
-     "xterm"},
-    {"login-at-the-keyboard", 80, 25,
-     [](HostConsole& host) {
-         host.Term().Press(Key::F2);
-         return host.Term().WaitForText("Configured Keyboard");
-     },
-     "default", "xterm"},
+    {"login-disabled", 80, 25, Pressed(Key::F2, "Direct console access has been disabled"), "login-disabled"},
+    {"keyboard-dialog", 80, 25, FromMenuTo(kKeyboardDowns, kKeyboardDialogText), "default", "xterm"},
+    {"login-at-the-keyboard", 80, 25, Pressed(Key::F2, "Configured Keyboard"), "default", "xterm"},
+    // The keyboard line has the focus first.
     {"keyboard-from-login", 80, 25,
-     [](HostConsole& host) {
-         host.Term().Press(Key::F2);
-         // The keyboard line has the focus first.
-         if (!host.Term().WaitForText("Configured Keyboard") || !host.Term().WaitForQuiet(300ms))
-             return false;
-         host.Term().Press(Key::Enter);
-         return host.Term().WaitForText(kKeyboardDialogText);
-     },
-     "default", "xterm"},
+     Then(Pressed(Key::F2, "Configured Keyboard"), Key::Enter, kKeyboardDialogText), "default", "xterm"},
     {"same-password-warning", 80, 25,
      [](HostConsole& host) {
          if (!FromMenu(host, 0, "New Password:")) return false;
@@ -216,8 +193,7 @@ const GoldenCase kCases[] = {
          host.Term().Type(" ");
          if (!host.Term().WaitForQuiet(200ms)) return false;
          host.Term().Press(Key::Enter);
-         if (!host.Term().WaitForTextGone("Set static IPv6 address") || !host.Term().WaitForQuiet(300ms))
-             return false;
+         if (!Closed(host, "Set static IPv6 address")) return false;
          host.Term().Press(Key::Escape);
          return host.Term().WaitForText(kRebootQuestion);
      }},
@@ -231,9 +207,7 @@ const GoldenCase kCases[] = {
          if (!host.Term().WaitForText("[ ] zennic0")) return false;
          host.Term().Press(Key::Enter);
          // The dialog below discards keys typed while it takes the keyboard back: let it settle first.
-         if (!host.Term().WaitForTextGone("Select the xDS Uplinks (one or more)") ||
-             !host.Term().WaitForQuiet(300ms))
-             return false;
+         if (!Closed(host, "Select the xDS Uplinks (one or more)")) return false;
          Press(host, Key::Up);
          host.Term().Press(Key::Enter);
          return host.Term().WaitForText("No uplinks were selected.");
@@ -241,20 +215,14 @@ const GoldenCase kCases[] = {
      "dvs-host-local-ports"},
     {"test-network-results", 80, 25,
      [](HostConsole& host) {
-         if (!FromMenu(host, kTestNetworkDowns, "Ping Address #1")) return false;
+         if (!FromMenu(host, kTestDowns, kTestMark)) return false;
          host.Term().Press(Key::Enter);
          return host.Term().WaitForText("Testing Management Network") &&
                 host.Term().WaitForText("Resolving hostname") && host.Term().WaitForText("<Enter> OK", 30s);
      }},
     {"restore-network-done", 80, 25,
-     [](HostConsole& host) {
-         if (!InRestoreWindow(host, 0, "Restore Network Factory Settings")) return false;
-         host.Term().Press(Key::F11);
-         if (!host.Term().WaitForText("Host has VMs running.") || !host.Term().WaitForQuiet(200ms))
-             return false;
-         host.Term().Press(Key::Enter);
-         return host.Term().WaitForText("Auto-configuring network. Done.", 30s);
-     }},
+     Then(Then(InRestoreWindowTo(0, "Restore Network Factory Settings"), Key::F11, "Host has VMs running."),
+          Key::Enter, "Auto-configuring network. Done.", 30s)},
 };
 
 class GoldenScreens : public ::testing::TestWithParam<GoldenCase> {};

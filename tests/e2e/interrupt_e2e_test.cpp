@@ -35,8 +35,7 @@ TEST(CtrlC, InThePagerIsThePagersAndTheSessionGoesOn) {
     ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
     ASSERT_TRUE(OpenFromMenu(*host, kSystemLogsDowns, "<1> Syslog")) << host->Term().Dump();
     host->Term().Type("1");
-    ASSERT_TRUE(host->Term().WaitForText(kPagerPrompt)) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+    ASSERT_TRUE(Settled(*host, kPagerPrompt)) << host->Term().Dump();
     // Follow mode, left the only way it can be: Ctrl-C. Then the pager's own quit.
     host->Term().Type("F");
     host->Term().Pause(300ms);

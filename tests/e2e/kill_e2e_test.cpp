@@ -23,7 +23,6 @@ using namespace KovoE2e;
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-constexpr const char* kFqdn = "kovo-host-01.lab.example";
 constexpr auto kNameOutFor = std::chrono::seconds(2);
 
 int Kills() {
@@ -199,13 +198,8 @@ TEST(KillAtRandom, ResolveTestLeavesTheHostsFileWholeAfterTheNextStart) {
     pid_t console = host->WaitForConsole();
     for (int i = 0; i < Kills(); ++i) {
         ASSERT_GT(console, 0);
-        ASSERT_TRUE(LogIn(*host, "", kRootPassword) && OpenFromMenu(*host, 4, "Ping Address #1"))
-            << host->Term().Dump();
-        // Only the host name is tested.
-        for (int field = 0; field < 3; ++field) {
-            host->Term().Press(Key::Backspace);
-            Press(*host, Key::Down);
-        }
+        ASSERT_TRUE(OpenTest(*host)) << host->Term().Dump();
+        Fill(*host, {"", "", ""});  // only the host name is tested
         host->Term().Press(Key::Enter);
         // Every other kill lands while the name is out; the rest anywhere in the test's run. SIGHUP and
         // SIGKILL take turns within each.

@@ -13,40 +13,17 @@ namespace {
 
 using namespace KovoE2e;
 
-constexpr int kTestDowns = 4;
 constexpr const char* kRunTitle = "Testing Management Network";
-// The dialog's first field: the menu shows the dialog's title too, as the selected entry's.
-constexpr const char* kTestMark = "Ping Address #1";
-constexpr const char* kFqdn = "kovo-host-01.lab.example";
-
-// Logs in and opens the dialog.
-bool OpenTest(HostConsole& host) {
-    return LogIn(host, "", kRootPassword) && OpenFromMenu(host, kTestDowns, kTestMark);
-}
-
-// From the first field: each field emptied and retyped where `texts` has one (nullptr keeps it).
-void Fill(HostConsole& host, std::initializer_list<const char*> texts) {
-    for (const char* text : texts) {
-        if (text) {
-            host.Term().Press(Key::Backspace);
-            if (*text) TypeShown(host, text);
-        }
-        Press(host, Key::Down);
-    }
-}
 
 // Enter, and the run to its end: an address that does not answer is waited for twelve seconds.
 bool RunToEnd(HostConsole& host) {
     host.Term().Press(Key::Enter);
-    return host.Term().WaitForText(kRunTitle) && host.Term().WaitFor(
-                                                     [](const VirtualTerminal& screen) {
-                                                         // The dialog's key line once every test has run:
-                                                         // Enter alone.
-                                                         return screen.Contains(kRunTitle) &&
-                                                                screen.Contains("<Enter> OK") &&
-                                                                !screen.Contains("<Esc> Cancel");
-                                                     },
-                                                     60s);
+    // The dialog's key line once every test has run: Enter alone.
+    const auto ended = [](const VirtualTerminal& screen) {
+        return screen.Contains(kRunTitle) && screen.Contains("<Enter> OK") &&
+               !screen.Contains("<Esc> Cancel");
+    };
+    return host.Term().WaitForText(kRunTitle) && host.Term().WaitFor(ended, 60s);
 }
 
 // Whether a ping of `address` is still running on the machine (the host's processes are visible here).
@@ -66,18 +43,15 @@ TEST(NetworkCheck, DefaultHostPingsAndResolvesWhatItShows) {
     ASSERT_TRUE(OpenTest(*host)) << host->Term().Dump();
     const VirtualTerminal& screen = host->Term().Screen();
     // The fields start with the gateway, both name servers and the host's name (which values, in which
-    // order, is the unit tests' business). The third emptied: only what is left is pinged.
+    // order, is the unit tests' business). The third emptied: only what is left is pinged. (The results
+    // of the whole default run are a golden screen.)
     Fill(*host, {nullptr, nullptr, ""});
     ASSERT_TRUE(RunToEnd(*host)) << host->Term().Dump();
-    EXPECT_TRUE(screen.Contains("Pinging address (10.20.30.1). OK.")) << host->Term().Dump();
-    EXPECT_TRUE(screen.Contains("Pinging address (10.20.30.2). OK."));
-    EXPECT_TRUE(screen.Contains("Resolving hostname (kovo-host-01.lab.example). OK."));
     EXPECT_EQ(CommandCount(*host, {"zenkping"}), 2u) << HostRecords(*host, "commands.log");
     EXPECT_EQ(CommandCount(*host, {R"("/bin/zenkping","-c","3","-I","zk0","10.20.30.1")"}), 1u)
         << HostRecords(*host, "commands.log");
     host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForTextGone(kRunTitle)) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(Closed(*host, kRunTitle, 200ms)) << host->Term().Dump();
     EXPECT_EQ(HostFile(*host, "/etc/hosts"), hosts);
 
     // A name the host's name servers do not know, with the hosts file unchanged again.

@@ -65,9 +65,7 @@ TEST(NetworkIpv6, SwitchedOffItAsksForARebootAndTheHostComesBackWithoutIpv6) {
     host->Term().Type(" ");
     ASSERT_TRUE(host->Term().WaitForQuiet(80ms));
     Accept(*host, kIpv6Mark, kIpv6Downs);
-    host->Term().Press(Key::Escape);
-    ASSERT_TRUE(host->Term().WaitForText(kRebootQuestion)) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(PressFor(*host, Key::Escape, kRebootQuestion, 200ms)) << host->Term().Dump();
     host->Term().Type("y");
     ASSERT_TRUE(host->WaitForSyslog({"init: host booted again"}, 60s)) << host->Syslog();
     EXPECT_NE(host->WaitForConsole(first), 0);

@@ -9,7 +9,6 @@ namespace {
 
 using namespace KovoE2e;
 
-constexpr int kRestartDowns = 3;
 constexpr const char* kConfirmTitle = "Restart Management Network: Confirm";
 constexpr const char* kRestartTitle = "Please wait while the management network restarts.";
 constexpr const char* kRestartEvent = "@&!*@*@(obs.user.kovo.network.restart)Restarting zk0";
@@ -25,16 +24,13 @@ TEST(NetworkRestart, OnlyF11RestartsAndOnlyEnterClosesTheResult) {
     EXPECT_TRUE(host->Term().Screen().Contains(kConfirmTitle));
     EXPECT_EQ(StoreJson(*host, "/network/zenkNics/0/commits"), nullptr);
 
-    host->Term().Press(Key::F11);
-    ASSERT_TRUE(host->Term().WaitForText("<Enter> OK") && host->Term().WaitForQuiet(300ms))
-        << host->Term().Dump();
+    ASSERT_TRUE(PressFor(*host, Key::F11, "<Enter> OK")) << host->Term().Dump();
     // The result stays until Enter: Esc does not close it, so the Down after it does not reach the menu,
     // whose selection stays on the entry.
     host->Term().Press(Key::Escape);
     host->Term().Press(Key::Down);
     host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForTextGone(kRestartTitle)) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+    ASSERT_TRUE(Closed(*host, kRestartTitle)) << host->Term().Dump();
     // The detail pane's title, on the first row, names the selected entry.
     EXPECT_NE(host->Term().Screen().RowText(1).find("Restart Management Network"), std::string::npos)
         << host->Term().Dump();

@@ -10,7 +10,6 @@ namespace {
 using namespace KovoE2e;
 using nlohmann::json;
 
-constexpr int kRestoreDowns = 5;
 constexpr const char* kDialogMark = "Enter the properties for new xDS host local port";
 constexpr const char* kChooserMark = "Select the xDS Uplinks (one or more)";
 constexpr const char* kErrorTitle = "Restore xDS: Error";
@@ -32,15 +31,12 @@ TEST(NetworkRestoreDvs, TheNextHostLocalPortTakesTheValuesTypedAndTheManagementI
     TypeShown(*host, "25");
 
     Press(*host, Key::Down, 2);
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText(kChooserMark)) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(PressFor(*host, Key::Enter, kChooserMark, 200ms)) << host->Term().Dump();
     Press(*host, Key::Down);
     host->Term().Type(" ");
     ASSERT_TRUE(host->Term().WaitForText("[X] zennic1")) << host->Term().Dump();
     host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForTextGone(kChooserMark)) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(Closed(*host, kChooserMark, 200ms)) << host->Term().Dump();
 
     Press(*host, Key::Up);
     host->Term().Press(Key::Enter);

@@ -9,7 +9,6 @@ namespace {
 
 using namespace KovoE2e;
 
-constexpr int kRestoreDowns = 5;
 constexpr const char* kFactoryEntry = "Restore Network Settings";
 constexpr const char* kConfirmTitle = "Restore Network Factory Settings";
 constexpr const char* kWarningTitle = "Warning: VMs running on the host";
@@ -23,9 +22,7 @@ bool OpenRestore(HostConsole& host) {
 
 // From the window: Enter on the factory restore and F11 on its question.
 void ConfirmFactoryRestore(HostConsole& host) {
-    host.Term().Press(Key::Enter);
-    ASSERT_TRUE(host.Term().WaitForText(kConfirmTitle)) << host.Term().Dump();
-    ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(PressFor(host, Key::Enter, kConfirmTitle, 200ms)) << host.Term().Dump();
     host.Term().Press(Key::F11);
 }
 
@@ -53,8 +50,7 @@ TEST(NetworkRestore, RunningVmsAreAskedForThenPoweredOffBeforeTheNetworkIsRebuil
     ASSERT_TRUE(OpenRestore(*host)) << host->Term().Dump();
     // Declining the warning changes nothing, yet the restore is recorded.
     ConfirmFactoryRestore(*host);
-    ASSERT_TRUE(host->Term().WaitForText(kWarningTitle)) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(Settled(*host, kWarningTitle, 200ms)) << host->Term().Dump();
     host->Term().Press(Key::Escape);
     ASSERT_TRUE(host->Term().WaitForTextGone(kConfirmTitle)) << host->Term().Dump();
     ASSERT_TRUE(WaitForRecords(*host, "events.log", kRestoredEvent, 1)) << HostRecords(*host, "events.log");
@@ -65,8 +61,7 @@ TEST(NetworkRestore, RunningVmsAreAskedForThenPoweredOffBeforeTheNetworkIsRebuil
 
     ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
     ConfirmFactoryRestore(*host);
-    ASSERT_TRUE(host->Term().WaitForText(kWarningTitle)) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(Settled(*host, kWarningTitle, 200ms)) << host->Term().Dump();
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->Term().WaitFor(RestoreEnded)) << host->Term().Dump();
     // Powered off, not terminated, through the path the restore names.

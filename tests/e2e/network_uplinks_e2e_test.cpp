@@ -22,8 +22,7 @@ void Toggle(HostConsole& host) {
 // Enter on the adapters dialog; waits for the window.
 void AcceptAdapters(HostConsole& host) {
     host.Term().Press(Key::Enter);
-    ASSERT_TRUE(host.Term().WaitForTextGone(kAdaptersMark)) << host.Term().Dump();
-    ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(Closed(host, kAdaptersMark, 200ms)) << host.Term().Dump();
 }
 
 void ApplyAndWait(HostConsole& host, size_t applied) {
@@ -67,10 +66,8 @@ TEST(NetworkUplinks, ANicOfAnotherSwitchIsTakenFromItAfterTheQuestion) {
     ASSERT_TRUE(OpenFromMenu(*host, 0, kAdaptersMark)) << host->Term().Dump();
     Press(*host, Key::Down, 3);
     Toggle(*host);
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText("Remove these adapters from their current connections?"))
+    ASSERT_TRUE(PressFor(*host, Key::Enter, "Remove these adapters from their current connections?", 200ms))
         << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
     AcceptAdapters(*host);
     EXPECT_EQ(StoreJson(*host, "/network/switches/1/uplinks"), json({"zennic3"}));  // not before Y
 

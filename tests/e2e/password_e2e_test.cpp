@@ -22,9 +22,7 @@ constexpr const char* kChangedEvent =
 
 // Logs in as root and opens Configure Password, the menu's first entry.
 bool OpenPasswordDialog(HostConsole& host) {
-    if (!LogIn(host, "", kRootPassword)) return false;
-    host.Term().Press(Key::Enter);
-    return host.Term().WaitForText(kDialogText) && host.Term().WaitForQuiet(300ms);
+    return LogIn(host, "", kRootPassword) && PressFor(host, Key::Enter, kDialogText);
 }
 
 void Enter(HostConsole& host, const std::string& text) {
@@ -34,7 +32,8 @@ void Enter(HostConsole& host, const std::string& text) {
 
 }  // namespace
 
-TEST(PasswordChange, TheHostsRefusalsKeepTheDialogAndChangeNothing) {
+// The host's refusals keep the dialog and change nothing; then the same password, confirmed, is set again.
+TEST(PasswordChange, TheHostsRefusalsChangeNothingAndTheSamePasswordConfirmedIsSetAgain) {
     auto host = MakeHost("default");
     auto& term = host->Term();
     ASSERT_TRUE(OpenPasswordDialog(*host)) << term.Dump();
@@ -58,22 +57,17 @@ TEST(PasswordChange, TheHostsRefusalsKeepTheDialogAndChangeNothing) {
         << HostRecords(*host, "commands.log");
     EXPECT_TRUE(Lines(HostRecords(*host, "events.log"), "passwd.changed").empty());
     ExpectSecretNowhere(*host, "Not-It-42");
-    ExpectSecretNowhere(*host, kRootPassword);
-}
 
-TEST(PasswordChange, SamePasswordConfirmedIsSetAgain) {
-    auto host = MakeHost("default");
-    auto& term = host->Term();
-    ASSERT_TRUE(OpenPasswordDialog(*host)) << term.Dump();
+    ASSERT_TRUE(PressFor(*host, Key::Enter, kDialogText)) << term.Dump();
     Enter(*host, kRootPassword);
     Enter(*host, kRootPassword);
     Enter(*host, kRootPassword);
-    ASSERT_TRUE(term.WaitForText(kSameWarning)) << term.Dump();
-    ASSERT_TRUE(term.WaitForQuiet(300ms));
+    ASSERT_TRUE(Settled(*host, kSameWarning)) << term.Dump();
     term.Press(Key::Enter);
     ASSERT_TRUE(term.WaitForTextGone(kDialogText)) << term.Dump();
     ASSERT_TRUE(host->WaitForSyslog({" user.info ", kChanged})) << host->Syslog();
     EXPECT_TRUE(WaitForRecords(*host, "commands.log", kBackup)) << HostRecords(*host, "commands.log");
+    ExpectSecretNowhere(*host, kRootPassword);
 }
 
 TEST(PasswordChange, ChangeIsSavedAnnouncedAndOnlyTheNewPasswordLogsIn) {
@@ -101,8 +95,7 @@ TEST(PasswordChange, ChangeIsSavedAnnouncedAndOnlyTheNewPasswordLogsIn) {
     ASSERT_TRUE(term.WaitForQuiet(300ms));
     term.Press(Key::Escape);
     ASSERT_TRUE(term.WaitForText(kWelcomeKeys)) << term.Dump();
-    ASSERT_TRUE(term.WaitForTextGone(kMenuTitle)) << term.Dump();
-    ASSERT_TRUE(term.WaitForQuiet(300ms));
+    ASSERT_TRUE(Closed(*host, kMenuTitle)) << term.Dump();
     ASSERT_TRUE(OpenLogin(*host)) << term.Dump();
     Submit(*host, "", kRootPassword);
     ASSERT_TRUE(Acknowledge(*host, "Invalid login or password.")) << term.Dump();

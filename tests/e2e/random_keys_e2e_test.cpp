@@ -121,24 +121,9 @@ void Walk(HostConsole& host, std::mt19937& random, int episodes, const std::func
 // The console still answers keys, wrote no sanitizer report, and left a store that parses.
 void ExpectWhole(HostConsole& host) {
     auto& term = host.Term();
-    // Esc backs out of whatever is open, down to the menu or the welcome screen.
+    // Backed out of whatever is open, down to the menu (or the welcome screen, should the way back fail).
+    GoToMenu(host);
     auto home = [](const VirtualTerminal& s) { return s.Contains(kMenuTitle) || s.Contains(kWelcomeKeys); };
-    for (int i = 0; i < 6 && !(home(term.Screen()) && term.WaitForQuiet(300ms)); ++i) {
-        // The pager quits with q, the network window's question takes N, a finished run's report (the
-        // network restore's) takes Enter alone, everything else Esc.
-        if (term.Screen().Contains(kApplyQuestion)) {
-            term.Type("n");
-        } else if (term.Screen().Contains("<Enter> OK") && !term.Screen().Contains("<Esc> Cancel")) {
-            term.Press(Key::Enter);
-        } else {
-            term.Type("q");
-            term.Press(Key::Escape);
-            // A lone Esc counts only once the console's Esc delay has passed with no key after it; a key
-            // sooner makes the two one Alt key, which backs out of nothing.
-            term.Pause(500ms);
-        }
-        term.WaitForQuiet(300ms, 20000ms);
-    }
     EXPECT_TRUE(term.WaitFor(home, 20000ms)) << term.Dump();
     EXPECT_TRUE(term.Running());
     for (const auto& path : SanitizerReports(host)) {

@@ -13,13 +13,9 @@
 #include <fstream>
 #include <string>
 
-#include "HostConsole.h"
 #include "HostSteps.h"
 
-using KovoE2e::ConsoleStart;
-using KovoE2e::FreshHostDir;
-using KovoE2e::HostConsole;
-using namespace std::chrono_literals;
+using namespace KovoE2e;
 
 namespace {
 
@@ -61,7 +57,7 @@ TEST_P(TerminationSignal, EndsWithStatusZeroTerminalRestoredAndPaletteReset) {
     ASSERT_GT(console, 0);
     if (GetParam().dialogOpen) {
         host.Term().Press(KovoTerm::Key::F2);
-        ASSERT_TRUE(host.Term().WaitForText(KovoE2e::kLoginTitle) && host.Term().WaitForQuiet(300ms))
+        ASSERT_TRUE(host.Term().WaitForText(kLoginTitle) && host.Term().WaitForQuiet(300ms))
             << host.Term().Dump();
     }
     auto during = host.Term().TerminalAttributes();
@@ -115,11 +111,11 @@ TEST(ConsoleResize, SignalAt100x37LogsTheNewSizeAndEnds) {
 // and logs it: one line per handled notification. The host's store lock, held from outside, stops the
 // first one halfway, so the whole burst and the termination queue up behind it.
 TEST(NotificationBurst, CollapsesIntoOneRedrawAndTerminationActsAtOnce) {
-    auto host = KovoE2e::MakeHost("default");
+    auto host = MakeHost("default");
     const pid_t console = host->WaitForConsole();
     ASSERT_GT(console, 0);
-    ASSERT_TRUE(KovoE2e::SetStore(*host, "/hardware/smartCards/slots/0/token",
-                                  R"({"label": "PIV Card", "serialNumber": "1", "userIds": ["root"]})"));
+    ASSERT_TRUE(SetStore(*host, "/hardware/smartCards/slots/0/token",
+                         R"({"label": "PIV Card", "serialNumber": "1", "userIds": ["root"]})"));
     const std::string lockPath = "/proc/" + std::to_string(console) + "/root/etc/halvor/host.json.lock";
     const int lock = open(lockPath.c_str(), O_RDWR | O_CLOEXEC);
     ASSERT_GE(lock, 0) << lockPath;

@@ -9,9 +9,7 @@
 
 #include "HostConsole.h"
 
-using KovoE2e::ConsoleStart;
-using KovoE2e::FreshHostDir;
-using KovoE2e::HostConsole;
+using namespace KovoE2e;
 
 namespace {
 

@@ -22,8 +22,7 @@ TEST(Troubleshooting, WithSshOnTheTimeoutsAreSkippedUntilSshIsDisabled) {
     Press(*host, Key::Up);
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->Term().WaitForText("Enable SSH")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForText("SSH is Disabled")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(Settled(*host, "SSH is Disabled", 200ms)) << host->Term().Dump();
     Press(*host, Key::Down);
     EXPECT_TRUE(host->Term().WaitForText(kTimeoutsDetail)) << host->Term().Dump();
 
@@ -37,9 +36,7 @@ TEST(Troubleshooting, ShellTimeoutsRefuseOutOfRangeButApplyTheValidOne) {
     auto host = MakeHost("default");
     ASSERT_TRUE(OpenTroubleshooting(*host)) << host->Term().Dump();
     Press(*host, Key::Down, 2);
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText("Availability timeout")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(PressFor(*host, Key::Enter, "Availability timeout", 200ms)) << host->Term().Dump();
     // Letters and control keys reach no field.
     host->Term().Type("ab-");
     host->Term().Press(Key::Tab);
@@ -61,18 +58,12 @@ TEST(Troubleshooting, CurrentValuesWriteNothingAndZeroDisables) {
                                      {"/advancedOptions/UserVars/KovoTimeOut/value", "90"}});
     ASSERT_TRUE(OpenTroubleshooting(*host)) << host->Term().Dump();
     Press(*host, Key::Down, 2);
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText("[ 10    ]")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText(kTimeoutsDetail)) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+    ASSERT_TRUE(PressFor(*host, Key::Enter, "[ 10    ]", 200ms)) << host->Term().Dump();
+    ASSERT_TRUE(PressFor(*host, Key::Enter, kTimeoutsDetail)) << host->Term().Dump();
     EXPECT_EQ(CommandCount(*host, {"qorcli"}), 0u);
     EXPECT_EQ(CommandCount(*host, {"qorlocalcli"}), 0u);
 
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText("[ 10    ]")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(PressFor(*host, Key::Enter, "[ 10    ]", 200ms)) << host->Term().Dump();
     host->Term().Type("0");
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->WaitForSyslog({"user.info", "]: Disabled Shell timeout"})) << host->Syslog();
@@ -95,9 +86,7 @@ TEST(Troubleshooting, NewConsoleTimeoutLogsTheOperatorOutAfterThatTime) {
     auto host = MakeHost("default", {{"/advancedOptions/UserVars/KovoTimeOut/value", "0"}}, FastClock());
     ASSERT_TRUE(OpenTroubleshooting(*host)) << host->Term().Dump();
     Press(*host, Key::Down, 3);
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText("KOVO idle timeout")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(PressFor(*host, Key::Enter, "KOVO idle timeout", 200ms)) << host->Term().Dump();
     host->Term().Type("2");
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->WaitForSyslog({"]: Modified Kovo timeout to 2 minutes"})) << host->Syslog();
@@ -111,12 +100,8 @@ TEST(Troubleshooting, AgentsRestartRunsTheCaptureOnlyWhenAskedAndIsDoneWhateverT
     auto host = MakeHost("default");
     ASSERT_TRUE(OpenTroubleshooting(*host)) << host->Term().Dump();
     Press(*host, Key::Down, 4);
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText("Restart management agents now?")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-    host->Term().Press(Key::F11);
-    ASSERT_TRUE(host->Term().WaitForText("Starting management agents. Done.")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(PressFor(*host, Key::Enter, "Restart management agents now?", 200ms)) << host->Term().Dump();
+    ASSERT_TRUE(PressFor(*host, Key::F11, "Starting management agents. Done.", 200ms)) << host->Term().Dump();
     host->Term().Press(Key::Enter);
     ASSERT_TRUE(host->Term().WaitForTextGone("Starting management agents. Done.")) << host->Term().Dump();
     EXPECT_EQ(CommandCount(*host, {R"("/sbin/services.sh","stop")"}), 1u)
@@ -129,9 +114,7 @@ TEST(Troubleshooting, AgentsRestartRunsTheCaptureOnlyWhenAskedAndIsDoneWhateverT
     // Now with the capture, and with scripts that fail.
     ASSERT_TRUE(ReplaceHostProgram(*host, "/usr/sbin/services.sh", "exit 1"));
     ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
-    host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForText("Restart management agents now?")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(PressFor(*host, Key::Enter, "Restart management agents now?", 200ms)) << host->Term().Dump();
     host->Term().Type(" ");
     host->Term().Press(Key::F11);
     ASSERT_TRUE(host->Term().WaitForText("Starting management agents. Done.")) << host->Term().Dump();
@@ -144,8 +127,7 @@ TEST(Lockdown, EnterWithoutAChangeRunsNothingAndAFailedEnterIsTriedAgain) {
     ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
     ASSERT_TRUE(OpenFromMenu(*host, kLockdownDowns, "Enable lockdown mode")) << host->Term().Dump();
     host->Term().Press(Key::Enter);
-    ASSERT_TRUE(host->Term().WaitForTextGone("Enable lockdown mode")) << host->Term().Dump();
-    ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+    ASSERT_TRUE(Closed(*host, "Enable lockdown mode")) << host->Term().Dump();
     EXPECT_EQ(CommandCount(*host, {"lockdown_mode"}), 0u);
 
     // Lockdown becomes impossible after the menu was built: entering fails on the host.
@@ -160,8 +142,7 @@ TEST(Lockdown, EnterWithoutAChangeRunsNothingAndAFailedEnterIsTriedAgain) {
         ASSERT_TRUE(
             WaitForSyslogCount(*host, {"user.err", "]: Enabling lockdown mode failed with error:"}, attempt))
             << host->Syslog();
-        ASSERT_TRUE(host->Term().WaitForTextGone("Enable lockdown mode")) << host->Term().Dump();
-        ASSERT_TRUE(host->Term().WaitForQuiet(300ms));
+        ASSERT_TRUE(Closed(*host, "Enable lockdown mode")) << host->Term().Dump();
     }
     EXPECT_EQ(CommandCount(*host, {R"("hcl-cmd","-U","kovo","hclsvc/auth/lockdown_mode_enter")"}), 2u)
         << HostRecords(*host, "commands.log");

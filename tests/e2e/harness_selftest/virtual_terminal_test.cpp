@@ -19,7 +19,7 @@ struct Recorder {
 
 }  // namespace
 
-TEST(VirtualTerminal, ReadsTextPerRowWithTrailingBlanksTrimmed) {
+TEST(VirtualTerminal, ReadsTextPerRowWithTrailingBlanksTrimmedAndFindsCells) {
     VirtualTerminal vt(5, 20, nullptr);
     vt.Feed("hello   \r\n\x1b[3;5Hmiddle");
     EXPECT_EQ(vt.RowText(0), "hello");
@@ -30,15 +30,12 @@ TEST(VirtualTerminal, ReadsTextPerRowWithTrailingBlanksTrimmed) {
     EXPECT_EQ(row, 2);
     EXPECT_EQ(column, 4);
     EXPECT_FALSE(vt.Contains("absent"));
-}
-
-TEST(VirtualTerminal, FindCountsCellsNotBytes) {
-    VirtualTerminal vt(2, 20, nullptr);
-    vt.Feed("\xe2\x94\x80\xe2\x94\x80x");  // two box-drawing characters, then x
-    int row = -1, column = -1;
+    // Columns count cells, not bytes: two box-drawing characters, then x.
+    vt.Feed("\x1b[4;1H\xe2\x94\x80\xe2\x94\x80x");
     ASSERT_TRUE(vt.Find("x", row, column));
+    EXPECT_EQ(row, 3);
     EXPECT_EQ(column, 2);
-    EXPECT_EQ(vt.CellAt(0, 0).text, "\xe2\x94\x80");
+    EXPECT_EQ(vt.CellAt(3, 0).text, "\xe2\x94\x80");
 }
 
 TEST(VirtualTerminal, AppliesPaletteSetsToCellsAlreadyDrawnAndLater) {

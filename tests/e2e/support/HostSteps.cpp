@@ -120,13 +120,23 @@ void ExpectSecretNowhere(HostConsole& host, const std::string& secret) {
     EXPECT_EQ(host.Term().Output().find(secret), std::string::npos) << "written to the terminal";
 }
 
+bool Settled(HostConsole& host, const std::string& text, std::chrono::milliseconds quiet) {
+    return host.Term().WaitForText(text) && host.Term().WaitForQuiet(quiet);
+}
+
+bool PressFor(HostConsole& host, Key key, const std::string& text, std::chrono::milliseconds quiet) {
+    host.Term().Press(key);
+    return Settled(host, text, quiet);
+}
+
+bool Closed(HostConsole& host, const std::string& text, std::chrono::milliseconds quiet) {
+    return host.Term().WaitForTextGone(text) && host.Term().WaitForQuiet(quiet);
+}
+
 bool OpenLogin(HostConsole& host, Key key) {
     auto& term = host.Term();
     // A screen still repainting (after a dialog closed, say) would discard the key.
-    if (!term.WaitForQuiet(300ms)) return false;
-    term.Press(key);
-    if (!term.WaitForText(kLoginTitle)) return false;
-    if (!term.WaitForQuiet(300ms)) return false;
+    if (!term.WaitForQuiet(300ms) || !PressFor(host, key, kLoginTitle)) return false;
     // With the keyboard line, focus starts there; the name field is one down.
     if (term.Screen().Contains("Configured Keyboard")) term.Press(Key::Down);
     return true;
@@ -152,17 +162,16 @@ bool LogIn(HostConsole& host, const std::string& user, const std::string& secret
 
 bool Acknowledge(HostConsole& host, const std::string& text) {
     auto& term = host.Term();
-    if (!term.WaitForText(text)) return false;
-    if (!term.WaitForQuiet(300ms)) return false;
+    if (!Settled(host, text)) return false;
     term.Press(Key::Enter);
     // The dialog behind discards keys typed while it comes back: wait until it has settled.
-    return term.WaitForTextGone(text) && term.WaitForQuiet(300ms);
+    return Closed(host, text);
 }
 
 bool OpenShutdown(HostConsole& host) {
     if (!OpenLogin(host, Key::F12)) return false;
     Submit(host, "", kRootPassword);
-    return host.Term().WaitForText("Forcefully terminate running VMs") && host.Term().WaitForQuiet(200ms);
+    return Settled(host, "Forcefully terminate running VMs", 200ms);
 }
 
 bool OpenFromMenu(HostConsole& host, int downs, const std::string& title) {
@@ -171,8 +180,7 @@ bool OpenFromMenu(HostConsole& host, int downs, const std::string& title) {
         term.Press(Key::Down);
         if (!term.WaitForQuiet(60ms)) return false;
     }
-    term.Press(Key::Enter);
-    return term.WaitForText(title) && term.WaitForQuiet(200ms);
+    return PressFor(host, Key::Enter, title, 200ms);
 }
 
 bool OpenTroubleshooting(HostConsole& host) {

@@ -95,6 +95,12 @@ void ExpectSecretNowhere(HostConsole& host, const std::string& secret);
 // --- the operator's steps ----------------------------------------------------------------------------
 // Every screen discards keys typed while it is being shown, so each step waits for the screen to settle.
 
+// Waits for `text`, then for the screen to settle.
+bool Settled(HostConsole& host, const std::string& text, std::chrono::milliseconds quiet = 300ms);
+// Presses `key`, then waits for `text` and the screen to settle.
+bool PressFor(HostConsole& host, Key key, const std::string& text, std::chrono::milliseconds quiet = 300ms);
+// Waits for `text` to go, then for the screen behind to settle.
+bool Closed(HostConsole& host, const std::string& text, std::chrono::milliseconds quiet = 300ms);
 // F2 (or `key`) and the login dialog, ready for typing with the name field focused.
 bool OpenLogin(HostConsole& host, Key key = Key::F2);
 // Types a name (empty keeps the prefilled one) and a secret into the open dialog and submits them.

@@ -17,14 +17,12 @@ bool OpenNetwork(HostConsole& host) {
 
 void TypeShown(HostConsole& host, const std::string& text) {
     host.Term().Type(text);
-    ASSERT_TRUE(host.Term().WaitForText(text)) << host.Term().Dump();
-    ASSERT_TRUE(host.Term().WaitForQuiet(80ms));
+    ASSERT_TRUE(Settled(host, text, 80ms)) << host.Term().Dump();
 }
 
 void Accept(HostConsole& host, const std::string& mark, int downs) {
     host.Term().Press(Key::Enter);
-    ASSERT_TRUE(host.Term().WaitForTextGone(mark)) << host.Term().Dump();
-    ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(Closed(host, mark, 200ms)) << host.Term().Dump();
     Press(host, Key::Up, downs);
 }
 
@@ -41,15 +39,27 @@ void EditIpv4Field(HostConsole& host, int fieldDowns, const std::string& text) {
     Accept(host, kStaticChoice, kIpv4Downs);
 }
 
+bool OpenTest(HostConsole& host) {
+    return LogIn(host, "", kRootPassword) && OpenFromMenu(host, kTestDowns, kTestMark);
+}
+
+void Fill(HostConsole& host, std::initializer_list<const char*> texts) {
+    for (const char* text : texts) {
+        if (text) {
+            host.Term().Press(Key::Backspace);
+            if (*text) TypeShown(host, text);
+        }
+        Press(host, Key::Down);
+    }
+}
+
 bool ShowsMessage(HostConsole& host, const std::string& title, const std::string& text) {
     return host.Term().WaitFor(
         [&](const VirtualTerminal& screen) { return screen.Contains(title) && screen.Contains(text); });
 }
 
 void LeaveAnswering(HostConsole& host, const std::string& answer) {
-    host.Term().Press(Key::Escape);
-    ASSERT_TRUE(host.Term().WaitForText(kConfirmTitle)) << host.Term().Dump();
-    ASSERT_TRUE(host.Term().WaitForQuiet(200ms));
+    ASSERT_TRUE(PressFor(host, Key::Escape, kConfirmTitle, 200ms)) << host.Term().Dump();
     host.Term().Type(answer);
 }
 

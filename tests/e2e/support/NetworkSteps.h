@@ -3,6 +3,7 @@
 // Steps of the network window's end-to-end tests: opening the window and its entries, editing a dialog's
 // fields, leaving with an answer, and reading what the host then runs.
 
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,6 @@ namespace KovoE2e {
 inline constexpr int kNetworkDowns = 2;
 inline constexpr const char* kWindowMark = "VLAN (optional)";
 inline constexpr const char* kConfirmTitle = "Configure Management Network: Confirm";
-inline constexpr const char* kRestartQuestion = "Apply changes and restart management network?";
 inline constexpr const char* kRebootQuestion = "Apply changes and reboot host?";
 inline constexpr const char* kErrorTitle = "Enable Management Network: Error";
 inline constexpr const char* kStaticChoice = "Set static IPv4 address";
@@ -22,6 +22,12 @@ inline constexpr const char* kStaticChoice = "Set static IPv4 address";
 // Entries counted in presses of Down from Network Adapters (the blank line is skipped); the window's
 // entries open like the menu's (OpenFromMenu).
 inline constexpr int kVlanDowns = 1, kIpv4Downs = 2, kIpv6Downs = 3, kDnsDowns = 4, kSuffixDowns = 5;
+
+// Menu entries below Configure Password: Restart, Test and Network Restore Options.
+inline constexpr int kRestartDowns = 3, kTestDowns = 4, kRestoreDowns = 5;
+// The test dialog's first field: the menu shows the dialog's title too, as the selected entry's.
+inline constexpr const char* kTestMark = "Ping Address #1";
+inline constexpr const char* kFqdn = "kovo-host-01.lab.example";
 
 // Presses `key` `times` times, letting the screen settle after each.
 void Press(HostConsole& host, Key key, int times = 1);
@@ -35,6 +41,11 @@ void Accept(HostConsole& host, const std::string& mark, int downs);
 void EditSuffixes(HostConsole& host, const std::string& text);
 // From the first entry: one IPv4 field (`fieldDowns` below the static choice) retyped and accepted.
 void EditIpv4Field(HostConsole& host, int fieldDowns, const std::string& text);
+// Logs in as root and opens Test Management Network.
+bool OpenTest(HostConsole& host);
+// From the test dialog's first field: each field emptied and retyped where `texts` has one (nullptr
+// keeps it).
+void Fill(HostConsole& host, std::initializer_list<const char*> texts);
 // Waits for a message dialog with its title and its text both painted.
 bool ShowsMessage(HostConsole& host, const std::string& title, const std::string& text);
 // Esc and the confirmation, answered with `answer`.
