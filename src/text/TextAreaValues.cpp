@@ -181,8 +181,14 @@ std::string FormatMemory(uint64_t totalPages, uint64_t pageSize) {
     const uint64_t whole = total / unit;
     const uint64_t rest = total - whole * unit;
     std::string value = std::to_string(whole);
-    if (rest != 0) value += "." + std::to_string(rest * 10 / unit);
-    return value + " " + "MGTP"[index] + "B";
+    if (rest != 0) {
+        value += '.';
+        value += std::to_string(rest * 10 / unit);
+    }
+    value += ' ';
+    value += "MGTP"[index];
+    value += 'B';
+    return value;
 }
 
 std::string TextArea::GetSystemMemory() {
