@@ -101,8 +101,11 @@ NmIpConfig NmNetwork::RunningIp(int family) {
 }
 
 std::optional<NmProfile> NmNetwork::ForeignHolder() {
+    return ForeignHolder(_client.Devices());
+}
+
+std::optional<NmProfile> NmNetwork::ForeignHolder(const std::vector<NmDevice>& devices) {
     if (ConsoleMade()) return std::nullopt;
-    const std::vector<NmDevice> devices = _client.Devices();
     const std::string interface = ManagementInterface(devices);
     if (interface.empty()) return std::nullopt;
     std::string activePath;
@@ -254,7 +257,7 @@ void NmNetwork::Deactivate() {
     const std::string interface =
         ConsoleMade() ? ManagementProfiles::Interface(Management()) : ManagementInterface(devices);
     if (!ConsoleMade())
-        if (const std::optional<NmProfile> holder = ForeignHolder()) _takenDown = holder->path;
+        if (const std::optional<NmProfile> holder = ForeignHolder(devices)) _takenDown = holder->path;
     for (const NmDevice& device : devices)
         if (device.interface == interface && device.activeConnection != "/" &&
             !device.activeConnection.empty())

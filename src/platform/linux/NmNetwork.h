@@ -69,8 +69,9 @@ class NmNetwork {
     HostNames& Names() { return _names; }
 
   private:
-    // ManagementInterface() among devices the caller has read already.
+    // ManagementInterface() and ForeignHolder() among devices the caller has read already.
     std::string ManagementInterface(const std::vector<NmDevice>& devices);
+    std::optional<NmProfile> ForeignHolder(const std::vector<NmDevice>& devices);
     // Throws, before anything is touched, when the management address sits on a NIC the service leaves to
     // another tool (ifupdown's /etc/network/interfaces, or one set unmanaged): the service cannot make it
     // a port of the bridge, so a change would fail half-way.

@@ -48,7 +48,8 @@ ManagementSwitch::Kind ManagementSwitch::KindOf(Switches& switches, const std::s
     throw HostCtlException("Unsupported xSwitch type");
 }
 
-bool ManagementSwitch::OnDistributedSwitch(const std::function<HostCtl::Network::ZenkNic*()>& locate) {
+bool ManagementSwitch::OnDistributedSwitch(const std::function<HostCtl::Network::ZenkNic*()>& locate,
+                                           void (*logUnknown)(const std::string&)) {
     try {
         HostCtl::Network::ZenkNic* nic = locate();
         if (nic == nullptr || !nic->IsValid()) {
@@ -57,7 +58,7 @@ bool ManagementSwitch::OnDistributedSwitch(const std::function<HostCtl::Network:
         }
         return nic->GetConnectionPoint().connecteeType == HostCtl::Network::CONNECTEE_DVPORT;
     } catch (const std::exception& e) {
-        LogFailure("Could not determine if a DVS was in use: ", e);
+        logUnknown(std::string("Could not determine if a DVS was in use: ") + e.what());
         return false;
     }
 }

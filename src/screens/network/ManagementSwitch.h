@@ -35,10 +35,11 @@ class ManagementSwitch {
     bool Vlan(int& vlanId);
     bool SetVlan(int vlanId);
 
-    // Whether the management interface that `locate` finds is a distributed switch's port. Not knowing is
-    // logged and answers no, so the caller goes on as for a standard switch: a NIC `locate` cannot find
-    // (null or invalid), or a host error while it looks or while the port is read.
-    static bool OnDistributedSwitch(const std::function<HostCtl::Network::ZenkNic*()>& locate);
+    // Whether the management interface that `locate` finds is a distributed switch's port. Not knowing
+    // answers no, so the caller goes on as for a standard switch: a NIC `locate` cannot find (null or
+    // invalid) is logged as an error, a host error while it looks or reads the port with `logUnknown`.
+    static bool OnDistributedSwitch(const std::function<HostCtl::Network::ZenkNic*()>& locate,
+                                    void (*logUnknown)(const std::string&));
 
     // The steps above without their logging, for other moves of uplinks between switches. Each throws
     // HostCtlException with the host's reason.

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "frames/Footers.h"
+#include "frames/Log.h"
 #include "network/ManagementSwitch.h"
 #include "platform/hostctl/NetworkInfo.h"
 #include "platform/hostctl/ZenkNic.h"
@@ -21,7 +22,7 @@ NetworkRestoreWindow::NetworkRestoreWindow(Frame* parent, HostAccess& host)
           network->UpdateManagementInterface();
           _nic = network->GetManagementInterface();
           return _nic.get();
-      })) {
+      }, LogError)) {
     ShowRows();
 }
 

@@ -100,12 +100,6 @@ class ScriptedScreen : public OffscreenCurses {
             done += static_cast<size_t>(n);
         }
     }
-    // The terminal's far end goes away: descriptor 0 reports hang-up and end of input.
-    void HangUpKeyboard() {
-        close(keys_[1]);
-        keys_[1] = -1;
-    }
-
     // Runs a D made over `host` on the typed keys, hands it to `check` and returns its result.
     template <typename D, typename Host>
     int RunOn(Host& host, const std::string& keys, const std::function<void(D&)>& check = nullptr) {

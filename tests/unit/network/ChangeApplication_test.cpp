@@ -293,7 +293,7 @@ TEST_F(ChangeApplicationTest, AnUnknownConnectionIsTreatedAsAStandardSwitch) {
     pending_.applied.SetIpv4Address(Ipv4Address("10.20.30.50"));
     Fault("ZenkNic.GetConnectionPoint", "port table busy");
     Apply();
-    EXPECT_TRUE(host_->Made("error: Could not determine if a DVS was in use: port table busy"));
+    EXPECT_TRUE(host_->Made("log: Could not determine if a DVS was in use: port table busy"));
     // The switch side cannot be read either: logged, nothing changed there, and the rest applies.
     EXPECT_TRUE(host_->Made("error: Getting switch name failed: port table busy"));
     EXPECT_TRUE(host_->StartingWith("VirtualSwitchInfo.").empty());
@@ -340,7 +340,10 @@ TEST_F(ChangeApplicationTest, AFailedStepIsLoggedShownAndEndsTheRunButTheRefresh
         Apply();
         const std::string line = std::string(step.line) + "the host refused";
         const Calls tail = host_->From("error: " + line);
-        ASSERT_FALSE(tail.empty()) << "no line " << line;
+        if (tail.empty()) {
+            ADD_FAILURE() << "no line " << line;
+            continue;
+        }
         // The operator was shown the same line, then only the refresh followed.
         EXPECT_EQ(tail.back(), "refresh");
         EXPECT_EQ(tail.size(), 2u);
