@@ -91,7 +91,8 @@ void ChangeApplication::Run() {
 
 bool ChangeApplication::ApplySteps() {
     // A switch that cannot be told is not a failure of the change: the run goes on as for a standard one.
-    if (!ManagementSwitch::OnDistributedSwitch([this] { return _pending.managementInterface.get(); }, LogInfo)) {
+    if (!ManagementSwitch::OnDistributedSwitch([this] { return _pending.managementInterface.get(); },
+                                               LogInfo)) {
         ApplyAdapters();
         if (!Guarded(kMacFailed, [this] { ApplyMacAddress(); })) return false;
         ApplyVlan();

@@ -17,12 +17,14 @@ namespace Kovo {
 NetworkRestoreWindow::NetworkRestoreWindow(Frame* parent, HostAccess& host)
     : MenuWindow(parent, StringId::NetworkRestoreTitle, Footer::kMenuSelect),
       _host(host),
-      _onDistributedSwitch(ManagementSwitch::OnDistributedSwitch([this] {
-          auto network = _host.Network();
-          network->UpdateManagementInterface();
-          _nic = network->GetManagementInterface();
-          return _nic.get();
-      }, LogError)) {
+      _onDistributedSwitch(ManagementSwitch::OnDistributedSwitch(
+          [this] {
+              auto network = _host.Network();
+              network->UpdateManagementInterface();
+              _nic = network->GetManagementInterface();
+              return _nic.get();
+          },
+          LogError)) {
     ShowRows();
 }
 

@@ -71,8 +71,8 @@ class LauncherTest : public ::testing::Test {
 };
 
 // Root on the host's own file systems, named as its (sparse, file) scenario says, and nothing it writes
-// reaches the machine. (That its /dev/log takes the console's lines, the end-to-end tests that wait for them prove:
-// Login.* among them.)
+// reaches the machine. (That its /dev/log takes the console's lines, the end-to-end tests that wait for them
+// prove: Login.* among them.)
 TEST_F(LauncherTest, TheConsoleRunsOnTheHostsOwnFilesAndItsWritesLandInTheHostsDirectoryOnly) {
     std::ofstream(_tmp / "named.json") << R"({"network": {"dns": {"hostname": "lab-host-07"}}})";
     const std::string report = _tmp / "report";
