@@ -254,9 +254,10 @@ void NmNetwork::Activate() {
 
 void NmNetwork::Deactivate() {
     const std::vector<NmDevice> devices = _client.Devices();
+    const bool own = ConsoleMade();
     const std::string interface =
-        ConsoleMade() ? ManagementProfiles::Interface(Management()) : ManagementInterface(devices);
-    if (!ConsoleMade())
+        own ? ManagementProfiles::Interface(Management()) : ManagementInterface(devices);
+    if (!own)
         if (const std::optional<NmProfile> holder = ForeignHolder(devices)) _takenDown = holder->path;
     for (const NmDevice& device : devices)
         if (device.interface == interface && device.activeConnection != "/" &&
