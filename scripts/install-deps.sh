@@ -37,19 +37,19 @@ if [ ${#missing[@]} -gt 0 ]; then
   as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
 fi
 
-# NetworkManager for the network lab, unpacked from Debian's package into build/nm-root: installed, the
-# package would start the service on a machine that runs systemd and take over its network.
+# NetworkManager and ifupdown for the network lab, unpacked from Debian's packages into build/nm-root:
+# installed, they would start on a machine that runs systemd and take over its network.
 nm_root="$(cd "$(dirname "$0")/.." && pwd)/build/nm-root"
-if [ ! -x "$nm_root/usr/sbin/NetworkManager" ]; then
+if [ ! -x "$nm_root/usr/sbin/NetworkManager" ] || [ ! -x "$nm_root/sbin/ifup" ]; then
   download=$(mktemp -d)
   # apt downloads as its own user where it can
   if [ "$(id -u)" -eq 0 ] && id _apt >/dev/null 2>&1; then chown _apt "$download"; fi
   # A machine that had every package already may have no package lists yet.
-  (cd "$download" && apt-get download -qq network-manager) ||
-    { as_root apt-get update -qq && (cd "$download" && apt-get download -qq network-manager); }
+  (cd "$download" && apt-get download -qq network-manager ifupdown) ||
+    { as_root apt-get update -qq && (cd "$download" && apt-get download -qq network-manager ifupdown); }
   rm -rf "$nm_root"
   mkdir -p "$nm_root"
-  dpkg-deb -x "$download"/network-manager_*.deb "$nm_root"
+  for package in "$download"/*.deb; do dpkg-deb -x "$package" "$nm_root"; done
   rm -rf "$download"
 fi
 

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <thread>
@@ -167,9 +168,8 @@ TEST_F(NmNetworkLab, TheUplinkMovesToAnotherNic) {
     EXPECT_EQ(Output("ping -c 1 -W 5 -I xswitch0 192.168.88.1 >/dev/null && echo answers"), "answers");
 }
 
-// A NIC another tool configures (as ifupdown does, the service told to leave it alone) cannot become a
-// port of the bridge: a change is refused in words before anything is touched, and the host keeps its
-// address.
+// A NIC the service was told to leave alone, not by ifupdown's file, cannot become a port of the bridge:
+// a change is refused in words before anything is touched, and the host keeps its address.
 TEST_F(NmNetworkLab, AManagementNicTheServiceLeavesAloneIsRefusedInWordsAndKeepsItsAddress) {
     Output("nmcli device set e0 managed no");
     ASSERT_TRUE(
@@ -207,6 +207,126 @@ TEST_F(NmNetworkLab, ARollBackPutsTheHostNameAndTheNameTableBack) {
     EXPECT_EQ(Output("hostname"), name);
     EXPECT_EQ(Output("cat /etc/hostname"), name);
     EXPECT_EQ(Output("cat /etc/hosts"), table);
+}
+
+// A host whose management network ifupdown configures: the first change hands the NIC to the service
+// (its stanza out of ifupdown's file, the service restarted) before the checkpoint opens, and a change
+// that is not kept gives it back, however it ends.
+class IfupdownLab : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        Output(KovoLab::kReset);
+        ASSERT_EQ(Output(KovoLab::kIfupdownStatic), "up");
+        ASSERT_TRUE(WaitFor([] { return State("e0") == "10"; }, 20s)) << State("e0");
+        ASSERT_EQ(KernelIpv4("e0"), "192.168.88.44/24");
+        file_ = Output("sha256sum </etc/network/interfaces");
+        network_ = NmNetwork::IfRunning(std::make_shared<NetlinkNetwork>(), HostFiles("/"));
+        ASSERT_NE(network_, nullptr);
+    }
+    void TearDown() override { Output(KovoLab::kReset); }
+
+    static std::string State(const std::string& nic) {
+        return Output("nmcli -g GENERAL.STATE device show " + nic + " | cut -d' ' -f1");
+    }
+    // ifupdown runs e0 again, from the file as it was, and the service leaves it alone.
+    void ExpectIfupdownHasE0() {
+        EXPECT_EQ(Output("sha256sum </etc/network/interfaces"), file_);
+        EXPECT_FALSE(std::filesystem::exists("/var/lib/kovo/ifupdown-handover"));
+        EXPECT_TRUE(WaitFor([] { return State("e0") == "10"; }, 20s)) << State("e0");
+        EXPECT_TRUE(WaitFor([] { return KernelIpv4("e0") == "192.168.88.44/24"; }, 20s)) << KernelIpv4("e0");
+        EXPECT_EQ(Output("ping -c 1 -W 5 -I e0 192.168.88.1 >/dev/null && echo answers"), "answers");
+        EXPECT_EQ(ControllerOf("e0"), "");
+        EXPECT_EQ(Output("nmcli -g NAME connection show"), "");
+        EXPECT_TRUE(WaitFor([] { return Output("ip -o link show xswitch0 2>/dev/null").empty(); }, 10s));
+    }
+    void ChangeTo46() {
+        network_->OpenChange(60);
+        // Handed over as it ran: the address never left.
+        EXPECT_EQ(State("e0"), "100");
+        EXPECT_EQ(KernelIpv4("e0"), "192.168.88.44/24");
+        EXPECT_EQ(Output("grep -c e0 /etc/network/interfaces"), "0");
+        network_->Store(Static("192.168.88.46"));
+        network_->Activate();
+        ASSERT_EQ(KernelIpv4("xswitch0"), "192.168.88.46/24");
+        ASSERT_EQ(ControllerOf("e0"), "xswitch0");
+    }
+
+    std::string file_;
+    std::shared_ptr<NmNetwork> network_;
+};
+
+TEST_F(IfupdownLab, TheNicIsReadAsIfupdownRunsItAndOfferedAsAnAdapter) {
+    EXPECT_EQ(network_->IfupdownNic(), "e0");
+    EXPECT_FALSE(network_->ConsoleMade());
+    const ManagementNetwork read = network_->Management();
+    EXPECT_EQ(read.uplinks, std::vector<std::string>{"e0"});
+    EXPECT_FALSE(read.ip.GetUseDhcp());
+    EXPECT_EQ(read.ip.GetIpv4Address().GetStringAddress(), "192.168.88.44");
+    std::vector<std::string> nics;
+    for (const NmDevice& nic : network_->Nics()) nics.push_back(nic.interface);
+    // e1 has a stanza of its own, so the service leaves it to ifupdown too; only the management NIC is
+    // taken over.
+    EXPECT_EQ(nics, std::vector<std::string>{"e0"});
+}
+
+TEST_F(IfupdownLab, AKeptTakeOverLeavesTheNicToTheServiceAndTheRestOfTheFileAsItWas) {
+    ChangeTo46();
+    network_->Keep();
+    EXPECT_FALSE(std::filesystem::exists("/var/lib/kovo/ifupdown-handover"));
+    EXPECT_EQ(Output("cat /etc/network/interfaces"),
+              "# The interfaces, as the installer wrote them.\nauto lo\niface lo inet loopback\n\n\n"
+              "iface e1 inet manual");
+    // Nothing of ifupdown's is written out as a profile of the service's.
+    EXPECT_EQ(Output("nmcli -g NAME connection show | sort | paste -sd,"),
+              "Management Network,Management Network port e0");
+    // It stays so when the service starts again, as at the next boot.
+    Output(KOVO_LAB_RESTART_SERVICE);
+    EXPECT_TRUE(WaitFor([] { return KernelIpv4("xswitch0") == "192.168.88.46/24"; }, 30s))
+        << KernelIpv4("xswitch0");
+    EXPECT_EQ(ControllerOf("e0"), "xswitch0");
+    EXPECT_EQ(NmNetwork::IfRunning(std::make_shared<NetlinkNetwork>(), HostFiles("/"))->IfupdownNic(), "");
+}
+
+TEST_F(IfupdownLab, ATakeOverRolledBackGivesTheNicBackToIfupdown) {
+    ChangeTo46();
+    network_->RollBack();
+    ExpectIfupdownHasE0();
+}
+
+// A service that will not take the NIC (its own settings leave it alone) gets no change: ifupdown has
+// the NIC back at once, and no checkpoint is left.
+TEST_F(IfupdownLab, ANicTheServiceWillNotTakeIsGivenBackAndTheChangeRefused) {
+    Output(
+        "printf '[keyfile]\\nunmanaged-devices=interface-name:lo;interface-name:e0\\n' "
+        ">/etc/NetworkManager/conf.d/90-leave-e0.conf");
+    try {
+        network_->OpenChange(60);
+        ADD_FAILURE() << "a change was opened on a NIC the service did not take";
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        EXPECT_STREQ(e.what(), "The network service did not take e0 over from ifupdown");
+    }
+    EXPECT_FALSE(network_->ChangeOpen());
+    ExpectIfupdownHasE0();
+    EXPECT_EQ(NetworkManagerClient::Connect().Checkpoints(), std::vector<std::string>{});
+}
+
+// A console killed while its take-over waited to be kept leaves the checkpoint open; one whose host
+// restarted meanwhile leaves the console's profiles and no checkpoint. Either way the next console puts
+// ifupdown's NIC back as it starts.
+TEST_F(IfupdownLab, ATakeOverLeftUnkeptIsPutBackByTheNextConsole) {
+    for (const bool restarted : {false, true}) {
+        SCOPED_TRACE(restarted ? "host restarted" : "console killed");
+        ChangeTo46();
+        if (restarted)
+            NetworkManagerClient::Connect().DestroyCheckpoint(
+                NetworkManagerClient::Connect().Checkpoints().at(0));
+        network_.reset();
+        ASSERT_TRUE(std::filesystem::exists("/var/lib/kovo/ifupdown-handover"));
+        network_ = NmNetwork::IfRunning(std::make_shared<NetlinkNetwork>(), HostFiles("/"));
+        ASSERT_NE(network_, nullptr);
+        ExpectIfupdownHasE0();
+        EXPECT_EQ(NetworkManagerClient::Connect().Checkpoints(), std::vector<std::string>{});
+    }
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "linux/InterfacesFile.h"
+#include "platform/linux/InterfacesFile.h"
 
 #include <sstream>
 #include <vector>

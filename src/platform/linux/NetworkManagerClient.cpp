@@ -99,6 +99,11 @@ bool NetworkManagerClient::Running() {
     return reply.at(0).get<bool>();
 }
 
+bool NetworkManagerClient::Starting() {
+    const Value startup = _bus.Property(kService, kPath, kInterface, "Startup");
+    return startup.is_boolean() && startup.get<bool>();
+}
+
 std::string NetworkManagerClient::Version() {
     return _bus.Property(kService, kPath, kInterface, "Version").get<std::string>();
 }
@@ -141,6 +146,11 @@ std::vector<NmProfile> NetworkManagerClient::Profiles() {
         profiles.push_back({path, std::move(settings)});
     }
     return profiles;
+}
+
+bool NetworkManagerClient::Unsaved(const std::string& profile) {
+    const Value unsaved = _bus.Property(kService, profile, kConnection, "Unsaved");
+    return unsaved.is_boolean() && unsaved.get<bool>();
 }
 
 std::vector<NmActive> NetworkManagerClient::ActiveConnections() {
@@ -191,6 +201,10 @@ void NetworkManagerClient::UpdateProfile(const std::string& path, const Value& s
 
 void NetworkManagerClient::DeleteProfile(const std::string& path) {
     Call(path, kConnection, "Delete");
+}
+
+void NetworkManagerClient::DeleteDevice(const std::string& path) {
+    Call(path, kDevice, "Delete");
 }
 
 std::string NetworkManagerClient::Activate(const std::string& profile, const std::string& device) {

@@ -82,10 +82,15 @@ class NetworkManagerClient {
 
     // Whether the service is on the bus at all.
     bool Running();
+    // Whether it is still starting: bringing up what it found, and deciding which devices it manages.
+    bool Starting();
     std::string Version();
 
     std::vector<NmDevice> Devices();
     std::vector<NmProfile> Profiles();
+    // Whether the profile lives in the service's memory only (one it made up for a device that was set up
+    // before it managed it, say): gone at the next start.
+    bool Unsaved(const std::string& profile);
     std::vector<NmActive> ActiveConnections();
     // family AF_INET or AF_INET6; an empty configuration for the path "/".
     NmIpConfig IpConfig(const std::string& path, int family);
@@ -94,6 +99,8 @@ class NetworkManagerClient {
     std::string AddProfile(const Bus::Value& settings);
     void UpdateProfile(const std::string& path, const Bus::Value& settings);
     void DeleteProfile(const std::string& path);
+    // Removes a software device (a bridge, a bond) from the kernel.
+    void DeleteDevice(const std::string& path);
     // The active connection's path; `device` "/" lets the service choose.
     std::string Activate(const std::string& profile, const std::string& device = "/");
     void Deactivate(const std::string& active);

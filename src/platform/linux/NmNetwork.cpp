@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/socket.h>
+#include <syslog.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <set>
 #include <thread>
 
 #include "platform/hostctl/HostCtlException.h"
@@ -25,6 +27,8 @@ using namespace std::chrono_literals;
 
 // How long the management interface may take to come up (a DHCP lease included).
 constexpr auto kActivationTime = 45s;
+// How long the service may take, once restarted, to run a NIC it was handed as it found it.
+constexpr auto kHandOverTime = 30s;
 constexpr uint32_t kActiveActivated = 2, kActiveDeactivated = 4;
 // The checkpoint of the change a console has open, locked by that console while it lives.
 constexpr const char* kChangeRecord = "/run/kovo/network-change";
@@ -49,14 +53,20 @@ const NmProfile* ProfileWithRole(const std::vector<NmProfile>& profiles, const c
 
 NmNetwork::NmNetwork(NetworkManagerClient client, std::shared_ptr<const KernelNetwork> kernel,
                      HostFiles files)
-    : _client(std::move(client)), _files(files), _kernel(std::move(kernel)), _names(std::move(files)) {}
+    : _client(std::move(client)),
+      _files(files),
+      _kernel(std::move(kernel)),
+      _names(files),
+      _ifupdown(std::move(files)) {}
 
 std::shared_ptr<NmNetwork> NmNetwork::IfRunning(std::shared_ptr<const KernelNetwork> kernel,
                                                 HostFiles files) {
     try {
         NetworkManagerClient client = NetworkManagerClient::Connect();
         if (!client.Running()) return nullptr;
-        return std::make_shared<NmNetwork>(std::move(client), std::move(kernel), std::move(files));
+        auto network = std::make_shared<NmNetwork>(std::move(client), std::move(kernel), std::move(files));
+        network->FinishAbandonedChange();
+        return network;
     } catch (const HostCtl::Lib::HostCtlException&) {
         return nullptr;  // no bus: nothing runs the network but the kernel's own settings
     }
@@ -71,9 +81,12 @@ std::vector<NmProfile> NmNetwork::Profiles() {
 }
 
 std::vector<NmDevice> NmNetwork::Nics() {
+    std::vector<NmDevice> devices = _client.Devices();
+    const std::string fromIfupdown = IfupdownNic(devices);
     std::vector<NmDevice> nics;
-    for (NmDevice& device : _client.Devices())
-        if (device.wired && device.Managed()) nics.push_back(std::move(device));
+    for (NmDevice& device : devices)
+        if (device.wired && (device.Managed() || device.interface == fromIfupdown))
+            nics.push_back(std::move(device));
     std::sort(nics.begin(), nics.end(),
               [](const NmDevice& a, const NmDevice& b) { return a.interface < b.interface; });
     return nics;
@@ -116,6 +129,20 @@ std::optional<NmProfile> NmNetwork::ForeignHolder(const std::vector<NmDevice>& d
             for (NmProfile& profile : _client.Profiles())
                 if (profile.path == active.profile) return profile;
     return std::nullopt;
+}
+
+std::string NmNetwork::IfupdownNic() {
+    return IfupdownNic(_client.Devices());
+}
+
+std::string NmNetwork::IfupdownNic(const std::vector<NmDevice>& devices) {
+    const auto leftAlone = [](const NmDevice& device) { return device.wired && !device.Managed(); };
+    if (std::none_of(devices.begin(), devices.end(), leftAlone)) return {};
+    const std::string interface = ManagementInterface(devices);
+    for (const NmDevice& device : devices)
+        if (device.interface == interface && leftAlone(device) && _ifupdown.Configures(interface))
+            return interface;
+    return {};
 }
 
 bool NmNetwork::ConsoleMade() {
@@ -182,9 +209,9 @@ void NmNetwork::RefuseUnmanagedManagement() {
         if (device.interface == interface && device.state == NmDevice::kUnmanaged)
             throw HostCtl::Lib::HostCtlException(
                 "The network service does not manage " + interface +
-                ", which holds the management address: another tool configures it (see "
-                "/etc/network/interfaces). Hand it to the network service, then change the management "
-                "network here");
+                ", which holds the management address, and ifupdown's /etc/network/interfaces does not "
+                "configure it: hand it to the network service (nmcli device set " +
+                interface + " managed yes), then change the management network here");
 }
 
 void NmNetwork::Store(const ManagementNetwork& network) {
@@ -216,6 +243,9 @@ void NmNetwork::Store(const ManagementNetwork& network) {
         if (!starts ||
             std::find(network.uplinks.begin(), network.uplinks.end(), nic) == network.uplinks.end())
             continue;
+        // One the service made up for a NIC it found running (as after a take-over from ifupdown) ends
+        // with the service; changed, it would be written out and stay.
+        if (_client.Unsaved(profile.path)) continue;
         Value settings = profile.settings;
         settings["connection"]["autoconnect"] = Bus::Variant("b", false);
         _client.UpdateProfile(profile.path, settings);
@@ -302,6 +332,77 @@ void NmNetwork::ClaimChangeRecord() {
         throw HostCtl::Lib::HostCtlException(
             "Another change of the host's network waits to be kept or undone: try again when it has been");
     _record.Reset(record.Release());
+    if (_ifupdown.Pending()) {
+        // A take-over from ifupdown that its console never kept.
+        try {
+            PutBackIfupdown();
+        } catch (...) {
+            ReleaseChangeRecord();
+            throw;
+        }
+    }
+}
+
+void NmNetwork::PutBackIfupdown() {
+    _ifupdown.RestoreFile();
+    // The service leaves the NICs alone again, so their profiles go without taking them down: those the
+    // change made, the console's (a host restarted before the change was kept has them still), and the
+    // one the service made up for a NIC it found running, which a rollback writes out.
+    const std::set<std::string> before = _ifupdown.ProfilesBefore(), nics = _ifupdown.Interfaces();
+    for (const NmProfile& profile : _client.Profiles())
+        if (!before.count(profile.Uuid()) &&
+            (!ManagementProfiles::RoleOf(profile).empty() || nics.count(profile.InterfaceName())))
+            _client.DeleteProfile(profile.path);
+    // The bridge or bond the change made outlives its profiles in the kernel when the service restarted
+    // before it was gone; the host had none before.
+    for (const NmDevice& device : _client.Devices())
+        if (device.interface == ManagementProfiles::kBridge || device.interface == ManagementProfiles::kBond)
+            try {
+                _client.DeleteDevice(device.path);
+            } catch (const BusError&) {
+                // Gone by itself meanwhile.
+            }
+    // ifupdown's file is back whatever ifup does: nothing is left to put back.
+    try {
+        _ifupdown.BringUp(*_kernel);
+    } catch (...) {
+        _ifupdown.Forget();
+        throw;
+    }
+    _ifupdown.Forget();
+}
+
+void NmNetwork::FinishAbandonedChange() {
+    if (ChangeOpen() || !_ifupdown.Pending()) return;
+    try {
+        ClaimChangeRecord();
+        ReleaseChangeRecord();
+    } catch (const HostCtl::Lib::HostCtlException& e) {
+        // Another console's change is open (it puts back its own), or the put-back failed: it is tried
+        // again at the next change.
+        syslog(LOG_WARNING, "Taking the management network over from ifupdown was left unfinished: %s",
+               e.what());
+    }
+}
+
+void NmNetwork::TakeFromIfupdown(const std::string& nic) {
+    std::set<std::string> profiles;
+    for (const NmProfile& profile : _client.Profiles()) profiles.insert(profile.Uuid());
+    _ifupdown.HandOver({nic}, profiles);
+    const auto deadline = std::chrono::steady_clock::now() + kHandOverTime;
+    for (;;) {
+        bool leftAlone = false;
+        for (const NmDevice& device : _client.Devices()) {
+            if (device.interface != nic) continue;
+            if (device.state == NmDevice::kActivated) return;
+            leftAlone = !device.Managed();
+        }
+        // Started, and still leaving it alone (its own settings say so): it will not take it.
+        if ((leftAlone && !_client.Starting()) || std::chrono::steady_clock::now() > deadline)
+            throw HostCtl::Lib::HostCtlException("The network service did not take " + nic +
+                                                 " over from ifupdown");
+        std::this_thread::sleep_for(100ms);
+    }
 }
 
 void NmNetwork::ReleaseChangeRecord() {
@@ -313,12 +414,23 @@ void NmNetwork::ReleaseChangeRecord() {
 }
 
 void NmNetwork::OpenChange(int rollbackSeconds) {
-    RefuseUnmanagedManagement();
+    FinishAbandonedChange();
+    const std::string fromIfupdown = IfupdownNic();
+    if (fromIfupdown.empty()) RefuseUnmanagedManagement();
     ClaimChangeRecord();
     try {
+        if (!fromIfupdown.empty()) TakeFromIfupdown(fromIfupdown);
         // Every device: a change may take NICs from anywhere, and make bridges and bonds that did not exist.
         _checkpoint = _client.CreateCheckpoint({}, static_cast<uint32_t>(rollbackSeconds));
     } catch (...) {
+        if (_ifupdown.Pending()) {
+            try {
+                PutBackIfupdown();
+            } catch (const HostCtl::Lib::HostCtlException& e) {
+                // The record stays: the next change, or the next console, puts the file back.
+                syslog(LOG_ERR, "%s", e.what());
+            }
+        }
         ReleaseChangeRecord();
         throw;
     }
@@ -349,15 +461,18 @@ void NmNetwork::Keep() {
     if (!_checkpoint) return;
     const std::string checkpoint = *_checkpoint;
     _checkpoint.reset();
-    ReleaseChangeRecord();
+    // Held to the end: no other console takes what is left for unfinished meanwhile.
+    const ChangeRecordHeld held(*this);
     _client.DestroyCheckpoint(checkpoint);
+    // Only once the change is sure to stay: should its time have run out, the record puts ifupdown back.
+    if (_ifupdown.Pending()) _ifupdown.Forget();
 }
 
 std::vector<std::string> NmNetwork::RollBack() {
     if (!_checkpoint) return {};
     const std::string checkpoint = *_checkpoint;
     _checkpoint.reset();
-    ReleaseChangeRecord();
+    const ChangeRecordHeld held(*this);
     std::map<std::string, bool> results;
     try {
         results = _client.RollBackCheckpoint(checkpoint);
@@ -375,6 +490,7 @@ std::vector<std::string> NmNetwork::RollBack() {
     std::sort(restored.begin(), restored.end());
     if (_hostnameBefore && _names.Static() != *_hostnameBefore) _names.Set(*_hostnameBefore);
     if (_hostsBefore && _names.HostsText() != *_hostsBefore) _names.SetHostsText(*_hostsBefore);
+    if (_ifupdown.Pending()) PutBackIfupdown();
     return restored;
 }
 

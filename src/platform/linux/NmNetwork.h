@@ -9,6 +9,7 @@
 
 #include "platform/hostctl/UniqueFd.h"
 #include "platform/linux/HostNames.h"
+#include "platform/linux/IfupdownHandover.h"
 #include "platform/linux/KernelNetwork.h"
 #include "platform/linux/ManagementProfiles.h"
 #include "platform/linux/NetworkManagerClient.h"
@@ -29,7 +30,7 @@ class NmNetwork {
     // The service's view, read afresh.
     std::vector<NmDevice> Devices();
     std::vector<NmProfile> Profiles();
-    // The NICs: the wired devices the service manages.
+    // The NICs: the wired devices the service manages, and the one ifupdown runs the management network on.
     std::vector<NmDevice> Nics();
 
     // The management network. On a host whose network the console has not set up (ConsoleMade() false),
@@ -44,6 +45,9 @@ class NmNetwork {
     // The profile (and its NICs) that the first change takes the management network from; nullopt when
     // the console's own profiles hold it, or nothing does.
     std::optional<NmProfile> ForeignHolder();
+    // The NIC that holds the management address when ifupdown configures it (the service leaves it
+    // alone); "" otherwise. The first change hands it to the service, and puts it back if not kept.
+    std::string IfupdownNic();
 
     // Makes the profiles say `network`, and (unless a change is open) puts it in place.
     void Store(const ManagementNetwork& network);
@@ -59,6 +63,7 @@ class NmNetwork {
     // back the rest even when the console is gone).
     // One console changes the network at a time. A change that a console left open when it ended is
     // rolled back first: nobody is left to keep it, and the service refuses a second one meanwhile.
+    // A management NIC that ifupdown configures is handed to the service before the checkpoint opens.
     void OpenChange(int rollbackSeconds);
     bool ChangeOpen() const { return _checkpoint.has_value(); }
     int SecondsLeft() const;
@@ -68,22 +73,40 @@ class NmNetwork {
 
     HostNames& Names() { return _names; }
 
+    // Puts back a take-over from ifupdown that a console left neither kept nor undone (killed, or the host
+    // restarted): ifupdown has its NIC again. Nothing when there is none, or another console's is open.
+    void FinishAbandonedChange();
+
   private:
     // ManagementInterface() and ForeignHolder() among devices the caller has read already.
     std::string ManagementInterface(const std::vector<NmDevice>& devices);
     std::optional<NmProfile> ForeignHolder(const std::vector<NmDevice>& devices);
-    // Throws, before anything is touched, when the management address sits on a NIC the service leaves to
-    // another tool (ifupdown's /etc/network/interfaces, or one set unmanaged): the service cannot make it
-    // a port of the bridge, so a change would fail half-way.
+    std::string IfupdownNic(const std::vector<NmDevice>& devices);
+    // Hands `nic` over from ifupdown and waits until the service runs it (as it found it).
+    void TakeFromIfupdown(const std::string& nic);
+    // Gives ifupdown back what a change that was not kept took from it.
+    void PutBackIfupdown();
+    // Throws, before anything is touched, when the management address sits on a NIC the service was told
+    // to leave alone other than by ifupdown's file (which a change takes it over from): the service cannot
+    // make it a port of the bridge, so a change would fail half-way.
     void RefuseUnmanagedManagement();
     // Holds the host's change record, after rolling back what a console that ended left in it.
     void ClaimChangeRecord();
     void ReleaseChangeRecord();
+    // Releases the change record as the scope ends, on every path out.
+    struct ChangeRecordHeld {
+        NmNetwork& network;
+        explicit ChangeRecordHeld(NmNetwork& held) : network(held) {}
+        ~ChangeRecordHeld() { network.ReleaseChangeRecord(); }
+        ChangeRecordHeld(const ChangeRecordHeld&) = delete;
+        ChangeRecordHeld& operator=(const ChangeRecordHeld&) = delete;
+    };
 
     NetworkManagerClient _client;
     HostFiles _files;
     std::shared_ptr<const KernelNetwork> _kernel;
     HostNames _names;
+    IfupdownHandover _ifupdown;
     std::optional<std::string> _hostnameBefore, _hostsBefore;
     std::optional<std::string> _checkpoint;
     std::chrono::steady_clock::time_point _rollbackAt;
