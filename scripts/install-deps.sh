@@ -37,16 +37,16 @@ if [ ${#missing[@]} -gt 0 ]; then
   as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
 fi
 
-# NetworkManager and ifupdown for the network lab, unpacked from Debian's packages into build/nm-root:
-# installed, they would start on a machine that runs systemd and take over its network.
+# NetworkManager, ifupdown and its DHCP client for the network lab, unpacked from Debian's packages into
+# build/nm-root: installed, they would start on a machine that runs systemd and take over its network.
 nm_root="$(cd "$(dirname "$0")/.." && pwd)/build/nm-root"
-if [ ! -x "$nm_root/usr/sbin/NetworkManager" ] || [ ! -x "$nm_root/sbin/ifup" ]; then
+if [ ! -x "$nm_root/usr/sbin/NetworkManager" ] || [ ! -x "$nm_root/sbin/dhclient" ]; then
   download=$(mktemp -d)
   # apt downloads as its own user where it can
   if [ "$(id -u)" -eq 0 ] && id _apt >/dev/null 2>&1; then chown _apt "$download"; fi
   # A machine that had every package already may have no package lists yet.
-  (cd "$download" && apt-get download -qq network-manager ifupdown) ||
-    { as_root apt-get update -qq && (cd "$download" && apt-get download -qq network-manager ifupdown); }
+  (cd "$download" && apt-get download -qq network-manager ifupdown isc-dhcp-client) ||
+    { as_root apt-get update -qq && (cd "$download" && apt-get download -qq network-manager ifupdown isc-dhcp-client); }
   rm -rf "$nm_root"
   mkdir -p "$nm_root"
   for package in "$download"/*.deb; do dpkg-deb -x "$package" "$nm_root"; done

@@ -40,5 +40,10 @@ inline constexpr const char* kIfupdownStatic =
     "allow-hotplug e0\\niface e0 inet static\\n\\taddress 192.168.88.44/24\\n\\tgateway 192.168.88.1\\n\\n"
     "iface e1 inet manual\\n' >/etc/network/interfaces && " KOVO_LAB_RESTART_SERVICE
     " && ifup --force e0 >/dev/null 2>&1 && echo up";
+// The same host with e0 on DHCP, as Debian's installer sets a host up: ifupdown's DHCP client runs for it.
+inline constexpr const char* kIfupdownDhcp =
+    "nmcli -g UUID connection show | xargs -r nmcli connection delete >/dev/null; ip -4 addr flush dev e0; "
+    "printf 'auto lo\\niface lo inet loopback\\n\\nallow-hotplug e0\\niface e0 inet dhcp\\n' "
+    ">/etc/network/interfaces && " KOVO_LAB_RESTART_SERVICE " && ifup --force e0 >/dev/null 2>&1 && echo up";
 
 }  // namespace KovoLab

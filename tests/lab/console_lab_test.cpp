@@ -336,3 +336,49 @@ TEST_F(LabConsole, FactoryRestoreMakesADhcpBridgeOnTheFirstNic) {
     EXPECT_EQ(Lab("ip -o link show dev e0 | grep -o 'master [^ ]*'"), "master xswitch0");
     EXPECT_TRUE(KovoE2e::WaitFor([] { return HasLease("xswitch0"); }, 30s)) << KernelIpv4("xswitch0");
 }
+
+// A host whose network ifupdown configures: the first change says what it takes over, and takes it.
+class IfupdownLabConsole : public LabConsole {
+  protected:
+    void SetUp() override {
+        Lab(KovoLab::kReset);
+        ASSERT_EQ(Lab(KovoLab::kIfupdownStatic), "up");
+        file_ = Lab("sha256sum </etc/network/interfaces");
+        ASSERT_TRUE(StartConsole()) << term_->Dump();
+    }
+    // The static address typed over the one ifupdown gave, and the window left with Y.
+    bool ApplyStatic(const std::string& address) {
+        return Steps().OpenNetworkWindow(kPassword) &&
+               Steps().OpenEntry(KovoE2e::kIpv4Downs, KovoE2e::kStaticChoice) &&
+               Steps().Choose(0, Key::Down, {address, "255.255.255.0", "192.168.88.1"}) &&
+               Steps().AcceptAndApply(KovoE2e::kStaticChoice);
+    }
+    std::string file_;
+};
+
+TEST_F(IfupdownLabConsole, TheChangeSaysWhatItTakesOverAndKeptLeavesTheNicToTheService) {
+    ASSERT_TRUE(ApplyStatic("192.168.88.63")) << term_->Dump();
+    for (const char* line : {"The management network runs on e0, which ifupdown configures",
+                             "console's bridge xswitch0; a change not kept puts both back."})
+        EXPECT_NE(Steps().confirmation.find(line), std::string::npos) << Steps().confirmation;
+    ASSERT_TRUE(Steps().KeepWhenAsked()) << term_->Dump();
+    EXPECT_NE(Steps().kept.find("Pinging address (192.168.88.1). OK."), std::string::npos) << Steps().kept;
+    EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.63/24");
+    EXPECT_EQ(Lab("ip -o link show dev e0 | grep -o 'master [^ ]*'"), "master xswitch0");
+    EXPECT_EQ(Lab("grep -c e0 /etc/network/interfaces"), "0");
+    EXPECT_EQ(Lab("ls /var/lib/kovo"), "");
+    term_->Press(Key::Escape);
+    EXPECT_TRUE(term_->WaitForText("192.168.88.63", 30s)) << term_->Dump();
+}
+
+TEST_F(IfupdownLabConsole, NoToTheQuestionGivesTheNicBackToIfupdown) {
+    ASSERT_TRUE(ApplyStatic("192.168.88.64")) << term_->Dump();
+    ASSERT_TRUE(term_->WaitForText(kKeepQuestion, 90s)) << term_->Dump();
+    EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.64/24");
+    term_->Type("n");
+    ASSERT_TRUE(term_->WaitForText(kRestoredTitle, 60s)) << term_->Dump();
+    EXPECT_EQ(Lab("sha256sum </etc/network/interfaces"), file_);
+    EXPECT_EQ(Lab("nmcli -g GENERAL.STATE device show e0"), "10 (unmanaged)");
+    EXPECT_EQ(KernelIpv4("e0"), "192.168.88.44/24");
+    EXPECT_EQ(Lab("nmcli -g NAME connection show"), "");
+}

@@ -240,10 +240,11 @@ class IfupdownLab : public ::testing::Test {
         EXPECT_TRUE(WaitFor([] { return Output("ip -o link show xswitch0 2>/dev/null").empty(); }, 10s));
     }
     void ChangeTo46() {
+        const std::string address = KernelIpv4("e0");
         network_->OpenChange(60);
         // Handed over as it ran: the address never left.
         EXPECT_EQ(State("e0"), "100");
-        EXPECT_EQ(KernelIpv4("e0"), "192.168.88.44/24");
+        EXPECT_EQ(KernelIpv4("e0"), address);
         EXPECT_EQ(Output("grep -c e0 /etc/network/interfaces"), "0");
         network_->Store(Static("192.168.88.46"));
         network_->Activate();
@@ -308,6 +309,32 @@ TEST_F(IfupdownLab, ANicTheServiceWillNotTakeIsGivenBackAndTheChangeRefused) {
     EXPECT_FALSE(network_->ChangeOpen());
     ExpectIfupdownHasE0();
     EXPECT_EQ(NetworkManagerClient::Connect().Checkpoints(), std::vector<std::string>{});
+}
+
+// ifupdown's DHCP client runs on while the change is open, and once it is rolled back ifupdown has one
+// client for the NIC, with its lease. Kept, the hand-over ends the client: it would put the lease back
+// on a port of the bridge.
+TEST_F(IfupdownLab, ADhcpNicHasOneClientAfterARollBackAndNoneOnceKept) {
+    ASSERT_EQ(Output(KovoLab::kIfupdownDhcp), "up");
+    ASSERT_TRUE(WaitFor([] { return IsLease(KernelIpv4("e0")); }, 30s)) << KernelIpv4("e0");
+    const std::string lease = KernelIpv4("e0");
+    // ifupdown's clients for e0 that are alive (not ended and waiting for their parent to see it).
+    const auto clients = [] {
+        return Output("ps -eo stat,args | grep -c '^S.*dhclien[t] .*/run/dhclient.e0.pid'");
+    };
+    ASSERT_EQ(clients(), "1");
+
+    ChangeTo46();
+    network_->RollBack();
+    EXPECT_TRUE(WaitFor([] { return State("e0") == "10"; }, 20s)) << State("e0");
+    EXPECT_EQ(KernelIpv4("e0"), lease);
+    EXPECT_EQ(clients(), "1");
+
+    ChangeTo46();
+    network_->Keep();
+    EXPECT_EQ(clients(), "0");
+    EXPECT_EQ(KernelIpv4("e0"), "");
+    EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.46/24");
 }
 
 // A console killed while its take-over waited to be kept leaves the checkpoint open; one whose host

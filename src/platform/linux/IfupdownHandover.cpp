@@ -1,11 +1,14 @@
 #include "platform/linux/IfupdownHandover.h"
 
+#include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/WholeFile.h"
@@ -27,6 +30,17 @@ bool HasAddress(const KernelNetwork& kernel, const std::string& interface) {
     for (const KernelAddress& address : kernel.Addresses())
         if (address.interface == interface && address.address.rfind("fe80:", 0) != 0) return true;
     return false;
+}
+
+// A process's arguments, from /proc/PID/cmdline (each ended by a null byte).
+std::vector<std::string> Arguments(const std::string& commandLine) {
+    std::vector<std::string> words;
+    for (std::size_t at = 0; at < commandLine.size();) {
+        const std::size_t end = std::min(commandLine.find('\0', at), commandLine.size());
+        words.push_back(commandLine.substr(at, end - at));
+        at = end + 1;
+    }
+    return words;
 }
 
 }  // namespace
@@ -89,6 +103,8 @@ void IfupdownHandover::BringUp(const KernelNetwork& kernel) {
     std::string failed;
     for (const std::string& interface : Interfaces()) {
         if (HasAddress(kernel, interface)) continue;
+        // A client still running for it would fight the one ifup starts.
+        StopClients(interface);
         std::string errors;
         const int status = LinuxPrograms::RunDetached({kIfup, {"ifup", "--force", interface}}, &errors);
         if (status != 0)
@@ -99,6 +115,27 @@ void IfupdownHandover::BringUp(const KernelNetwork& kernel) {
     if (!failed.empty())
         throw HostCtl::Lib::HostCtlException("ifupdown could not bring the management network back up (" +
                                              failed + ")");
+}
+
+void IfupdownHandover::StopClients() {
+    for (const std::string& interface : Interfaces()) StopClients(interface);
+}
+
+void IfupdownHandover::StopClients(const std::string& interface) {
+    // Found by the pid file each names on its command line, not by the file's content: a client started
+    // again over a running one leaves two, and the file names only the second.
+    const std::string pidFiles[] = {"/run/dhclient." + interface + ".pid",
+                                    "/run/dhclient6." + interface + ".pid"};
+    for (const std::string& pid : _files.List("/proc")) {
+        if (pid.find_first_not_of("0123456789") != std::string::npos) continue;
+        const std::optional<std::string> commandLine = _files.Read("/proc/" + pid + "/cmdline");
+        if (!commandLine || commandLine->rfind("dhclient", 0) != 0) continue;
+        const std::vector<std::string> words = Arguments(*commandLine);
+        for (const std::string& pidFile : pidFiles)
+            if (std::find(words.begin(), words.end(), pidFile) != words.end())
+                // Killed, not asked: asked to end, the client would take the address off as it goes.
+                ::kill(std::stoi(pid), SIGKILL);
+    }
 }
 
 void IfupdownHandover::Forget() {

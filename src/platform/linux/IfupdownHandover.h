@@ -34,6 +34,11 @@ class IfupdownHandover {
     std::set<std::string> Interfaces() const;
     std::set<std::string> ProfilesBefore() const;
 
+    // Kept: ifupdown's DHCP clients for the interfaces end (without a word to the server, so the lease
+    // and the address stay until the service's own setting replaces them); left running, they would put
+    // the address back on a NIC that is now a port of the bridge.
+    void StopClients();
+
     // Putting it back, in steps, as the file and the service's profiles have to be put back in turn: the
     // recorded file written back and the service restarted, which leaves the interfaces to ifupdown
     // again; then each of them that has lost its address brought up by ifup. Forget removes the record
@@ -44,6 +49,7 @@ class IfupdownHandover {
 
   private:
     nlohmann::json Record() const;
+    void StopClients(const std::string& interface);
     HostFiles _files;
 };
 

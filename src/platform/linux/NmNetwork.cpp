@@ -465,7 +465,10 @@ void NmNetwork::Keep() {
     const ChangeRecordHeld held(*this);
     _client.DestroyCheckpoint(checkpoint);
     // Only once the change is sure to stay: should its time have run out, the record puts ifupdown back.
-    if (_ifupdown.Pending()) _ifupdown.Forget();
+    if (_ifupdown.Pending()) {
+        _ifupdown.StopClients();
+        _ifupdown.Forget();
+    }
 }
 
 std::vector<std::string> NmNetwork::RollBack() {

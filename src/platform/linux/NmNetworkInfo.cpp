@@ -8,6 +8,7 @@
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/TextFields.h"
 #include "platform/hostctl/WholeFile.h"
+#include "platform/linux/IfupdownHandover.h"
 #include "platform/linux/NmNic.h"
 
 namespace LinuxHost {
@@ -122,6 +123,12 @@ std::unique_ptr<HostCtl::Network::NetworkChange> NmNetworkInfo::BeginChange(int 
 }
 
 std::string NmNetworkInfo::TakeOverNotice() {
+    const std::string nic = _network->IfupdownNic();
+    if (!nic.empty())
+        return "The management network runs on " + nic + ", which ifupdown configures in " +
+               IfupdownHandover::kInterfaces + ". Applying takes " + nic +
+               " out of that file and restarts the network service, which moves it to the console's bridge " +
+               ManagementProfiles::kBridge + "; a change not kept puts both back.";
     const std::optional<NmProfile> holder = _network->ForeignHolder();
     if (!holder) return {};
     std::string nics;
