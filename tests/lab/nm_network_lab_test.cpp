@@ -294,6 +294,17 @@ TEST_F(IfupdownLab, ATakeOverRolledBackGivesTheNicBackToIfupdown) {
     ExpectIfupdownHasE0();
 }
 
+// Restart Management Network, on a NIC ifupdown configures: ifupdown takes it down and up, and keeps it.
+TEST_F(IfupdownLab, ARestartGoesThroughIfupdown) {
+    network_->Deactivate();
+    EXPECT_EQ(KernelIpv4("e0"), "");
+    network_->Activate();
+    EXPECT_EQ(KernelIpv4("e0"), "192.168.88.44/24");
+    EXPECT_EQ(State("e0"), "10");
+    EXPECT_EQ(Output("sha256sum </etc/network/interfaces"), file_);
+    EXPECT_EQ(Output("ping -c 1 -W 5 -I e0 192.168.88.1 >/dev/null && echo answers"), "answers");
+}
+
 // A service that will not take the NIC (its own settings leave it alone) gets no change: ifupdown has
 // the NIC back at once, and no checkpoint is left.
 TEST_F(IfupdownLab, ANicTheServiceWillNotTakeIsGivenBackAndTheChangeRefused) {

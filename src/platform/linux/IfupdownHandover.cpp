@@ -100,21 +100,27 @@ void IfupdownHandover::RestoreFile() {
 }
 
 void IfupdownHandover::BringUp(const KernelNetwork& kernel) {
-    std::string failed;
     for (const std::string& interface : Interfaces()) {
         if (HasAddress(kernel, interface)) continue;
         // A client still running for it would fight the one ifup starts.
         StopClients(interface);
-        std::string errors;
-        const int status = LinuxPrograms::RunDetached({kIfup, {"ifup", "--force", interface}}, &errors);
-        if (status != 0)
-            failed += (failed.empty() ? "" : "; ") + interface + ": " +
-                      (errors.empty() ? "ifup ended with status " + std::to_string(status)
-                                      : WithoutLineEnd(errors));
+        try {
+            Run(kIfup, interface);
+        } catch (const HostCtl::Lib::HostCtlException& e) {
+            throw HostCtl::Lib::HostCtlException(
+                std::string("ifupdown could not bring the management network back up: ") + e.what());
+        }
     }
-    if (!failed.empty())
-        throw HostCtl::Lib::HostCtlException("ifupdown could not bring the management network back up (" +
-                                             failed + ")");
+}
+
+void IfupdownHandover::Run(const char* program, const std::string& interface) {
+    const std::string name = std::filesystem::path(program).filename();
+    std::string errors;
+    const int status = LinuxPrograms::RunDetached({program, {name, "--force", interface}}, &errors);
+    if (status != 0)
+        throw HostCtl::Lib::HostCtlException(
+            name + " " + interface + " failed: " +
+            (errors.empty() ? "it ended with status " + std::to_string(status) : WithoutLineEnd(errors)));
 }
 
 void IfupdownHandover::StopClients() {

@@ -21,6 +21,7 @@ class IfupdownHandover {
     static constexpr const char* kRecord = "/var/lib/kovo/ifupdown-handover";
     static constexpr const char* kService = "NetworkManager.service";
     static constexpr const char* kIfup = "/sbin/ifup";
+    static constexpr const char* kIfdown = "/sbin/ifdown";
 
     explicit IfupdownHandover(HostFiles files) : _files(std::move(files)) {}
 
@@ -46,6 +47,10 @@ class IfupdownHandover {
     void RestoreFile();
     void BringUp(const KernelNetwork& kernel);
     void Forget();
+
+    // ifupdown's own `program` (kIfup, kIfdown) run for `interface`, configured anew even where ifupdown
+    // counts it as so already; throws with what it said when it fails.
+    static void Run(const char* program, const std::string& interface);
 
   private:
     nlohmann::json Record() const;

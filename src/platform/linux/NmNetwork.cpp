@@ -209,9 +209,9 @@ void NmNetwork::RefuseUnmanagedManagement() {
         if (device.interface == interface && device.state == NmDevice::kUnmanaged)
             throw HostCtl::Lib::HostCtlException(
                 "The network service does not manage " + interface +
-                ", which holds the management address, and ifupdown's /etc/network/interfaces does not "
-                "configure it: hand it to the network service (nmcli device set " +
-                interface + " managed yes), then change the management network here");
+                ", which holds the management address. The console takes over only a NIC that "
+                "/etc/network/interfaces itself configures: hand " +
+                interface + " to the network service, then change the management network here");
 }
 
 void NmNetwork::Store(const ManagementNetwork& network) {
@@ -262,6 +262,14 @@ void NmNetwork::Activate() {
     } else if (_takenDown) {
         // A host set up otherwise: the profile that held the management address before it went down.
         holder = _client.Activate(*_takenDown);
+    } else if (_ifupdownDown) {
+        // ifupdown's NIC that Deactivate took down.
+        const std::string nic = *_ifupdownDown;
+        _ifupdownDown.reset();
+        IfupdownHandover::Run(IfupdownHandover::kIfup, nic);
+        return;
+    } else if (!IfupdownNic().empty()) {
+        return;  // up as ifupdown keeps it
     } else {
         throw HostCtl::Lib::HostCtlException("The host has no management network to bring up");
     }
@@ -284,6 +292,12 @@ void NmNetwork::Activate() {
 
 void NmNetwork::Deactivate() {
     const std::vector<NmDevice> devices = _client.Devices();
+    const std::string fromIfupdown = IfupdownNic(devices);
+    if (!fromIfupdown.empty()) {
+        IfupdownHandover::Run(IfupdownHandover::kIfdown, fromIfupdown);
+        _ifupdownDown = fromIfupdown;
+        return;
+    }
     const bool own = ConsoleMade();
     const std::string interface =
         own ? ManagementProfiles::Interface(Management()) : ManagementInterface(devices);

@@ -51,9 +51,10 @@ class NmNetwork {
 
     // Makes the profiles say `network`, and (unless a change is open) puts it in place.
     void Store(const ManagementNetwork& network);
-    // Brings the management network up as its profiles say; throws when the service could not.
+    // Brings the management network up as its profiles say (or, on a NIC ifupdown configures, as
+    // ifupdown does); throws when the service could not.
     void Activate();
-    // Takes the management interface down (its profile stays).
+    // Takes the management interface down (its profile, or ifupdown's stanza, stays).
     void Deactivate();
     // Removes the console's profiles, and with them the management network they made.
     void Clear();
@@ -112,6 +113,7 @@ class NmNetwork {
     std::chrono::steady_clock::time_point _rollbackAt;
     std::map<std::string, std::string> _interfaces;  // device path to name, when the change opened
     std::optional<std::string> _takenDown;           // another tool's profile Deactivate took down
+    std::optional<std::string> _ifupdownDown;        // ifupdown's NIC Deactivate took down
     HostCtl::UniqueFd _record;                       // locked while this console's change is open
 };
 
