@@ -609,6 +609,48 @@ TEST_F(DebianGuest, AVlanCarriesTheManagementAddressTagged) {
     EXPECT_NE(offIt.out.find("0 received"), std::string::npos) << offIt.out;
 }
 
+// A host whose network ifupdown runs, as Debian's installer leaves a server: ens3 on DHCP by its own
+// client. The first change says it takes ens3 over, and once kept ens3 is NetworkManager's (restarted
+// by systemd to see that), its stanza is gone, and ifupdown's client has ended.
+TEST_F(DebianGuest, AHostIfupdownRunsIsTakenOverByTheFirstChangeKept) {
+    auto& term = Term();
+    const Result setUp = guest->Exec(
+        {"sh", "-c",
+         "nmcli -g UUID connection show | xargs -r nmcli connection delete >/dev/null && "
+         "printf 'auto lo\\niface lo inet loopback\\n\\nallow-hotplug ens3\\niface ens3 inet dhcp\\n\\n"
+         "iface ens4 inet manual\\n' >/etc/network/interfaces && systemctl restart NetworkManager && "
+         "ifup ens3 && systemctl show -p InvocationID --value NetworkManager"});
+    ASSERT_EQ(setUp.status, 0) << setUp.out;
+    const std::string invocation = Trim(setUp.out.substr(setUp.out.rfind('\n', setUp.out.size() - 2) + 1));
+    ASSERT_EQ(Trim(guest->Shell("nmcli -g GENERAL.STATE device show ens3")), "10 (unmanaged)");
+    const std::string clients = "ps -eo args | grep -c '^dhclien[t] .*/run/dhclient.ens3.pid'";
+    ASSERT_EQ(Trim(guest->Shell(clients)), "1");
+
+    KovoE2e::WindowSteps steps(term);
+    ASSERT_TRUE(steps.OpenNetworkWindow(password) &&
+                steps.OpenEntry(KovoE2e::kIpv4Downs, KovoE2e::kStaticChoice))
+        << term.Dump();
+    // The window shows the lease as ifupdown's client runs it: DHCP.
+    ASSERT_TRUE(term.Screen().Contains("(o) Use dynamic")) << term.Dump();
+    ASSERT_TRUE(steps.Choose(1, Key::Down, {"192.168.77.52", "255.255.255.0", "192.168.77.1"}) &&
+                steps.AcceptAndApply(KovoE2e::kStaticChoice))
+        << term.Dump();
+    EXPECT_NE(steps.confirmation.find("The management network runs on ens3, which ifupdown"),
+              std::string::npos)
+        << steps.confirmation;
+    ASSERT_TRUE(steps.KeepWhenAsked()) << term.Dump();
+    EXPECT_NE(steps.kept.find("Pinging address (192.168.77.1). OK."), std::string::npos) << steps.kept;
+
+    EXPECT_EQ(Trim(guest->Shell("ip -4 -o addr show dev xswitch0 | awk '{print $4}'")), "192.168.77.52/24");
+    EXPECT_EQ(Trim(guest->Shell("ip -o link show dev ens3 | grep -o 'master [^ ]*'")), "master xswitch0");
+    EXPECT_EQ(Trim(guest->Shell("grep -c ens3 /etc/network/interfaces")), "0");
+    EXPECT_EQ(Trim(guest->Shell("grep -c 'iface ens4 inet manual' /etc/network/interfaces")), "1");
+    EXPECT_NE(Trim(guest->Shell("systemctl show -p InvocationID --value NetworkManager")), invocation);
+    EXPECT_EQ(Trim(guest->Shell(clients)), "0");
+    EXPECT_EQ(Trim(guest->Shell("ls /var/lib/kovo/ifupdown-handover 2>&1 >/dev/null | grep -c 'No such'")),
+              "1");
+}
+
 // The running machines are asked to shut down, and have, before the host restarts. This guest's machines
 // are containers: the console's unit is told so through libvirt's own variable.
 TEST_F(DebianGuest, RestartShutsTheMachinesDownBootsTheHostAndTheConsoleComesBack) {

@@ -14,6 +14,7 @@
 #include "ShellSteps.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/hostctl/Ipv4Address.h"
+#include "platform/linux/IfupdownHandover.h"
 #include "platform/linux/NmNetwork.h"
 
 namespace LinuxHost {
@@ -330,22 +331,43 @@ TEST_F(IfupdownLab, ADhcpNicHasOneClientAfterARollBackAndNoneOnceKept) {
     ASSERT_TRUE(WaitFor([] { return IsLease(KernelIpv4("e0")); }, 30s)) << KernelIpv4("e0");
     const std::string lease = KernelIpv4("e0");
     // ifupdown's clients for e0 that are alive (not ended and waiting for their parent to see it).
-    const auto clients = [] {
-        return Output("ps -eo stat,args | grep -c '^S.*dhclien[t] .*/run/dhclient.e0.pid'");
+    const auto clients = [](const std::string& nic) {
+        return Output("ps -eo stat,args | grep -c '^S.*dhclien[t] .*/run/dhclient." + nic + ".pid'");
     };
-    ASSERT_EQ(clients(), "1");
+    ASSERT_EQ(clients("e0"), "1");
+    // Another NIC's client, which configures nothing: it is not the take-over's to end.
+    Output("dhclient -nw -pf /run/dhclient.e1.pid -lf /var/lib/dhcp/dhclient.e1.leases e1 >/dev/null 2>&1");
+    ASSERT_EQ(clients("e1"), "1");
 
     ChangeTo46();
     network_->RollBack();
     EXPECT_TRUE(WaitFor([] { return State("e0") == "10"; }, 20s)) << State("e0");
     EXPECT_EQ(KernelIpv4("e0"), lease);
-    EXPECT_EQ(clients(), "1");
+    EXPECT_EQ(clients("e0"), "1");
 
     ChangeTo46();
     network_->Keep();
-    EXPECT_EQ(clients(), "0");
+    EXPECT_EQ(clients("e0"), "0");
+    EXPECT_EQ(clients("e1"), "1");
+    Output("kill -9 $(cat /run/dhclient.e1.pid)");
     EXPECT_EQ(KernelIpv4("e0"), "");
     EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.46/24");
+}
+
+// Cut off after the change was being kept (the checkpoint gone, the record saying so): the next console
+// finishes keeping it instead of putting ifupdown back.
+TEST_F(IfupdownLab, ATakeOverCutOffAsItWasKeptIsKeptByTheNextConsole) {
+    ChangeTo46();
+    IfupdownHandover(HostFiles("/")).MarkKeeping();
+    NetworkManagerClient client = NetworkManagerClient::Connect();
+    client.DestroyCheckpoint(client.Checkpoints().at(0));
+    network_.reset();
+    network_ = NmNetwork::IfRunning(std::make_shared<NetlinkNetwork>(), HostFiles("/"));
+    ASSERT_NE(network_, nullptr);
+    EXPECT_FALSE(std::filesystem::exists("/var/lib/kovo/ifupdown-handover"));
+    EXPECT_EQ(Output("grep -c e0 /etc/network/interfaces"), "0");
+    EXPECT_EQ(KernelIpv4("xswitch0"), "192.168.88.46/24");
+    EXPECT_EQ(ControllerOf("e0"), "xswitch0");
 }
 
 // A console killed while its take-over waited to be kept leaves the checkpoint open; one whose host
@@ -355,9 +377,12 @@ TEST_F(IfupdownLab, ATakeOverLeftUnkeptIsPutBackByTheNextConsole) {
     for (const bool restarted : {false, true}) {
         SCOPED_TRACE(restarted ? "host restarted" : "console killed");
         ChangeTo46();
-        if (restarted)
-            NetworkManagerClient::Connect().DestroyCheckpoint(
-                NetworkManagerClient::Connect().Checkpoints().at(0));
+        if (restarted) {
+            // What a host restarted keeps: no checkpoint, the console's profiles, a service started afresh.
+            NetworkManagerClient client = NetworkManagerClient::Connect();
+            client.DestroyCheckpoint(client.Checkpoints().at(0));
+            Output(KOVO_LAB_RESTART_SERVICE);
+        }
         network_.reset();
         ASSERT_TRUE(std::filesystem::exists("/var/lib/kovo/ifupdown-handover"));
         network_ = NmNetwork::IfRunning(std::make_shared<NetlinkNetwork>(), HostFiles("/"));

@@ -1,20 +1,23 @@
 #include "platform/linux/IfupdownHandover.h"
 
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <system_error>
 #include <vector>
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/UniqueFd.h"
 #include "platform/hostctl/WholeFile.h"
 #include "platform/linux/InterfacesFile.h"
 #include "platform/linux/LinuxPrograms.h"
-#include "platform/linux/SystemServices.h"
 
 namespace LinuxHost {
 
@@ -43,6 +46,21 @@ std::vector<std::string> Arguments(const std::string& commandLine) {
     return words;
 }
 
+// Whether process `pid` is a DHCP client of this host's network (not a container's) that names one of
+// `pidFiles` on its command line.
+bool IsClientOf(const std::string& pid, const std::vector<std::string>& pidFiles) {
+    const HostFiles proc("/");
+    const std::optional<std::string> commandLine = proc.Read("/proc/" + pid + "/cmdline");
+    if (!commandLine) return false;
+    const std::vector<std::string> words = Arguments(*commandLine);
+    if (words.empty() || std::filesystem::path(words[0]).filename() != "dhclient") return false;
+    const std::string network = proc.LinkName("/proc/self/ns/net");
+    if (network.empty() || proc.LinkName("/proc/" + pid + "/ns/net") != network) return false;
+    return std::any_of(pidFiles.begin(), pidFiles.end(), [&words](const std::string& file) {
+        return std::find(words.begin(), words.end(), file) != words.end();
+    });
+}
+
 }  // namespace
 
 bool IfupdownHandover::Configures(const std::string& interface) const {
@@ -52,55 +70,71 @@ bool IfupdownHandover::Configures(const std::string& interface) const {
 
 void IfupdownHandover::HandOver(const std::set<std::string>& interfaces,
                                 const std::set<std::string>& profiles) {
-    const std::string file = _files.Under(kInterfaces);
-    const std::string record = _files.Under(kRecord);
     try {
-        const std::string text = HostCtl::ReadWholeFile(file);
-        std::error_code ignored;
-        std::filesystem::create_directories(std::filesystem::path(record).parent_path(), ignored);
-        const nlohmann::json what = {{"interfaces", interfaces}, {"profiles", profiles}, {"file", text}};
-        HostCtl::WriteWholeFile(record, what.dump(2) + "\n");
-        HostCtl::WriteWholeFile(file, InterfacesFile::Without(text, interfaces));
+        Record record{interfaces, profiles, HostCtl::ReadWholeFile(_files.Under(kInterfaces)), {}, false};
+        record.written = InterfacesFile::Without(record.before, interfaces);
+        Write(record);
+        HostCtl::WriteWholeFile(_files.Under(kInterfaces), record.written);
     } catch (const std::system_error& e) {
         throw HostCtl::Lib::HostCtlException(e.what());
     }
-    SystemServices().Restart(kService);
+}
+
+void IfupdownHandover::Write(const Record& record) {
+    const std::filesystem::path path = _files.Under(kRecord);
+    std::error_code ignored;
+    std::filesystem::create_directories(path.parent_path(), ignored);
+    // Made readable by root alone before anything is in it: the file it keeps may hold secrets.
+    HostCtl::UniqueFd(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    const nlohmann::json what = {{"interfaces", record.interfaces},
+                                 {"profiles", record.profiles},
+                                 {"before", record.before},
+                                 {"written", record.written},
+                                 {"keeping", record.keeping}};
+    HostCtl::WriteWholeFile(path, what.dump(2) + "\n");
 }
 
 bool IfupdownHandover::Pending() const {
     return _files.Exists(kRecord);
 }
 
-nlohmann::json IfupdownHandover::Record() const {
+IfupdownHandover::Record IfupdownHandover::Read() const {
     try {
-        nlohmann::json what = nlohmann::json::parse(HostCtl::ReadWholeFile(_files.Under(kRecord)));
-        what.at("file").get<std::string>();
-        return what;
+        const nlohmann::json what = nlohmann::json::parse(HostCtl::ReadWholeFile(_files.Under(kRecord)));
+        return {what.at("interfaces").get<std::set<std::string>>(),
+                what.at("profiles").get<std::set<std::string>>(), what.at("before").get<std::string>(),
+                what.at("written").get<std::string>(), what.at("keeping").get<bool>()};
     } catch (const std::exception& e) {
-        throw HostCtl::Lib::HostCtlException(std::string("Cannot read what was taken over from ifupdown: ") +
-                                             e.what());
+        throw HostCtl::Lib::HostCtlException(std::string("Cannot read what was taken over from ifupdown (") +
+                                             kRecord + "): " + e.what());
     }
 }
 
-std::set<std::string> IfupdownHandover::Interfaces() const {
-    return Record().value("interfaces", std::set<std::string>());
-}
-
-std::set<std::string> IfupdownHandover::ProfilesBefore() const {
-    return Record().value("profiles", std::set<std::string>());
-}
-
-void IfupdownHandover::RestoreFile() {
+void IfupdownHandover::MarkKeeping() {
+    Record record = Read();
+    record.keeping = true;
     try {
-        HostCtl::WriteWholeFile(_files.Under(kInterfaces), Record().at("file").get<std::string>());
+        Write(record);
     } catch (const std::system_error& e) {
         throw HostCtl::Lib::HostCtlException(e.what());
     }
-    SystemServices().Restart(kService);
 }
 
-void IfupdownHandover::BringUp(const KernelNetwork& kernel) {
-    for (const std::string& interface : Interfaces()) {
+void IfupdownHandover::RestoreFile(const Record& record) {
+    try {
+        if (HostCtl::ReadWholeFile(_files.Under(kInterfaces)) != record.written)
+            throw HostCtl::Lib::HostCtlException(std::string(kInterfaces) +
+                                                 " was changed after the console took the management network "
+                                                 "over from ifupdown: it is left as "
+                                                 "it is");
+        HostCtl::WriteWholeFile(_files.Under(kInterfaces), record.before);
+    } catch (const std::system_error& e) {
+        throw HostCtl::Lib::HostCtlException(e.what());
+    }
+}
+
+void IfupdownHandover::BringUp(const Record& record, const KernelNetwork& kernel) {
+    for (const std::string& interface : record.interfaces) {
         if (HasAddress(kernel, interface)) continue;
         // A client still running for it would fight the one ifup starts.
         StopClients(interface);
@@ -113,34 +147,22 @@ void IfupdownHandover::BringUp(const KernelNetwork& kernel) {
     }
 }
 
-void IfupdownHandover::Run(const char* program, const std::string& interface) {
-    const std::string name = std::filesystem::path(program).filename();
-    std::string errors;
-    const int status = LinuxPrograms::RunDetached({program, {name, "--force", interface}}, &errors);
-    if (status != 0)
-        throw HostCtl::Lib::HostCtlException(
-            name + " " + interface + " failed: " +
-            (errors.empty() ? "it ended with status " + std::to_string(status) : WithoutLineEnd(errors)));
-}
-
 void IfupdownHandover::StopClients() {
-    for (const std::string& interface : Interfaces()) StopClients(interface);
+    for (const std::string& interface : Read().interfaces) StopClients(interface);
 }
 
 void IfupdownHandover::StopClients(const std::string& interface) {
     // Found by the pid file each names on its command line, not by the file's content: a client started
     // again over a running one leaves two, and the file names only the second.
-    const std::string pidFiles[] = {"/run/dhclient." + interface + ".pid",
-                                    "/run/dhclient6." + interface + ".pid"};
-    for (const std::string& pid : _files.List("/proc")) {
-        if (pid.find_first_not_of("0123456789") != std::string::npos) continue;
-        const std::optional<std::string> commandLine = _files.Read("/proc/" + pid + "/cmdline");
-        if (!commandLine || commandLine->rfind("dhclient", 0) != 0) continue;
-        const std::vector<std::string> words = Arguments(*commandLine);
-        for (const std::string& pidFile : pidFiles)
-            if (std::find(words.begin(), words.end(), pidFile) != words.end())
-                // Killed, not asked: asked to end, the client would take the address off as it goes.
-                ::kill(std::stoi(pid), SIGKILL);
+    const std::vector<std::string> pidFiles = {"/run/dhclient." + interface + ".pid",
+                                               "/run/dhclient6." + interface + ".pid"};
+    for (const std::string& pid : HostFiles("/").List("/proc")) {
+        if (pid.find_first_not_of("0123456789") != std::string::npos || !IsClientOf(pid, pidFiles)) continue;
+        // Held by a descriptor, and looked at again through it: the number cannot be another's by then.
+        // (Through syscall: this C library's declarations of both cannot be linked from C++.)
+        const HostCtl::UniqueFd process(static_cast<int>(::syscall(SYS_pidfd_open, std::stoi(pid), 0)));
+        if (process.Get() >= 0 && IsClientOf(pid, pidFiles))
+            ::syscall(SYS_pidfd_send_signal, process.Get(), SIGKILL, nullptr, 0);
     }
 }
 
@@ -149,6 +171,16 @@ void IfupdownHandover::Forget() {
     if (::unlink(record.c_str()) != 0 && errno != ENOENT)
         throw HostCtl::Lib::HostCtlException("Cannot remove " + record + ": " + std::strerror(errno));
     HostCtl::SyncDirectoryOf(record);
+}
+
+void IfupdownHandover::Run(const char* program, const std::string& interface) {
+    const std::string name = std::filesystem::path(program).filename();
+    std::string errors;
+    const int status = LinuxPrograms::RunDetached({program, {name, "--force", "--", interface}}, &errors);
+    if (status != 0)
+        throw HostCtl::Lib::HostCtlException(
+            name + " " + interface + " failed: " +
+            (errors.empty() ? "it ended with status " + std::to_string(status) : WithoutLineEnd(errors)));
 }
 
 }  // namespace LinuxHost

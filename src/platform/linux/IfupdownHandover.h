@@ -3,16 +3,14 @@
 #include <set>
 #include <string>
 
-#include <nlohmann/json.hpp>
-
 #include "platform/linux/HostFiles.h"
 #include "platform/linux/KernelNetwork.h"
 
 namespace LinuxHost {
 
 // What taking the management network over from ifupdown changes outside the network service's
-// checkpoint: ifupdown's interfaces file, and the service's reading of it, which it does only as it
-// starts (so a hand-over restarts the service, before the checkpoint opens). The file as it was is
+// checkpoint: ifupdown's interfaces file (the service reads which NICs it may manage from it only as it
+// starts, so the caller restarts the service after each step that writes it). The file as it was is
 // recorded on disk first: a change that is not kept, a console killed before it was, or a host restarted
 // meanwhile all find the record and put the file back.
 class IfupdownHandover {
@@ -23,29 +21,36 @@ class IfupdownHandover {
     static constexpr const char* kIfup = "/sbin/ifup";
     static constexpr const char* kIfdown = "/sbin/ifdown";
 
+    struct Record {
+        std::set<std::string> interfaces;
+        std::set<std::string> profiles;  // the service's profiles before, by UUID
+        std::string before, written;     // the file as it was, and as the hand-over wrote it
+        bool keeping = false;            // the change was being kept when the record was last written
+    };
+
     explicit IfupdownHandover(HostFiles files) : _files(std::move(files)) {}
 
-    // Whether ifupdown's file configures `interface`.
+    // Whether ifupdown's file has a stanza for `interface`.
     bool Configures(const std::string& interface) const;
-    // Records the file and the service's profiles (`profiles`, by UUID), writes the file without what
-    // configures `interfaces`, and restarts the service.
+    // Records the file and `profiles`, then writes the file without what configures `interfaces`.
     void HandOver(const std::set<std::string>& interfaces, const std::set<std::string>& profiles);
-    // A hand-over neither kept nor put back, and what its record says.
+    // A hand-over neither kept nor put back, and what its record says (HostCtlException when it cannot
+    // be read whole).
     bool Pending() const;
-    std::set<std::string> Interfaces() const;
-    std::set<std::string> ProfilesBefore() const;
-
-    // Kept: ifupdown's DHCP clients for the interfaces end (without a word to the server, so the lease
-    // and the address stay until the service's own setting replaces them); left running, they would put
-    // the address back on a NIC that is now a port of the bridge.
+    Record Read() const;
+    // Said before the change is made to stay: a console cut off from here on finishes keeping it rather
+    // than putting ifupdown back.
+    void MarkKeeping();
+    // Kept: ifupdown's DHCP clients for the interfaces end (killed, so that they neither tell the server
+    // nor take the address off as they go); left running, they would put their lease back on a NIC that
+    // is now a port of the bridge.
     void StopClients();
-
-    // Putting it back, in steps, as the file and the service's profiles have to be put back in turn: the
-    // recorded file written back and the service restarted, which leaves the interfaces to ifupdown
-    // again; then each of them that has lost its address brought up by ifup. Forget removes the record
-    // (the hand-over kept, or put back): until then a put-back cut short is done again by the next one.
-    void RestoreFile();
-    void BringUp(const KernelNetwork& kernel);
+    // The recorded file written back, unless it was changed since the hand-over wrote it (then it is left
+    // as it is, and this throws saying so).
+    void RestoreFile(const Record& record);
+    // ifup for each interface that has lost its address, after ending any client still running for it.
+    void BringUp(const Record& record, const KernelNetwork& kernel);
+    // The record removed: the hand-over kept, or put back.
     void Forget();
 
     // ifupdown's own `program` (kIfup, kIfdown) run for `interface`, configured anew even where ifupdown
@@ -53,7 +58,7 @@ class IfupdownHandover {
     static void Run(const char* program, const std::string& interface);
 
   private:
-    nlohmann::json Record() const;
+    void Write(const Record& record);
     void StopClients(const std::string& interface);
     HostFiles _files;
 };

@@ -67,9 +67,6 @@ bool Configures(const std::string& text, const std::set<std::string>& names) {
         if (line.words.size() < 2) continue;
         const std::string& keyword = line.words[0];
         if (keyword == "iface" && names.count(line.words[1])) return true;
-        if (Lists(keyword))
-            for (std::size_t i = 1; i < line.words.size(); ++i)
-                if (names.count(line.words[i])) return true;
     }
     return false;
 }

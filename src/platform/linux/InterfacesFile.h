@@ -10,8 +10,8 @@ namespace LinuxHost {
 // network service may manage them; everything else in the file stays as the operator wrote it.
 namespace InterfacesFile {
 
-// Whether `text` configures any of `names`: an iface stanza for one, or an auto, allow-, no-auto-down or
-// no-scripts line that names one.
+// Whether `text` has an iface stanza for any of `names` (a name on an auto or allow- line alone, its
+// stanza in another file, is not configured here).
 bool Configures(const std::string& text, const std::set<std::string>& names);
 
 // `text` without what configures `names`: their iface stanzas with every option line, and their names on

@@ -99,6 +99,17 @@ bool NetworkManagerClient::Running() {
     return reply.at(0).get<bool>();
 }
 
+std::string NetworkManagerClient::Owner() {
+    if (!Running()) return {};
+    try {
+        const Value reply = _bus.Call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                      "GetNameOwner", "s", Value::array({kService}));
+        return reply.at(0).get<std::string>();
+    } catch (const BusError&) {
+        return {};  // gone in between
+    }
+}
+
 bool NetworkManagerClient::Starting() {
     const Value startup = _bus.Property(kService, kPath, kInterface, "Startup");
     return startup.is_boolean() && startup.get<bool>();

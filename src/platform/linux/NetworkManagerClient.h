@@ -82,6 +82,8 @@ class NetworkManagerClient {
 
     // Whether the service is on the bus at all.
     bool Running();
+    // The bus name of the service running now ("" for none): a new one after each start.
+    std::string Owner();
     // Whether it is still starting: bringing up what it found, and deciding which devices it manages.
     bool Starting();
     std::string Version();

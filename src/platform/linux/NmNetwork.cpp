@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <exception>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -17,6 +18,7 @@
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/linux/HostFiles.h"
 #include "platform/linux/RunningAddresses.h"
+#include "platform/linux/SystemServices.h"
 
 namespace LinuxHost {
 
@@ -27,8 +29,6 @@ using namespace std::chrono_literals;
 
 // How long the management interface may take to come up (a DHCP lease included).
 constexpr auto kActivationTime = 45s;
-// How long the service may take, once restarted, to run a NIC it was handed as it found it.
-constexpr auto kHandOverTime = 30s;
 constexpr uint32_t kActiveActivated = 2, kActiveDeactivated = 4;
 // The checkpoint of the change a console has open, locked by that console while it lives.
 constexpr const char* kChangeRecord = "/run/kovo/network-change";
@@ -294,8 +294,9 @@ void NmNetwork::Deactivate() {
     const std::vector<NmDevice> devices = _client.Devices();
     const std::string fromIfupdown = IfupdownNic(devices);
     if (!fromIfupdown.empty()) {
-        IfupdownHandover::Run(IfupdownHandover::kIfdown, fromIfupdown);
+        // Remembered first: once down, nothing tells it is ifupdown's, and a failed ifdown may leave it so.
         _ifupdownDown = fromIfupdown;
+        IfupdownHandover::Run(IfupdownHandover::kIfdown, fromIfupdown);
         return;
     }
     const bool own = ConsoleMade();
@@ -347,9 +348,15 @@ void NmNetwork::ClaimChangeRecord() {
             "Another change of the host's network waits to be kept or undone: try again when it has been");
     _record.Reset(record.Release());
     if (_ifupdown.Pending()) {
-        // A take-over from ifupdown that its console never kept.
+        // A take-over from ifupdown that its console never finished: cut off as it kept it (the console's
+        // network in place), or before.
         try {
-            PutBackIfupdown();
+            if (_ifupdown.Read().keeping && ConsoleMade()) {
+                _ifupdown.StopClients();
+                _ifupdown.Forget();
+            } else {
+                PutBackIfupdown();
+            }
         } catch (...) {
             ReleaseChangeRecord();
             throw;
@@ -358,27 +365,35 @@ void NmNetwork::ClaimChangeRecord() {
 }
 
 void NmNetwork::PutBackIfupdown() {
-    _ifupdown.RestoreFile();
+    const IfupdownHandover::Record record = _ifupdown.Read();
+    try {
+        _ifupdown.RestoreFile(record);
+    } catch (const HostCtl::Lib::HostCtlException&) {
+        _ifupdown.Forget();  // the operator's file now: nothing of the console's is left to put back
+        throw;
+    }
+    RestartService();
     // The service leaves the NICs alone again, so their profiles go without taking them down: those the
     // change made, the console's (a host restarted before the change was kept has them still), and the
     // one the service made up for a NIC it found running, which a rollback writes out.
-    const std::set<std::string> before = _ifupdown.ProfilesBefore(), nics = _ifupdown.Interfaces();
     for (const NmProfile& profile : _client.Profiles())
-        if (!before.count(profile.Uuid()) &&
-            (!ManagementProfiles::RoleOf(profile).empty() || nics.count(profile.InterfaceName())))
+        if (!record.profiles.count(profile.Uuid()) && (!ManagementProfiles::RoleOf(profile).empty() ||
+                                                       record.interfaces.count(profile.InterfaceName())))
             _client.DeleteProfile(profile.path);
     // The bridge or bond the change made outlives its profiles in the kernel when the service restarted
     // before it was gone; the host had none before.
     for (const NmDevice& device : _client.Devices())
-        if (device.interface == ManagementProfiles::kBridge || device.interface == ManagementProfiles::kBond)
+        if (device.interface == ManagementProfiles::kBridge ||
+            device.interface == ManagementProfiles::kBond) {
             try {
                 _client.DeleteDevice(device.path);
             } catch (const BusError&) {
                 // Gone by itself meanwhile.
             }
+        }
     // ifupdown's file is back whatever ifup does: nothing is left to put back.
     try {
-        _ifupdown.BringUp(*_kernel);
+        _ifupdown.BringUp(record, *_kernel);
     } catch (...) {
         _ifupdown.Forget();
         throw;
@@ -386,14 +401,36 @@ void NmNetwork::PutBackIfupdown() {
     _ifupdown.Forget();
 }
 
+void NmNetwork::RestartService() {
+    const std::string before = _client.Owner();
+    SystemServices().Restart(IfupdownHandover::kService);
+    // The service manager may call the unit active before the restart has even begun: the service that
+    // answers on the bus has to be a new one.
+    const auto deadline =
+        std::chrono::steady_clock::now() + std::chrono::seconds(SystemServices::kSettleSeconds);
+    // A new one may answer before its objects are all there, and goes on deciding which devices it
+    // manages until it has started.
+    for (;;) {
+        try {
+            const std::string now = _client.Owner();
+            if (!now.empty() && now != before && !_client.Starting()) return;
+        } catch (const BusError&) {
+            // Still coming up.
+        }
+        if (std::chrono::steady_clock::now() > deadline)
+            throw HostCtl::Lib::HostCtlException("The network service did not start again");
+        std::this_thread::sleep_for(100ms);
+    }
+}
+
 void NmNetwork::FinishAbandonedChange() {
     if (ChangeOpen() || !_ifupdown.Pending()) return;
     try {
         ClaimChangeRecord();
         ReleaseChangeRecord();
-    } catch (const HostCtl::Lib::HostCtlException& e) {
+    } catch (const std::exception& e) {
         // Another console's change is open (it puts back its own), or the put-back failed: it is tried
-        // again at the next change.
+        // again at the next change, which shows why.
         syslog(LOG_WARNING, "Taking the management network over from ifupdown was left unfinished: %s",
                e.what());
     }
@@ -403,20 +440,11 @@ void NmNetwork::TakeFromIfupdown(const std::string& nic) {
     std::set<std::string> profiles;
     for (const NmProfile& profile : _client.Profiles()) profiles.insert(profile.Uuid());
     _ifupdown.HandOver({nic}, profiles);
-    const auto deadline = std::chrono::steady_clock::now() + kHandOverTime;
-    for (;;) {
-        bool leftAlone = false;
-        for (const NmDevice& device : _client.Devices()) {
-            if (device.interface != nic) continue;
-            if (device.state == NmDevice::kActivated) return;
-            leftAlone = !device.Managed();
-        }
-        // Started, and still leaving it alone (its own settings say so): it will not take it.
-        if ((leftAlone && !_client.Starting()) || std::chrono::steady_clock::now() > deadline)
-            throw HostCtl::Lib::HostCtlException("The network service did not take " + nic +
-                                                 " over from ifupdown");
-        std::this_thread::sleep_for(100ms);
-    }
+    RestartService();
+    // Started, it runs the NIC as it found it, or (its own settings say so) leaves it alone.
+    for (const NmDevice& device : _client.Devices())
+        if (device.interface == nic && device.state == NmDevice::kActivated) return;
+    throw HostCtl::Lib::HostCtlException("The network service did not take " + nic + " over from ifupdown");
 }
 
 void NmNetwork::ReleaseChangeRecord() {
@@ -429,23 +457,29 @@ void NmNetwork::ReleaseChangeRecord() {
 
 void NmNetwork::OpenChange(int rollbackSeconds) {
     FinishAbandonedChange();
-    const std::string fromIfupdown = IfupdownNic();
-    if (fromIfupdown.empty()) RefuseUnmanagedManagement();
     ClaimChangeRecord();
     try {
-        if (!fromIfupdown.empty()) TakeFromIfupdown(fromIfupdown);
+        // Looked at once this console holds the change: another's take-over may have moved the NIC.
+        const std::string fromIfupdown = IfupdownNic();
+        if (fromIfupdown.empty())
+            RefuseUnmanagedManagement();
+        else
+            TakeFromIfupdown(fromIfupdown);
         // Every device: a change may take NICs from anywhere, and make bridges and bonds that did not exist.
         _checkpoint = _client.CreateCheckpoint({}, static_cast<uint32_t>(rollbackSeconds));
-    } catch (...) {
+    } catch (const std::exception& e) {
+        std::string putBack;
         if (_ifupdown.Pending()) {
             try {
                 PutBackIfupdown();
-            } catch (const HostCtl::Lib::HostCtlException& e) {
-                // The record stays: the next change, or the next console, puts the file back.
-                syslog(LOG_ERR, "%s", e.what());
+            } catch (const std::exception& failed) {
+                putBack = failed.what();
             }
         }
         ReleaseChangeRecord();
+        if (!putBack.empty())
+            throw HostCtl::Lib::HostCtlException(std::string(e.what()) +
+                                                 ". Giving the NIC back to ifupdown failed too: " + putBack);
         throw;
     }
     // Unrecorded, the change still undoes itself in time; only a console started after this one ends
@@ -473,13 +507,20 @@ int NmNetwork::SecondsLeft() const {
 
 void NmNetwork::Keep() {
     if (!_checkpoint) return;
-    const std::string checkpoint = *_checkpoint;
-    _checkpoint.reset();
     // Held to the end: no other console takes what is left for unfinished meanwhile.
     const ChangeRecordHeld held(*this);
-    _client.DestroyCheckpoint(checkpoint);
-    // Only once the change is sure to stay: should its time have run out, the record puts ifupdown back.
-    if (_ifupdown.Pending()) {
+    const bool handedOver = _ifupdown.Pending();
+    if (handedOver) _ifupdown.MarkKeeping();
+    try {
+        _client.DestroyCheckpoint(*_checkpoint);
+    } catch (...) {
+        // Asked as its time ran out: the service has rolled the change back, ifupdown's NIC with it.
+        _checkpoint.reset();
+        if (handedOver) PutBackIfupdown();
+        throw;
+    }
+    _checkpoint.reset();
+    if (handedOver) {
         _ifupdown.StopClients();
         _ifupdown.Forget();
     }
@@ -505,9 +546,16 @@ std::vector<std::string> NmNetwork::RollBack() {
         if (name != _interfaces.end()) restored.push_back(name->second);
     }
     std::sort(restored.begin(), restored.end());
-    if (_hostnameBefore && _names.Static() != *_hostnameBefore) _names.Set(*_hostnameBefore);
-    if (_hostsBefore && _names.HostsText() != *_hostsBefore) _names.SetHostsText(*_hostsBefore);
+    // ifupdown gets its NIC back even when the name cannot be put back; the first failure is told.
+    std::exception_ptr failed;
+    try {
+        if (_hostnameBefore && _names.Static() != *_hostnameBefore) _names.Set(*_hostnameBefore);
+        if (_hostsBefore && _names.HostsText() != *_hostsBefore) _names.SetHostsText(*_hostsBefore);
+    } catch (...) {
+        failed = std::current_exception();
+    }
     if (_ifupdown.Pending()) PutBackIfupdown();
+    if (failed) std::rethrow_exception(failed);
     return restored;
 }
 

@@ -87,6 +87,8 @@ class NmNetwork {
     void TakeFromIfupdown(const std::string& nic);
     // Gives ifupdown back what a change that was not kept took from it.
     void PutBackIfupdown();
+    // Restarts the service through the service manager, and waits until a new one answers on the bus.
+    void RestartService();
     // Throws, before anything is touched, when the management address sits on a NIC the service was told
     // to leave alone other than by ifupdown's file (which a change takes it over from): the service cannot
     // make it a port of the bridge, so a change would fail half-way.

@@ -14,7 +14,7 @@ const std::string kFile =
     "iface lo inet loopback\n"
     "\n"
     "# The management network\n"
-    "auto br0 ens4\n"
+    "auto br0 ens4 eth9\n"
     "allow-hotplug ens3\n"
     "iface ens3 inet manual\n"
     "iface br0 inet static\n"
@@ -39,6 +39,7 @@ TEST(InterfacesFile, TellsWhetherItConfiguresAnyOfTheNames) {
         {{"br0"}, true},           // an iface stanza
         {{"ens3"}, true},          // allow-hotplug and a manual stanza
         {{"ens5"}, false},         // only an option's value: the bridge's stanza configures it, not its own
+        {{"eth9"}, false},         // only on an auto line: its stanza is in another file
         {{"ens6", "ens4"}, true},  // any of the names
         {{"address"}, false},      // a word of an option line is no interface
         {{"interfaces.d/*"}, false},
@@ -61,7 +62,7 @@ TEST(InterfacesFile, WithoutTheNamesKeepsEverythingElseByteForByte) {
               "iface lo inet loopback\n"
               "\n"
               "# The management network\n"
-              "auto ens4\n"
+              "auto ens4 eth9\n"
               "    # the switch's spanning tree is off\n"
               "\n"
               "iface ens4 inet dhcp\n"
