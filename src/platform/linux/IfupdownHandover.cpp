@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/socket.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -32,6 +33,12 @@ std::string WithoutLineEnd(std::string text) {
 bool HasAddress(const KernelNetwork& kernel, const std::string& interface) {
     for (const KernelAddress& address : kernel.Addresses())
         if (address.interface == interface && address.address.rfind("fe80:", 0) != 0) return true;
+    return false;
+}
+
+bool RoutesOut(const KernelNetwork& kernel, const std::string& interface) {
+    for (const KernelRoute& route : kernel.DefaultRoutes())
+        if (route.interface == interface && route.family == AF_INET) return true;
     return false;
 }
 
@@ -69,9 +76,11 @@ bool IfupdownHandover::Configures(const std::string& interface) const {
 }
 
 void IfupdownHandover::HandOver(const std::set<std::string>& interfaces,
-                                const std::set<std::string>& profiles) {
+                                const std::set<std::string>& profiles, const KernelNetwork& kernel) {
     try {
-        Record record{interfaces, profiles, HostCtl::ReadWholeFile(_files.Under(kInterfaces)), {}, false};
+        Record record{interfaces, profiles, {}, HostCtl::ReadWholeFile(_files.Under(kInterfaces)), {}, false};
+        for (const std::string& interface : interfaces)
+            if (RoutesOut(kernel, interface)) record.routed.insert(interface);
         record.written = InterfacesFile::Without(record.before, interfaces);
         Write(record);
         HostCtl::WriteWholeFile(_files.Under(kInterfaces), record.written);
@@ -86,11 +95,9 @@ void IfupdownHandover::Write(const Record& record) {
     std::filesystem::create_directories(path.parent_path(), ignored);
     // Made readable by root alone before anything is in it: the file it keeps may hold secrets.
     HostCtl::UniqueFd(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
-    const nlohmann::json what = {{"interfaces", record.interfaces},
-                                 {"profiles", record.profiles},
-                                 {"before", record.before},
-                                 {"written", record.written},
-                                 {"keeping", record.keeping}};
+    const nlohmann::json what = {{"interfaces", record.interfaces}, {"profiles", record.profiles},
+                                 {"routed", record.routed},         {"before", record.before},
+                                 {"written", record.written},       {"keeping", record.keeping}};
     HostCtl::WriteWholeFile(path, what.dump(2) + "\n");
 }
 
@@ -102,8 +109,11 @@ IfupdownHandover::Record IfupdownHandover::Read() const {
     try {
         const nlohmann::json what = nlohmann::json::parse(HostCtl::ReadWholeFile(_files.Under(kRecord)));
         return {what.at("interfaces").get<std::set<std::string>>(),
-                what.at("profiles").get<std::set<std::string>>(), what.at("before").get<std::string>(),
-                what.at("written").get<std::string>(), what.at("keeping").get<bool>()};
+                what.at("profiles").get<std::set<std::string>>(),
+                what.at("routed").get<std::set<std::string>>(),
+                what.at("before").get<std::string>(),
+                what.at("written").get<std::string>(),
+                what.at("keeping").get<bool>()};
     } catch (const std::exception& e) {
         throw HostCtl::Lib::HostCtlException(std::string("Cannot read what was taken over from ifupdown (") +
                                              kRecord + "): " + e.what());
@@ -135,9 +145,17 @@ void IfupdownHandover::RestoreFile(const Record& record) {
 
 void IfupdownHandover::BringUp(const Record& record, const KernelNetwork& kernel) {
     for (const std::string& interface : record.interfaces) {
-        if (HasAddress(kernel, interface)) continue;
-        // A client still running for it would fight the one ifup starts.
+        if (HasAddress(kernel, interface) &&
+            (!record.routed.count(interface) || RoutesOut(kernel, interface)))
+            continue;
+        // A client still running for it would fight the one ifup starts; what is left of the interface's
+        // configuration would make ifup fail.
         StopClients(interface);
+        try {
+            Run(kIfdown, interface);
+        } catch (const HostCtl::Lib::HostCtlException&) {
+            // Down already, as far as it could be taken down.
+        }
         try {
             Run(kIfup, interface);
         } catch (const HostCtl::Lib::HostCtlException& e) {

@@ -24,6 +24,7 @@ class IfupdownHandover {
     struct Record {
         std::set<std::string> interfaces;
         std::set<std::string> profiles;  // the service's profiles before, by UUID
+        std::set<std::string> routed;    // the interfaces the host's IPv4 default route went out of
         std::string before, written;     // the file as it was, and as the hand-over wrote it
         bool keeping = false;            // the change was being kept when the record was last written
     };
@@ -32,8 +33,10 @@ class IfupdownHandover {
 
     // Whether ifupdown's file has a stanza for `interface`.
     bool Configures(const std::string& interface) const;
-    // Records the file and `profiles`, then writes the file without what configures `interfaces`.
-    void HandOver(const std::set<std::string>& interfaces, const std::set<std::string>& profiles);
+    // Records the file, `profiles` and the interfaces' default routes (from `kernel`), then writes the
+    // file without what configures `interfaces`.
+    void HandOver(const std::set<std::string>& interfaces, const std::set<std::string>& profiles,
+                  const KernelNetwork& kernel);
     // A hand-over neither kept nor put back, and what its record says (HostCtlException when it cannot
     // be read whole).
     bool Pending() const;
@@ -48,7 +51,8 @@ class IfupdownHandover {
     // The recorded file written back, unless it was changed since the hand-over wrote it (then it is left
     // as it is, and this throws saying so).
     void RestoreFile(const Record& record);
-    // ifup for each interface that has lost its address, after ending any client still running for it.
+    // Each interface that has lost its address, or the default route it had, brought down and up again by
+    // ifupdown, after ending any client still running for it.
     void BringUp(const Record& record, const KernelNetwork& kernel);
     // The record removed: the hand-over kept, or put back.
     void Forget();

@@ -401,6 +401,16 @@ void NmNetwork::PutBackIfupdown() {
     _ifupdown.Forget();
 }
 
+void NmNetwork::PutBackAfter(const std::exception& failure) {
+    if (!_ifupdown.Pending()) return;
+    try {
+        PutBackIfupdown();
+    } catch (const std::exception& failed) {
+        throw HostCtl::Lib::HostCtlException(
+            std::string(failure.what()) + ". Giving the NIC back to ifupdown failed too: " + failed.what());
+    }
+}
+
 void NmNetwork::RestartService() {
     const std::string before = _client.Owner();
     SystemServices().Restart(IfupdownHandover::kService);
@@ -439,7 +449,7 @@ void NmNetwork::FinishAbandonedChange() {
 void NmNetwork::TakeFromIfupdown(const std::string& nic) {
     std::set<std::string> profiles;
     for (const NmProfile& profile : _client.Profiles()) profiles.insert(profile.Uuid());
-    _ifupdown.HandOver({nic}, profiles);
+    _ifupdown.HandOver({nic}, profiles, *_kernel);
     RestartService();
     // Started, it runs the NIC as it found it, or (its own settings say so) leaves it alone.
     for (const NmDevice& device : _client.Devices())
@@ -468,18 +478,8 @@ void NmNetwork::OpenChange(int rollbackSeconds) {
         // Every device: a change may take NICs from anywhere, and make bridges and bonds that did not exist.
         _checkpoint = _client.CreateCheckpoint({}, static_cast<uint32_t>(rollbackSeconds));
     } catch (const std::exception& e) {
-        std::string putBack;
-        if (_ifupdown.Pending()) {
-            try {
-                PutBackIfupdown();
-            } catch (const std::exception& failed) {
-                putBack = failed.what();
-            }
-        }
-        ReleaseChangeRecord();
-        if (!putBack.empty())
-            throw HostCtl::Lib::HostCtlException(std::string(e.what()) +
-                                                 ". Giving the NIC back to ifupdown failed too: " + putBack);
+        const ChangeRecordHeld held(*this);
+        PutBackAfter(e);
         throw;
     }
     // Unrecorded, the change still undoes itself in time; only a console started after this one ends
@@ -513,10 +513,10 @@ void NmNetwork::Keep() {
     if (handedOver) _ifupdown.MarkKeeping();
     try {
         _client.DestroyCheckpoint(*_checkpoint);
-    } catch (...) {
+    } catch (const std::exception& e) {
         // Asked as its time ran out: the service has rolled the change back, ifupdown's NIC with it.
         _checkpoint.reset();
-        if (handedOver) PutBackIfupdown();
+        PutBackAfter(e);
         throw;
     }
     _checkpoint.reset();

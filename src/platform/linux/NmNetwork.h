@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <exception>
 #include <map>
 #include <memory>
 #include <optional>
@@ -87,6 +88,9 @@ class NmNetwork {
     void TakeFromIfupdown(const std::string& nic);
     // Gives ifupdown back what a change that was not kept took from it.
     void PutBackIfupdown();
+    // After `failure`, gives ifupdown back a take-over that is pending; one that fails too is added to the
+    // failure's words (the caller rethrows the failure otherwise).
+    void PutBackAfter(const std::exception& failure);
     // Restarts the service through the service manager, and waits until a new one answers on the bus.
     void RestartService();
     // Throws, before anything is touched, when the management address sits on a NIC the service was told

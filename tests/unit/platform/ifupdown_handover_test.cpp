@@ -6,6 +6,7 @@
 #include <sstream>
 #include <string>
 
+#include "LinuxHostTree.h"
 #include "TempDir.h"
 #include "platform/hostctl/HostCtlException.h"
 #include "platform/linux/IfupdownHandover.h"
@@ -33,20 +34,25 @@ class IfupdownHandoverTest : public ::testing::Test {
     }
     TempDir dir_;
     IfupdownHandover handover_{HostFiles(dir_.Path())};
+    LinuxHostTree::Kernel kernel_;
 };
 
 TEST_F(IfupdownHandoverTest, AHandOverRecordsTheFileForRootAloneAndLeavesTheOtherStanzas) {
     EXPECT_TRUE(handover_.Configures("ens3"));
     EXPECT_FALSE(handover_.Configures("ens5"));
     EXPECT_FALSE(handover_.Pending());
-    handover_.HandOver({"ens3"}, {"uuid-1"});
-    EXPECT_EQ(Get("/etc/network/interfaces"), kWithout);
+    // The route out goes with the record: a put-back that leaves the address but not the route is no
+    // put-back.
+    kernel_.routes = {{"ens3", AF_INET, "192.168.77.1", 0}, {"ens4", AF_INET6, "fe80::1", 0}};
+    handover_.HandOver({"ens3", "ens4"}, {"uuid-1"}, kernel_);
+    EXPECT_EQ(Get("/etc/network/interfaces"), "auto lo\niface lo inet loopback\n\n\n");
     ASSERT_TRUE(handover_.Pending());
     const IfupdownHandover::Record record = handover_.Read();
-    EXPECT_EQ(record.interfaces, std::set<std::string>{"ens3"});
+    EXPECT_EQ(record.interfaces, (std::set<std::string>{"ens3", "ens4"}));
+    EXPECT_EQ(record.routed, std::set<std::string>{"ens3"});
     EXPECT_EQ(record.profiles, std::set<std::string>{"uuid-1"});
     EXPECT_EQ(record.before, kFile);
-    EXPECT_EQ(record.written, kWithout);
+    EXPECT_EQ(record.written, "auto lo\niface lo inet loopback\n\n\n");
     EXPECT_FALSE(record.keeping);
     struct stat status {};
     ASSERT_EQ(::stat(dir_.File("var/lib/kovo/ifupdown-handover").c_str(), &status), 0);
@@ -61,11 +67,11 @@ TEST_F(IfupdownHandoverTest, AHandOverRecordsTheFileForRootAloneAndLeavesTheOthe
 
 // The file goes back only as the hand-over left it: an operator's later edit is theirs.
 TEST_F(IfupdownHandoverTest, TheFileIsPutBackOnlyWhenNobodyChangedItSince) {
-    handover_.HandOver({"ens3"}, {});
+    handover_.HandOver({"ens3"}, {}, kernel_);
     handover_.RestoreFile(handover_.Read());
     EXPECT_EQ(Get("/etc/network/interfaces"), kFile);
 
-    handover_.HandOver({"ens3"}, {});
+    handover_.HandOver({"ens3"}, {}, kernel_);
     const std::string edited = kWithout + "iface ens9 inet dhcp\n";
     Put("/etc/network/interfaces", edited);
     try {
@@ -81,7 +87,7 @@ TEST_F(IfupdownHandoverTest, TheFileIsPutBackOnlyWhenNobodyChangedItSince) {
 
 // A record cut short or written by hand is refused in words naming it, not taken as an empty one.
 TEST_F(IfupdownHandoverTest, ARecordThatCannotBeReadWholeIsRefusedInWords) {
-    handover_.HandOver({"ens3"}, {});
+    handover_.HandOver({"ens3"}, {}, kernel_);
     const std::string good = Get("/var/lib/kovo/ifupdown-handover");
     for (const std::string& bad :
          {good.substr(0, good.size() / 2), std::string("{\"interfaces\": [\"ens3\"]}"),
