@@ -341,9 +341,12 @@ TEST_F(IfupdownLab, ADhcpNicHasOneClientAfterARollBackAndNoneOnceKept) {
         return Output("ps -eo stat,args | grep -c '^S.*dhclien[t] .*/run/dhclient." + nic + ".pid'");
     };
     ASSERT_EQ(clients("e0"), "1");
-    // Another NIC's client, which configures nothing: it is not the take-over's to end.
-    Output("dhclient -nw -pf /run/dhclient.e1.pid -lf /var/lib/dhcp/dhclient.e1.leases e1 >/dev/null 2>&1");
+    // Another NIC's client, whose script configures nothing: it is not the take-over's to end.
+    Output(
+        "dhclient -nw -sf /bin/true -pf /run/dhclient.e1.pid -lf /var/lib/dhcp/dhclient.e1.leases e1 "
+        ">/dev/null 2>&1");
     ASSERT_EQ(clients("e1"), "1");
+    ASSERT_EQ(KernelIpv4("e1"), "");
 
     ChangeTo46();
     network_->RollBack();
