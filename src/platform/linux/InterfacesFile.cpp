@@ -1,7 +1,8 @@
 #include "platform/linux/InterfacesFile.h"
 
-#include <sstream>
 #include <vector>
+
+#include "platform/hostctl/TextFields.h"
 
 namespace LinuxHost::InterfacesFile {
 
@@ -39,10 +40,7 @@ std::vector<Line> Lines(const std::string& text) {
         }
         Line line{physical, {}};
         const std::size_t first = logical.find_first_not_of(" \t");
-        if (first != std::string::npos && logical[first] != '#') {
-            std::istringstream words(logical);
-            for (std::string word; words >> word;) line.words.push_back(word);
-        }
+        if (first != std::string::npos && logical[first] != '#') line.words = HostCtl::Words(logical);
         lines.push_back(std::move(line));
         logical.clear();
         physical.clear();
