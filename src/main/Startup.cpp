@@ -260,7 +260,7 @@ int RunConsole(int argc, char** argv) {
     int vt = -1;
     if (argc > 1) vt = ParseVtArgument(argv[1]);
 
-    StartSignalThread();
+    BlockSignals();
     // A host notification: the screen on top redraws what it shows of the host, and a smart-card
     // session ends when its card is gone.
     SetNotificationHook([] {
@@ -293,6 +293,11 @@ int RunConsole(int argc, char** argv) {
     // Registered before endwin so that it runs after it: the palette reset follows the restored screen.
     atexit(ResetPalette);
     initscr();
+    // Curses flushes at every cursor move until it has once been ended and resumed, so a screen would
+    // reach the terminal in one write per line. One round, before anything is drawn, sends each screen
+    // whole.
+    endwin();
+    refresh();
     start_color();
     atexit(EndCurses);
     curs_set(0);
