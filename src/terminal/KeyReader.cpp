@@ -78,7 +78,24 @@ void* Session::SignalHandler(void*) {
     return nullptr;
 }
 
+namespace {
+// Set once the signals are blocked: the thread that turns them into pipe bytes is still to start.
+bool g_signalThreadDue = false;
+
 void StartSignalThread() {
+    g_signalThreadDue = false;
+    pthread_t thread;
+    const int rc = pthread_create(&thread, nullptr, &Session::SignalHandler, nullptr);
+    if (rc != 0) {
+        errno = rc;
+        LogErrno("pthread_create() failed");
+        exit(1);
+    }
+    pthread_detach(thread);
+}
+}  // namespace
+
+void BlockSignals() {
     if (pipe2(Session::_signalPipe, O_CLOEXEC) != 0) {
         LogErrno("pipe() failed");
         exit(1);
@@ -91,14 +108,7 @@ void StartSignalThread() {
         errno = rc;
         LogErrno("pthread_sigmask() failed");
     }
-    pthread_t thread;
-    rc = pthread_create(&thread, nullptr, &Session::SignalHandler, nullptr);
-    if (rc != 0) {
-        errno = rc;
-        LogErrno("pthread_create() failed");
-        exit(1);
-    }
-    pthread_detach(thread);
+    g_signalThreadDue = true;
 }
 
 static std::function<void()> g_notificationHook;
@@ -184,6 +194,7 @@ int TakePending(bool urgentOnly) {
 }  // namespace
 
 int WaitInput(std::optional<timeval> limit) {
+    if (g_signalThreadDue) StartSignalThread();
     if (int event = TakePending(true)) return event;
     if (g_afterEscape) {
         int key = ReadKeyNow();

@@ -33,9 +33,11 @@ constexpr int kDimSeconds = 60;
 // well over 300 ms), and Esc-digit is a short reach: 400 ms keeps a deliberate pair together.
 constexpr int kEscapeDelayMs = 400;
 
-// Creates the signal pipe, blocks the handled signals in this (and every later) thread and starts the
-// signal thread. Ends the process with status 1 if the pipe or the thread cannot be made.
-void StartSignalThread();
+// Creates the signal pipe and blocks the handled signals in this (and every later) thread. The thread
+// that turns them into pipe bytes starts at the first wait for input, off the way to the first screen:
+// a signal that comes before then waits for it, as it would wait for that first read of the pipe. Ends
+// the process with status 1 if the pipe or the thread cannot be made.
+void BlockSignals();
 
 // One wait for a key or a signal event; no limit waits indefinitely. Every signal byte queued is read at
 // once: termination and resize come before anything else, keys before the rest, and any number of
