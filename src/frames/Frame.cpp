@@ -20,11 +20,15 @@ void Frame::Notification() {}
 
 int Frame::RunModal() {
     fgFrame = nullptr;
-    if (_parentFrame) {
-        _parentFrame->SetActive(false);
-        _parentFrame->Refresh();
+    {
+        // The parent greyed and this frame over it reach the terminal as one frame.
+        const PaintBatch oneFrame;
+        if (_parentFrame) {
+            _parentFrame->SetActive(false);
+            _parentFrame->Refresh();
+        }
+        SetActive(true);
     }
-    SetActive(true);
     fgFrame = this;
     int result;
     try {
@@ -44,6 +48,7 @@ int Frame::RunModal() {
 }
 
 void Frame::Reactivate() {
+    const PaintBatch oneFrame;
     if (_parentFrame) {
         _parentFrame->SetActive(true);
         _parentFrame->Refresh();

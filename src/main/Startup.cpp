@@ -121,6 +121,14 @@ void GuardPidFile(const char* path) {
     }
 }
 
+void SendScreensWhole() {
+    // curses would stop between the lines of an update to look for typed keys, flushing what it has so
+    // far. Keys wait for the whole screen instead.
+    typeahead(-1);
+    endwin();
+    refresh();
+}
+
 void InitColors() {
     use_default_colors();
     if (!can_change_color()) {
@@ -293,20 +301,13 @@ int RunConsole(int argc, char** argv) {
     // Registered before endwin so that it runs after it: the palette reset follows the restored screen.
     atexit(ResetPalette);
     initscr();
-    // Curses flushes at every cursor move until it has once been ended and resumed, so a screen would
-    // reach the terminal in one write per line. One round, before anything is drawn, sends each screen
-    // whole.
-    endwin();
-    refresh();
+    SendScreensWhole();
     start_color();
     atexit(EndCurses);
     curs_set(0);
     cbreak();
     noecho();
     keypad(stdscr, TRUE);
-    // curses would stop between the lines of an update to look for typed keys, flushing what it has so
-    // far: a screen would reach the terminal in pieces. Keys wait for the whole screen instead.
-    typeahead(-1);
     set_escdelay(kEscapeDelayMs);  // curses' default of a second makes every Esc lag
     InitColors();
     DefineKeys();

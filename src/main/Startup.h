@@ -30,6 +30,12 @@ bool DecideTerminal(bool isLinuxConsole);
 // Claims the pid file unless it names a live process (a second instance is tolerated, unclaimed).
 void GuardPidFile(const char* path);
 
+// Makes every update of the screen reach the terminal whole, so that a slow line never shows half a
+// screen: curses neither looks for typed keys between the lines of an update (flushing what it has so
+// far) nor flushes at every cursor move (which it does until it has once been ended and resumed).
+// Called once after curses starts, before anything is drawn.
+void SendScreensWhole();
+
 // Redefines the palette and the colour pairs, or sets bwColor when the terminal cannot.
 void InitColors();
 

@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <functional>
 #include <string>
@@ -101,6 +103,51 @@ TEST_F(Frames, ModalDialogGreysTheParentTreeTakesTheForegroundAndRestoresBoth) {
     EXPECT_EQ(Window::_xCursor, 7);
     EXPECT_EQ(Window::_yCursor, 3);
     Window::SetCursor(false);
+}
+
+// A slow serial line must never show half a screen: each frame reaches the terminal in one write. The
+// terminal here is a packet socket, so each write of curses arrives as one packet.
+class FramesOnAPacketTerminal : public Testing::OffscreenCurses {
+  protected:
+    void SetUp() override {
+        int ends[2];
+        ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
+        terminal_ = ends[1];
+        OpenScreen(std::fopen("/dev/null", "r"), fdopen(ends[0], "w"));
+        SendScreensWhole();
+    }
+    void TearDown() override {
+        OffscreenCurses::TearDown();
+        close(terminal_);
+    }
+    // How many writes curses made since the last call.
+    int Writes() {
+        int count = 0;
+        char packet[1 << 16];
+        while (recv(terminal_, packet, sizeof packet, MSG_DONTWAIT) >= 0) ++count;
+        return count;
+    }
+    int terminal_ = -1;
+};
+
+TEST_F(FramesOnAPacketTerminal, AScreenAndAModalDialogsOpeningAndClosingAreOneWriteEach) {
+    ScreenFrame root;
+    for (int pane = 0; pane < 4; ++pane)
+        root.AddChild(2, 1 + 6 * pane, 60, 5, kDarkGrey, kWhite)->Print(1, 1, "pane " + std::to_string(pane));
+    Window::SetCursor(false);  // curses sends a change of the cursor's visibility at once
+    Writes();
+    {
+        const PaintBatch oneFrame;
+        root.SetActive(true);
+    }
+    EXPECT_EQ(Writes(), 1) << "a screen built in one batch";
+
+    int opening = 0;
+    ProbeDialog dialog(&root, 40, 10, 5, [&] { opening = Writes(); });
+    Writes();
+    dialog.RunModal();
+    EXPECT_EQ(opening, 1) << "the parent greyed and the dialog over it";
+    EXPECT_EQ(Writes(), 1) << "the parent back in its colours";
 }
 
 TEST_F(Frames, DestroyingAWindowDestroysItsChildren) {

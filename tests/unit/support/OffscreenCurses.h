@@ -63,11 +63,12 @@ class OffscreenCurses : public ::testing::Test {
         bwColor = false;
     }
 
-    // Starts curses reading keys from `in`, which the fixture then owns.
-    void OpenScreen(FILE* in) {
+    // Starts curses reading keys from `in` and writing to `out` (/dev/null when not given); the fixture
+    // then owns both.
+    void OpenScreen(FILE* in, FILE* out = nullptr) {
         std::setlocale(LC_ALL, "C.UTF-8");
         in_ = in;
-        out_ = std::fopen("/dev/null", "w");
+        out_ = out ? out : std::fopen("/dev/null", "w");
         screen_ = newterm("xterm-256color", out_, in_);
         ASSERT_NE(screen_, nullptr);
         set_term(screen_);
