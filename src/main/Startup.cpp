@@ -298,6 +298,11 @@ int RunConsole(int argc, char** argv) {
 
     setlocale(LC_ALL, "en_US.UTF-8");
 
+    // A terminal that keeps its suspend character (over SSH, without a console number) would stop the
+    // console at Ctrl-Z and leave the operator at whatever started it. Ignored before curses starts,
+    // curses installs no handler of its own for it.
+    signal(SIGTSTP, SIG_IGN);
+
     // Registered before endwin so that it runs after it: the palette reset follows the restored screen.
     atexit(ResetPalette);
     initscr();

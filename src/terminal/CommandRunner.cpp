@@ -91,6 +91,7 @@ bool Drain(UniqueFd& fd, Capture& capture) {
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);  // the console's signal thread owns signals, children don't
     signal(SIGPIPE, SIG_DFL);
+    signal(SIGTSTP, SIG_DFL);  // the console ignores it, an ignored signal stays ignored across exec
     // A session of its own, without the console's terminal: a key meant for the console (Ctrl-C) never
     // interrupts a host program half-way, nor does the terminal hanging up.
     setsid();

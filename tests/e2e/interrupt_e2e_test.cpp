@@ -1,8 +1,10 @@
 // Ctrl-C is the console's key (it ends the console, which the host starts again). It never reaches a
 // program the console runs: a host command goes on to its end, and the pager, which has a use for
-// Ctrl-C of its own, hands the terminal back to the same console.
+// Ctrl-C of its own, hands the terminal back to the same console. Ctrl-Z never suspends the console,
+// whatever the terminal.
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -45,6 +47,22 @@ TEST(CtrlC, InThePagerIsThePagersAndTheSessionGoesOn) {
     ASSERT_TRUE(host->Term().WaitFor(MenuShown)) << host->Term().Dump();
     // The same console, still logged in: it neither ended nor started again.
     host->Term().Pause(500ms);
+    EXPECT_EQ(host->WaitForConsole(), console);
+    EXPECT_EQ(host->SyslogLines({"Starting KOVO"}).size(), 1u) << host->Syslog();
+}
+
+// Started on a terminal that keeps its suspend character (no console number), as over SSH.
+TEST(CtrlZ, NeitherStopsNorEndsTheConsole) {
+    auto host = MakeHost("default");
+    const pid_t console = host->WaitForConsole();
+    ASSERT_GT(console, 0);
+    host->Term().SendRaw("\x1a");
+    host->Term().Pause(300ms);
+    std::ifstream stat("/proc/" + std::to_string(console) + "/stat");
+    std::string pid, name, state;
+    stat >> pid >> name >> state;
+    EXPECT_NE(state, "T") << "the console was stopped";
+    EXPECT_TRUE(OpenLogin(*host)) << host->Term().Dump();
     EXPECT_EQ(host->WaitForConsole(), console);
     EXPECT_EQ(host->SyslogLines({"Starting KOVO"}).size(), 1u) << host->Syslog();
 }
