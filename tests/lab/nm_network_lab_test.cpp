@@ -196,18 +196,41 @@ TEST_F(NmNetworkLab, AManagementNicTheServiceLeavesAloneIsRefusedInWordsAndKeeps
     EXPECT_EQ(NetworkManagerClient::Connect().Checkpoints(), std::vector<std::string>{});
 }
 
-// A checkpoint does not cover the host's name and name table: the rollback puts them back itself.
-TEST_F(NmNetworkLab, ARollBackPutsTheHostNameAndTheNameTableBack) {
-    const std::string name = Output("hostname"), table = Output("cat /etc/hosts");
+// A checkpoint does not cover the host's name, its name table or the IPv6 switch: a change not kept puts
+// them back itself, rolled back or kept once the service had already rolled it back.
+class Uncovered : public NmNetworkLab {
+  protected:
+    void Change() {
+        network_->Names().Set("changed-name");
+        network_->Names().SetHostsText("127.0.1.1\tchanged-name.lab changed-name\n");
+        Output(std::string("echo 'net.ipv6.conf.all.disable_ipv6 = 1' > ") + NmNetwork::kIpv6Switch);
+        ASSERT_EQ(Output("hostname"), "changed-name");
+        ASSERT_EQ(Output("cat /etc/hostname"), "changed-name");
+    }
+    void ExpectPutBack() {
+        EXPECT_EQ(Output("hostname"), name_);
+        EXPECT_EQ(Output("cat /etc/hostname"), name_);
+        EXPECT_EQ(Output("cat /etc/hosts"), table_);
+        EXPECT_FALSE(std::filesystem::exists(NmNetwork::kIpv6Switch));
+    }
+    const std::string name_ = Output("hostname"), table_ = Output("cat /etc/hosts");
+};
+
+TEST_F(Uncovered, ARollBackPutsThemBack) {
+    std::filesystem::remove(NmNetwork::kIpv6Switch);
     network_->OpenChange(60);
-    network_->Names().Set("changed-name");
-    network_->Names().SetHostsText("127.0.1.1\tchanged-name.lab changed-name\n");
-    EXPECT_EQ(Output("hostname"), "changed-name");
-    EXPECT_EQ(Output("cat /etc/hostname"), "changed-name");
+    Change();
     network_->RollBack();
-    EXPECT_EQ(Output("hostname"), name);
-    EXPECT_EQ(Output("cat /etc/hostname"), name);
-    EXPECT_EQ(Output("cat /etc/hosts"), table);
+    ExpectPutBack();
+}
+
+TEST_F(Uncovered, AKeepTooLatePutsThemBack) {
+    std::filesystem::remove(NmNetwork::kIpv6Switch);
+    network_->OpenChange(2);
+    Change();
+    ASSERT_TRUE(WaitFor([] { return NetworkManagerClient::Connect().Checkpoints().empty(); }, 20s));
+    EXPECT_THROW(network_->Keep(), std::exception);
+    ExpectPutBack();
 }
 
 // A host whose management network ifupdown configures: the first change hands the NIC to the service

@@ -13,9 +13,11 @@
 #include <filesystem>
 #include <map>
 #include <set>
+#include <system_error>
 #include <thread>
 
 #include "platform/hostctl/HostCtlException.h"
+#include "platform/hostctl/WholeFile.h"
 #include "platform/linux/HostFiles.h"
 #include "platform/linux/RunningAddresses.h"
 #include "platform/linux/SystemServices.h"
@@ -401,6 +403,29 @@ void NmNetwork::PutBackIfupdown() {
     _ifupdown.Forget();
 }
 
+void NmNetwork::PutBackUncovered() {
+    if (_hostnameBefore && _names.Static() != *_hostnameBefore) _names.Set(*_hostnameBefore);
+    if (_hostsBefore && _names.HostsText() != *_hostsBefore) _names.SetHostsText(*_hostsBefore);
+    if (_files.Read(kIpv6Switch) == _ipv6SwitchBefore) return;
+    const std::string path = _files.Under(kIpv6Switch).string();
+    try {
+        if (_ipv6SwitchBefore)
+            HostCtl::WriteWholeFile(path, *_ipv6SwitchBefore);
+        else if (::unlink(path.c_str()) != 0 && errno != ENOENT)
+            throw std::system_error(errno, std::generic_category(), "Cannot remove " + path);
+    } catch (const std::system_error& e) {
+        throw HostCtl::Lib::HostCtlException(e.what());
+    }
+}
+
+void NmNetwork::PutBackUncoveredBeside() {
+    try {
+        PutBackUncovered();
+    } catch (const std::exception& failed) {
+        syslog(LOG_ERR, "A change not kept left the host's name or files changed: %s", failed.what());
+    }
+}
+
 void NmNetwork::PutBackAfter(const std::exception& failure) {
     if (!_ifupdown.Pending()) return;
     try {
@@ -490,6 +515,7 @@ void NmNetwork::OpenChange(int rollbackSeconds) {
     _interfaces.clear();
     for (const NmDevice& device : _client.Devices()) _interfaces[device.path] = device.interface;
     _hostsBefore = _names.HostsText();
+    _ipv6SwitchBefore = _files.Read(kIpv6Switch);
     try {
         _hostnameBefore = _names.Static();
     } catch (const HostCtl::Lib::HostCtlException&) {
@@ -514,8 +540,10 @@ void NmNetwork::Keep() {
     try {
         _client.DestroyCheckpoint(*_checkpoint);
     } catch (const std::exception& e) {
-        // Asked as its time ran out: the service has rolled the change back, ifupdown's NIC with it.
+        // Asked as its time ran out: the service has rolled the change back, ifupdown's NIC with it, and
+        // the rest goes back with it.
         _checkpoint.reset();
+        PutBackUncoveredBeside();
         PutBackAfter(e);
         throw;
     }
@@ -536,7 +564,11 @@ std::vector<std::string> NmNetwork::RollBack() {
         results = _client.RollBackCheckpoint(checkpoint);
     } catch (const BusError&) {
         // Asked as its time ran out: the service has rolled every device back by itself.
-        if (std::chrono::steady_clock::now() < _rollbackAt) throw;
+        if (std::chrono::steady_clock::now() < _rollbackAt) {
+            // The service still rolls back at the checkpoint's time; the rest goes back now.
+            PutBackUncoveredBeside();
+            throw;
+        }
         for (const auto& [device, name] : _interfaces) results[device] = true;
     }
     std::vector<std::string> restored;
@@ -549,8 +581,7 @@ std::vector<std::string> NmNetwork::RollBack() {
     // ifupdown gets its NIC back even when the name cannot be put back; the first failure is told.
     std::exception_ptr failed;
     try {
-        if (_hostnameBefore && _names.Static() != *_hostnameBefore) _names.Set(*_hostnameBefore);
-        if (_hostsBefore && _names.HostsText() != *_hostsBefore) _names.SetHostsText(*_hostsBefore);
+        PutBackUncovered();
     } catch (...) {
         failed = std::current_exception();
     }

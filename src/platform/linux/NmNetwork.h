@@ -60,9 +60,10 @@ class NmNetwork {
     // Removes the console's profiles, and with them the management network they made.
     void Clear();
 
-    // A change the service undoes by itself after `rollbackSeconds` unless it is kept. The host's name and
-    // name table are outside the service's reach: they are put back here on RollBack (the service puts
-    // back the rest even when the console is gone).
+    // A change the service undoes by itself after `rollbackSeconds` unless it is kept. The host's name,
+    // its name table and the IPv6 switch are outside the service's reach: they are put back here when the
+    // change is not kept (rolled back, or kept too late), and the service puts back the rest even when the
+    // console is gone.
     // One console changes the network at a time. A change that a console left open when it ended is
     // rolled back first: nobody is left to keep it, and the service refuses a second one meanwhile.
     // A management NIC that ifupdown configures is handed to the service before the checkpoint opens.
@@ -75,6 +76,9 @@ class NmNetwork {
 
     HostNames& Names() { return _names; }
 
+    // The file that switches IPv6 for the next boot.
+    static constexpr const char* kIpv6Switch = "/etc/sysctl.d/90-kovo-ipv6.conf";
+
     // Puts back a take-over from ifupdown that a console left neither kept nor undone (killed, or the host
     // restarted): ifupdown has its NIC again. Nothing when there is none, or another console's is open.
     void FinishAbandonedChange();
@@ -86,6 +90,10 @@ class NmNetwork {
     std::string IfupdownNic(const std::vector<NmDevice>& devices);
     // Hands `nic` over from ifupdown and waits until the service runs it (as it found it).
     void TakeFromIfupdown(const std::string& nic);
+    // Puts back the host's name, its name table and the IPv6 switch as they were when the change opened.
+    void PutBackUncovered();
+    // PutBackUncovered() on a way out that has a failure of its own to tell: this one goes to the log.
+    void PutBackUncoveredBeside();
     // Gives ifupdown back what a change that was not kept took from it.
     void PutBackIfupdown();
     // After `failure`, gives ifupdown back a take-over that is pending; one that fails too is added to the
@@ -115,6 +123,7 @@ class NmNetwork {
     HostNames _names;
     IfupdownHandover _ifupdown;
     std::optional<std::string> _hostnameBefore, _hostsBefore;
+    std::optional<std::string> _ipv6SwitchBefore;  // nullopt: there was none
     std::optional<std::string> _checkpoint;
     std::chrono::steady_clock::time_point _rollbackAt;
     std::map<std::string, std::string> _interfaces;  // device path to name, when the change opened

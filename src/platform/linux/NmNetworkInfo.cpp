@@ -78,7 +78,7 @@ std::unique_ptr<HostCtl::Network::ZenkNic> NmNetworkInfo::GetManagementInterface
 }
 
 bool NmNetworkInfo::GetPendingZenkIpv6Enabled() {
-    const std::optional<std::string> text = _files.Read(kIpv6Switch);
+    const std::optional<std::string> text = _files.Read(NmNetwork::kIpv6Switch);
     if (!text) return IsZenkIpv6Enabled();
     for (const std::string& line : HostCtl::Lines(*text)) {
         const std::vector<std::string> words = HostCtl::Words(line);
@@ -91,7 +91,7 @@ bool NmNetworkInfo::GetPendingZenkIpv6Enabled() {
 void NmNetworkInfo::SetZenkIpv6Enabled(bool enabled) {
     if (enabled == GetPendingZenkIpv6Enabled()) return;
     const char* value = enabled ? "0" : "1";
-    WriteHostFile(_files, kIpv6Switch,
+    WriteHostFile(_files, NmNetwork::kIpv6Switch,
                   std::string("# Written by the host console: IPv6 ") + (enabled ? "on" : "off") +
                       " for the whole host from the next boot.\nnet.ipv6.conf.all.disable_ipv6 = " + value +
                       "\nnet.ipv6.conf.default.disable_ipv6 = " + value + "\n");

@@ -26,9 +26,6 @@ class NmNetworkInfo : public LinuxNetworkInfo {
     std::unique_ptr<HostCtl::Network::NetworkChange> BeginChange(int rollbackSeconds) override;
     std::string TakeOverNotice() override;
 
-    // The file that switches IPv6 for the next boot.
-    static constexpr const char* kIpv6Switch = "/etc/sysctl.d/90-kovo-ipv6.conf";
-
   private:
     HostFiles _files;
     std::shared_ptr<const KernelNetwork> _kernel;
