@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <map>
 #include <vector>
 
@@ -24,6 +25,14 @@ Program Tool(std::vector<std::string> args) {
 }
 
 const Program kTrue{"/bin/true", {"true"}};
+
+// The hypervisor the console's unit names (libvirt's own variable) goes on the tool's command line: the
+// console runs host programs with an environment of its own making, which does not carry it.
+Program VmsTool(std::vector<std::string> args) {
+    const char* uri = getenv("LIBVIRT_DEFAULT_URI");
+    if (uri && *uri) args.push_back(std::string("--uri=") + uri);
+    return Tool(std::move(args));
+}
 
 // The host agent's commands ("hcl-cmd -U USER COMMAND").
 Program AgentCommand(const std::string& command) {
@@ -92,7 +101,7 @@ Program LinuxPrograms::Resolve(const Program& documented) const {
     }
     if (path == "/bin/powerOffVms" || path == "/sbin/powerOffVms") {
         const bool force = a.size() == 2 && a[1] == "--terminate";
-        return force ? Tool({"vms", "shutdown", "--force"}) : Tool({"vms", "shutdown"});
+        return force ? VmsTool({"vms", "shutdown", "--force"}) : VmsTool({"vms", "shutdown"});
     }
     if (path == "/sbin/backup.sh") return kTrue;
     if (path == "/sbin/qorcfg-advcfg" && a.size() == 4 && a[1] == "-q" && a[2] == "-g")

@@ -130,6 +130,22 @@ TEST(VirtualMachines, RunningMachinesAreAskedToShutDown) {
     EXPECT_EQ(LinuxHost::VirtualMachines("test:///default").ShutDown(false, 5), 0);
 }
 
+// The console runs host programs in an environment of its own making, without the hypervisor its unit
+// names: the shutdown carries it on its command line. Run without it, the tool would ask the system's
+// hypervisor, which this machine does not run and which so counts as running nothing.
+TEST(LinuxPrograms, TheMachinesShutDownAreThoseOfTheHypervisorTheConsoleWasToldOf) {
+    const auto shutdown = [](const char* uri) {
+        setenv("LIBVIRT_DEFAULT_URI", uri, 1);
+        const Program resolved = LinuxPrograms().Resolve({"/sbin/powerOffVms", {"powerOffVms"}});
+        unsetenv("LIBVIRT_DEFAULT_URI");
+        return LinuxPrograms::RunDetached({KOVO_HOST_TOOL, resolved.argv});
+    };
+    EXPECT_EQ(shutdown("test:///default"), 0);
+    EXPECT_NE(shutdown("test:///no/such/file.xml"), 0) << "a hypervisor that cannot be asked was not asked";
+    EXPECT_EQ(LinuxPrograms().Resolve({"/sbin/powerOffVms", {"powerOffVms"}}).argv,
+              Tool({"vms", "shutdown"}));
+}
+
 // The console asks the host tool, in a process of its own, and tells its three answers apart.
 TEST(LinuxResourceInfo, TheHostToolSaysWhetherMachinesRunOrWhyItCannotTell) {
     const auto running = [](const char* uri, const std::string& tool = KOVO_HOST_TOOL) {

@@ -3,6 +3,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -133,13 +134,21 @@ int HostTool::Power(const std::string& action) {
     return kDone;
 }
 
-int HostTool::Vms(const std::vector<std::string>& args) {
-    const char* uri = getenv("LIBVIRT_DEFAULT_URI");
-    const VirtualMachines vms(uri && *uri ? uri : VirtualMachines::kSystemUri);
+int HostTool::Vms(std::vector<std::string> args) {
+    // --uri= first (the console passes what its unit was told), then libvirt's own variable.
+    const char* variable = getenv("LIBVIRT_DEFAULT_URI");
+    std::string uri = variable && *variable ? variable : VirtualMachines::kSystemUri;
+    const auto given = std::find_if(args.begin(), args.end(),
+                                    [](const std::string& arg) { return arg.rfind("--uri=", 0) == 0; });
+    if (given != args.end()) {
+        uri = given->substr(6);
+        args.erase(given);
+    }
+    const VirtualMachines vms(uri);
     if (args.size() == 1 && args[0] == "running") return vms.CountRunning() > 0 ? kDone : kNotRunning;
     if (args.empty() || args[0] != "shutdown" || args.size() > 2 ||
         (args.size() == 2 && args[1] != "--force"))
-        return Usage("vms running or vms shutdown [--force]");
+        return Usage("vms running or vms shutdown [--force], either with --uri=URI");
     const int left = vms.ShutDown(args.size() == 2, kGraceSeconds);
     if (left == 0) return kDone;
     std::cerr << left << " virtual machine(s) still running\n";

@@ -35,7 +35,7 @@ class HostTool {
   private:
     int Service(const std::string& name, const std::string& action);
     int Power(const std::string& action);
-    int Vms(const std::vector<std::string>& args);
+    int Vms(std::vector<std::string> args);
     int Agents(const std::string& action);
     int Option(const std::vector<std::string>& args);
     int Log(const std::string& name, const std::vector<std::string>& pagerOptions);
