@@ -1,10 +1,12 @@
 #include "terminal/CommandRunner.h"
 
+#include <curses.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <pthread.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/ioctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <syslog.h>
@@ -328,7 +330,15 @@ int RunOnTerminal(const char* program, const char* const argv[]) {
         }
         break;
     }
-    if (ownsTerminal) TakeTerminalBack();
+    if (ownsTerminal) {
+        TakeTerminalBack();
+        // A resize signal went to the program in the foreground, not to the console: the console takes
+        // up a size that changed meanwhile as its own resize.
+        winsize size{};
+        if (ioctl(STDIN_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0 &&
+            (size.ws_row != LINES || size.ws_col != COLS))
+            kill(getpid(), SIGWINCH);
+    }
     return ended == pid && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

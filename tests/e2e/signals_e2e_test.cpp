@@ -107,6 +107,21 @@ TEST(ConsoleResize, SignalAt100x37LogsTheNewSizeAndEnds) {
     EXPECT_EQ(host.SyslogLines({"Resized window to"}).size(), 1u) << host.Syslog();
 }
 
+// A program the console runs on the terminal (the log pager) has it in the foreground, so the resize
+// signal reaches the program and not the console: the console takes it up once the program ends.
+TEST(ConsoleResize, WhileThePagerRunsIsTheConsolesOnceThePagerEnds) {
+    auto host = MakeHost("default");
+    ASSERT_GT(host->WaitForConsole(), 0);
+    ASSERT_TRUE(LogIn(*host, "", kRootPassword)) << host->Term().Dump();
+    ASSERT_TRUE(OpenFromMenu(*host, kSystemLogsDowns, "<1> Syslog")) << host->Term().Dump();
+    host->Term().Type("1");
+    ASSERT_TRUE(Settled(*host, kPagerPrompt)) << host->Term().Dump();
+    host->Term().Resize(100, 37);
+    host->Term().Pause(300ms);
+    host->Term().Type("q");
+    EXPECT_TRUE(host->WaitForSyslog({"user.info", "KOVO[", "]: Resized window to 100x37"})) << host->Syslog();
+}
+
 // A host notification with a smart card in the reader and nobody logged in looks for the card's user
 // and logs it: one line per handled notification. The host's store lock, held from outside, stops the
 // first one halfway, so the whole burst and the termination queue up behind it.
