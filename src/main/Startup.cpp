@@ -4,12 +4,14 @@
 #include <fcntl.h>
 #include <linux/kd.h>
 #include <linux/vt.h>
+#include <signal.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -226,6 +228,40 @@ void DefineKeys() {
     for (const Binding& b : bindings) define_key(b.sequence, b.key);
 }
 
+namespace {
+
+// What a crash leaves on the terminal: made while the console runs, written from the signal handler,
+// which may call nothing but write and tcsetattr.
+char g_crashReset[256];
+std::size_t g_crashResetLength = 0;
+
+void OnFatalSignal(int signal) {
+    if (write(1, g_crashReset, g_crashResetLength) < 0) {
+        // nothing left to try
+    }
+    if (g_foundSaved) tcsetattr(1, TCSANOW, &g_found);
+    // The handler was reset as it ran: the signal now ends the process as it would have.
+    raise(signal);
+}
+
+}  // namespace
+
+void GiveTheTerminalBackOnCrash() {
+    std::string reset;
+    for (const char* capability : {"sgr0", "cnorm", "rmcup"}) {
+        const char* sequence = tigetstr(capability);
+        if (sequence != nullptr && sequence != reinterpret_cast<char*>(-1)) reset += sequence;
+    }
+    reset += "\033]R";  // the palette, as ResetPalette sends it
+    g_crashResetLength = std::min(reset.size(), sizeof g_crashReset);
+    std::memcpy(g_crashReset, reset.data(), g_crashResetLength);
+    struct sigaction action {};
+    action.sa_handler = OnFatalSignal;
+    action.sa_flags = SA_RESETHAND | SA_NODEFER;
+    sigemptyset(&action.sa_mask);
+    for (int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) sigaction(signal, &action, nullptr);
+}
+
 void ResetPalette() {
     if (g_paletteReset) return;
     g_paletteReset = true;
@@ -316,6 +352,7 @@ int RunConsole(int argc, char** argv) {
     set_escdelay(kEscapeDelayMs);  // curses' default of a second makes every Esc lag
     InitColors();
     DefineKeys();
+    GiveTheTerminalBackOnCrash();
 
     refresh();
     {

@@ -36,6 +36,10 @@ void GuardPidFile(const char* path);
 // Called once after curses starts, before anything is drawn.
 void SendScreensWhole();
 
+// From here on a crash (a fatal signal) gives the terminal back before the process ends: attributes
+// as found, the screen left, the cursor shown and the palette reset.
+void GiveTheTerminalBackOnCrash();
+
 // Redefines the palette and the colour pairs, or sets bwColor when the terminal cannot.
 void InitColors();
 

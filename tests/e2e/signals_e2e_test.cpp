@@ -94,6 +94,27 @@ INSTANTIATE_TEST_SUITE_P(Signals, TerminationSignal,
                                     (info.param.dialogOpen ? "WithADialogOpen" : "");
                          });
 
+// A console that crashes gives the terminal back all the same: the host's next console, or a shell it
+// was started from, gets a usable line.
+class FatalSignal : public ::testing::TestWithParam<int> {};
+
+TEST_P(FatalSignal, LeavesTheTerminalAsTheConsoleFoundIt) {
+    HostConsole host(FreshHostDir(), ConsoleStart{});
+    pid_t console = StartConsole(host);
+    ASSERT_GT(console, 0);
+    const std::size_t before = host.Term().Output().size();
+    ASSERT_TRUE(host.Term().Signal(GetParam(), console));
+    ASSERT_TRUE(host.Term().WaitExit()) << host.Term().Dump();
+    EXPECT_NE(host.Term().Output().substr(before).find(kLeaveAlternateScreen), std::string::npos)
+        << host.Term().Dump();
+    auto after = host.Term().TerminalAttributes();
+    ASSERT_TRUE(after);
+    EXPECT_EQ(after->c_lflag & (ICANON | ECHO), tcflag_t(ICANON | ECHO)) << "terminal left in raw mode";
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, FatalSignal, ::testing::Values(SIGSEGV, SIGABRT),
+                         [](const auto& info) { return std::string(sigabbrev_np(info.param)); });
+
 TEST(ConsoleResize, SignalAt100x37LogsTheNewSizeAndEnds) {
     HostConsole host(FreshHostDir(), ConsoleStart{});
     pid_t console = StartConsole(host);
