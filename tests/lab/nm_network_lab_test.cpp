@@ -196,6 +196,26 @@ TEST_F(NmNetworkLab, AManagementNicTheServiceLeavesAloneIsRefusedInWordsAndKeeps
     EXPECT_EQ(NetworkManagerClient::Connect().Checkpoints(), std::vector<std::string>{});
 }
 
+// The lease gone (its DHCP server down) and a bridge of the hypervisor's own with an address of its
+// own: the management network is still the NIC whose profile waits for the lease, which a change can
+// then take over; the bridge is not.
+TEST_F(NmNetworkLab, WithoutItsLeaseTheManagementInterfaceIsTheNicWaitingForIt) {
+    struct HypervisorBridge {
+        HypervisorBridge() {
+            Output(
+                "ip link add kvbr0 type bridge && ip addr add 192.168.122.1/24 dev kvbr0 && "
+                "ip link set kvbr0 up");
+        }
+        ~HypervisorBridge() { Output("ip link del kvbr0"); }
+    } bridge;
+    Output("ip -4 addr flush dev e0");
+    ASSERT_TRUE(WaitFor([] { return KernelIpv4("e0").empty() && !KernelIpv4("kvbr0").empty(); }, 5s));
+    EXPECT_EQ(network_->ManagementInterface(), "e0");
+    const std::optional<NmProfile> holder = network_->ForeignHolder();
+    ASSERT_TRUE(holder);
+    EXPECT_EQ(holder->Id(), "Wired e0");
+}
+
 // A checkpoint does not cover the host's name, its name table or the IPv6 switch: a change not kept puts
 // them back itself, rolled back or kept once the service had already rolled it back.
 class Uncovered : public NmNetworkLab {

@@ -52,8 +52,8 @@ void LinuxNetworkInfo::UpdateManagementInterface() {
 }
 
 std::string LinuxNetworkInfo::GetManagementInterfaceName() {
-    return ChooseManagementInterface(LinuxInterfaces(_files).All(), _kernel->Addresses(),
-                                     _kernel->DefaultRoutes());
+    const std::vector<std::string> interfaces = LinuxInterfaces(_files).All();
+    return ChooseManagementInterface(interfaces, interfaces, _kernel->Addresses(), _kernel->DefaultRoutes());
 }
 
 std::unique_ptr<HostCtl::Network::ZenkNic> LinuxNetworkInfo::GetManagementInterface() {

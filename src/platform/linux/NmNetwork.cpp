@@ -102,7 +102,43 @@ std::string NmNetwork::ManagementInterface(const std::vector<NmDevice>& devices)
     std::vector<std::string> interfaces;
     for (const NmDevice& device : devices)
         if (device.interface != "lo") interfaces.push_back(device.interface);
-    return ChooseManagementInterface(interfaces, _kernel->Addresses(), _kernel->DefaultRoutes());
+    // Without a default route, only what stands on the host's NICs: the hypervisor's own bridge for its
+    // machines has an address reachable from elsewhere too, and is no way to manage the host.
+    const std::vector<std::string> onNics = OnNics(devices);
+    const std::string chosen =
+        ChooseManagementInterface(interfaces, onNics, _kernel->Addresses(), _kernel->DefaultRoutes());
+    if (!chosen.empty()) return chosen;
+    // No address at all (its DHCP server down, say): the interface a profile is up or coming up on,
+    // what stands on a NIC before the NIC itself, so that the first change can still take it over.
+    for (bool nic : {false, true})
+        for (const NmDevice& device : devices)
+            if ((device.type == NmDevice::kEthernet) == nic && device.activeConnection != "/" &&
+                std::find(onNics.begin(), onNics.end(), device.interface) != onNics.end())
+                return device.interface;
+    return {};
+}
+
+std::vector<std::string> NmNetwork::OnNics(const std::vector<NmDevice>& devices) const {
+    std::vector<std::string> on;
+    const auto add = [&on](const std::string& name) {
+        if (!name.empty() && std::find(on.begin(), on.end(), name) == on.end()) on.push_back(name);
+    };
+    for (const NmDevice& device : devices) {
+        if (!device.wired) continue;
+        add(device.interface);
+        // Its bridge or bond, and a bridge over that bond.
+        const std::string controller = _files.LinkName("/sys/class/net/" + device.interface + "/master");
+        add(controller);
+        if (!controller.empty()) add(_files.LinkName("/sys/class/net/" + controller + "/master"));
+    }
+    // VLANs on any of those.
+    for (const NmDevice& device : devices)
+        if (device.type == NmDevice::kVlan)
+            for (const std::string& entry : _files.List("/sys/class/net/" + device.interface))
+                if (entry.rfind("lower_", 0) == 0 &&
+                    std::find(on.begin(), on.end(), entry.substr(6)) != on.end())
+                    add(device.interface);
+    return on;
 }
 
 NmIpConfig NmNetwork::RunningIp(int family) {

@@ -88,6 +88,8 @@ class NmNetwork {
     std::string ManagementInterface(const std::vector<NmDevice>& devices);
     std::optional<NmProfile> ForeignHolder(const std::vector<NmDevice>& devices);
     std::string IfupdownNic(const std::vector<NmDevice>& devices);
+    // The wired NICs among `devices`, and the bridges, bonds and VLANs the kernel has built on them.
+    std::vector<std::string> OnNics(const std::vector<NmDevice>& devices) const;
     // Hands `nic` over from ifupdown and waits until the service runs it (as it found it).
     void TakeFromIfupdown(const std::string& nic);
     // Puts back the host's name, its name table and the IPv6 switch as they were when the change opened.

@@ -39,6 +39,7 @@ std::string Netmask(int prefixLength) {
 }  // namespace
 
 std::string ChooseManagementInterface(const std::vector<std::string>& interfaces,
+                                      const std::vector<std::string>& reachable,
                                       const std::vector<KernelAddress>& addresses,
                                       const std::vector<KernelRoute>& routes) {
     for (int family : {AF_INET, AF_INET6}) {
@@ -46,7 +47,7 @@ std::string ChooseManagementInterface(const std::vector<std::string>& interfaces
         if (route && std::find(interfaces.begin(), interfaces.end(), route->interface) != interfaces.end())
             return route->interface;
     }
-    for (const std::string& name : interfaces)
+    for (const std::string& name : reachable)
         for (const KernelAddress& a : addresses)
             if (a.interface == name && IsGlobal(a)) return name;
     return {};

@@ -8,9 +8,11 @@
 
 namespace LinuxHost {
 
-// The management interface of a Linux host: the one that holds the default IPv4 route of lowest metric,
-// else the IPv6 one, else the first of `interfaces` with a global address; "" when none has any.
+// The management interface of a Linux host: the one of `interfaces` that holds the default IPv4 route of
+// lowest metric, else the IPv6 one, else the first of `reachable` with a global address; "" when none
+// has any.
 std::string ChooseManagementInterface(const std::vector<std::string>& interfaces,
+                                      const std::vector<std::string>& reachable,
                                       const std::vector<KernelAddress>& addresses,
                                       const std::vector<KernelRoute>& routes);
 

@@ -152,18 +152,26 @@ TEST(RunningAddresses, TheChoiceFollowsTheLowestMetricThenIpv6ThenAGlobalAddress
     const std::vector<std::string> interfaces{"br0", "ens4", "virbr0"};
     const auto a = [](auto... args) { return LinuxHostTree::Address(args...); };
     EXPECT_EQ(LinuxHost::ChooseManagementInterface(
-                  interfaces, {}, {{"br0", AF_INET, "10.0.0.1", 600}, {"ens4", AF_INET, "10.1.0.1", 100}}),
+                  interfaces, interfaces, {},
+                  {{"br0", AF_INET, "10.0.0.1", 600}, {"ens4", AF_INET, "10.1.0.1", 100}}),
               "ens4");
-    EXPECT_EQ(LinuxHost::ChooseManagementInterface(interfaces, {}, {{"ens4", AF_INET6, "fe80::1", 1024}}),
+    EXPECT_EQ(LinuxHost::ChooseManagementInterface(interfaces, interfaces, {},
+                                                   {{"ens4", AF_INET6, "fe80::1", 1024}}),
               "ens4");
     // A route out of an interface the host does not list (a VPN tunnel gone since) is not the answer.
-    EXPECT_EQ(
-        LinuxHost::ChooseManagementInterface(interfaces, {a("ens4", AF_INET, "10.1.0.5", 24, 0xFFFFFFFFu, 0)},
-                                             {{"tun9", AF_INET, "", 0}}),
-        "ens4");
+    EXPECT_EQ(LinuxHost::ChooseManagementInterface(interfaces, interfaces,
+                                                   {a("ens4", AF_INET, "10.1.0.5", 24, 0xFFFFFFFFu, 0)},
+                                                   {{"tun9", AF_INET, "", 0}}),
+              "ens4");
+    // Without a route, an address counts only where the management network can be (the hypervisor's own
+    // bridge for its machines is not).
+    EXPECT_EQ(LinuxHost::ChooseManagementInterface(interfaces, {"br0", "ens4"},
+                                                   {a("virbr0", AF_INET, "192.168.122.1", 24)}, {}),
+              "");
     // Loopback and link-local addresses do not make an interface reachable from elsewhere.
     EXPECT_EQ(LinuxHost::ChooseManagementInterface(
-                  interfaces, {a("br0", AF_INET, "169.254.3.3", 16), a("ens4", AF_INET6, "fe80::2", 64)}, {}),
+                  interfaces, interfaces,
+                  {a("br0", AF_INET, "169.254.3.3", 16), a("ens4", AF_INET6, "fe80::2", 64)}, {}),
               "");
 }
 
