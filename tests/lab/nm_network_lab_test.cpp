@@ -197,9 +197,8 @@ TEST_F(NmNetworkLab, AManagementNicTheServiceLeavesAloneIsRefusedInWordsAndKeeps
 }
 
 // The lease gone (its DHCP server down) and a bridge of the hypervisor's own with an address of its
-// own: the management network is still the NIC whose profile waits for the lease, which a change can
-// then take over; the bridge is not.
-TEST_F(NmNetworkLab, WithoutItsLeaseTheManagementInterfaceIsTheNicWaitingForIt) {
+// own: the management network is still on the NIC, where a change can take it over; not on the bridge.
+TEST_F(NmNetworkLab, WithoutItsLeaseTheManagementInterfaceStaysOnTheNic) {
     struct HypervisorBridge {
         HypervisorBridge() {
             Output(
@@ -208,12 +207,32 @@ TEST_F(NmNetworkLab, WithoutItsLeaseTheManagementInterfaceIsTheNicWaitingForIt) 
         }
         ~HypervisorBridge() { Output("ip link del kvbr0"); }
     } bridge;
+    Output("nmcli device set e1 managed no");  // one NIC, so that the test has one answer
     Output("ip -4 addr flush dev e0");
     ASSERT_TRUE(WaitFor([] { return KernelIpv4("e0").empty() && !KernelIpv4("kvbr0").empty(); }, 5s));
     EXPECT_EQ(network_->ManagementInterface(), "e0");
     const std::optional<NmProfile> holder = network_->ForeignHolder();
     ASSERT_TRUE(holder);
     EXPECT_EQ(holder->Id(), "Wired e0");
+}
+
+// A change that takes NICs over stops the other tools' profiles for them from starting by themselves; not
+// kept, each is as it was, also one that was not up when the change opened (the checkpoint holds only
+// what runs).
+TEST_F(NmNetworkLab, ARollBackLetsTheOtherToolsProfilesForTheUplinksStartAgain) {
+    Output(
+        "nmcli connection add type ethernet ifname e1 con-name 'Spare e1' ipv4.method disabled "
+        "ipv6.method ignore connection.autoconnect-priority -10 >/dev/null && "
+        "nmcli connection add type ethernet ifname e1 con-name 'Wired e1' ipv4.method disabled "
+        "ipv6.method ignore >/dev/null && nmcli connection up 'Wired e1' >/dev/null");
+    network_->OpenChange(60);
+    network_->Store(Static("192.168.88.50", {"e0", "e1"}));
+    EXPECT_EQ(Output("nmcli -g connection.autoconnect connection show 'Spare e1'"), "no");
+    network_->RollBack();
+    for (const char* profile : {"Wired e0", "Wired e1", "Spare e1"})
+        EXPECT_EQ(Output(std::string("nmcli -g connection.autoconnect connection show '") + profile + "'"),
+                  "yes")
+            << profile;
 }
 
 // A checkpoint does not cover the host's name, its name table or the IPv6 switch: a change not kept puts

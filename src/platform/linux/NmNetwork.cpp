@@ -108,13 +108,19 @@ std::string NmNetwork::ManagementInterface(const std::vector<NmDevice>& devices)
     const std::string chosen =
         ChooseManagementInterface(interfaces, onNics, _kernel->Addresses(), _kernel->DefaultRoutes());
     if (!chosen.empty()) return chosen;
-    // No address at all (its DHCP server down, say): the interface a profile is up or coming up on,
-    // what stands on a NIC before the NIC itself, so that the first change can still take it over.
+    // No address at all (its DHCP server down, say): the interface a profile is coming up on, what stands
+    // on a NIC before the NIC itself; else the first NIC with a link. The network can still be changed
+    // there, which is what an operator at the console then needs.
+    const auto onNic = [&onNics](const NmDevice& device) {
+        return std::find(onNics.begin(), onNics.end(), device.interface) != onNics.end();
+    };
     for (bool nic : {false, true})
         for (const NmDevice& device : devices)
-            if ((device.type == NmDevice::kEthernet) == nic && device.activeConnection != "/" &&
-                std::find(onNics.begin(), onNics.end(), device.interface) != onNics.end())
+            if ((device.type == NmDevice::kEthernet) == nic && onNic(device) &&
+                device.state >= NmDevice::kPreparing && device.state < NmDevice::kActivated)
                 return device.interface;
+    for (const NmDevice& device : devices)
+        if (device.wired && device.Managed() && device.carrier) return device.interface;
     return {};
 }
 
@@ -287,6 +293,8 @@ void NmNetwork::Store(const ManagementNetwork& network) {
         Value settings = profile.settings;
         settings["connection"]["autoconnect"] = Bus::Variant("b", false);
         _client.UpdateProfile(profile.path, settings);
+        // The checkpoint puts back only the profiles that were up when it was made.
+        if (ChangeOpen()) _stoppedProfiles.push_back(profile.path);
     }
     if (!ChangeOpen()) Activate();
 }
@@ -442,6 +450,19 @@ void NmNetwork::PutBackIfupdown() {
 void NmNetwork::PutBackUncovered() {
     if (_hostnameBefore && _names.Static() != *_hostnameBefore) _names.Set(*_hostnameBefore);
     if (_hostsBefore && _names.HostsText() != *_hostsBefore) _names.SetHostsText(*_hostsBefore);
+    if (!_stoppedProfiles.empty()) {
+        for (const NmProfile& profile : _client.Profiles()) {
+            if (std::find(_stoppedProfiles.begin(), _stoppedProfiles.end(), profile.path) ==
+                _stoppedProfiles.end())
+                continue;
+            const Value& autoconnect = profile.Get("connection", "autoconnect");
+            if (!autoconnect.is_boolean() || autoconnect.get<bool>()) continue;
+            Value settings = profile.settings;
+            settings["connection"]["autoconnect"] = Bus::Variant("b", true);
+            _client.UpdateProfile(profile.path, settings);
+        }
+        _stoppedProfiles.clear();
+    }
     if (_files.Read(kIpv6Switch) == _ipv6SwitchBefore) return;
     const std::string path = _files.Under(kIpv6Switch).string();
     try {
@@ -552,6 +573,7 @@ void NmNetwork::OpenChange(int rollbackSeconds) {
     for (const NmDevice& device : _client.Devices()) _interfaces[device.path] = device.interface;
     _hostsBefore = _names.HostsText();
     _ipv6SwitchBefore = _files.Read(kIpv6Switch);
+    _stoppedProfiles.clear();
     try {
         _hostnameBefore = _names.Static();
     } catch (const HostCtl::Lib::HostCtlException&) {

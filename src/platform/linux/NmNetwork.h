@@ -92,7 +92,8 @@ class NmNetwork {
     std::vector<std::string> OnNics(const std::vector<NmDevice>& devices) const;
     // Hands `nic` over from ifupdown and waits until the service runs it (as it found it).
     void TakeFromIfupdown(const std::string& nic);
-    // Puts back the host's name, its name table and the IPv6 switch as they were when the change opened.
+    // Puts back the host's name, its name table, the IPv6 switch and the other tools' profiles the change
+    // stopped from starting by themselves, as they were when the change opened.
     void PutBackUncovered();
     // PutBackUncovered() on a way out that has a failure of its own to tell: this one goes to the log.
     void PutBackUncoveredBeside();
@@ -126,6 +127,7 @@ class NmNetwork {
     IfupdownHandover _ifupdown;
     std::optional<std::string> _hostnameBefore, _hostsBefore;
     std::optional<std::string> _ipv6SwitchBefore;  // nullopt: there was none
+    std::vector<std::string> _stoppedProfiles;     // other tools' profiles this change stopped starting
     std::optional<std::string> _checkpoint;
     std::chrono::steady_clock::time_point _rollbackAt;
     std::map<std::string, std::string> _interfaces;  // device path to name, when the change opened
