@@ -117,15 +117,16 @@ void SetNotificationHook(std::function<void()> hook) {
     g_notificationHook = std::move(hook);
 }
 
-// After an Esc, curses may hold input it read while telling a lone Esc from a key sequence (a key typed
-// right after it); poll() cannot see that. So the wait after an Esc first asks curses without blocking.
-static bool g_afterEscape = false;
+// After a key, curses may hold input it read ahead while telling a lone Esc from a key sequence: a key
+// typed right after an Esc, or the rest of a sequence the terminal's keys do not explain. poll() cannot
+// see that, so the wait after a key first asks curses without blocking, until it holds nothing.
+static bool g_cursesMayHold = false;
 
 static int ReadKeyNow() {
     wtimeout(stdscr, 0);
     int key = wgetch(stdscr);
     wtimeout(stdscr, -1);
-    g_afterEscape = key == 27;
+    g_cursesMayHold = key != ERR;
     return key;
 }
 
@@ -196,7 +197,7 @@ int TakePending(bool urgentOnly) {
 int WaitInput(std::optional<timeval> limit) {
     if (g_signalThreadDue) StartSignalThread();
     if (int event = TakePending(true)) return event;
-    if (g_afterEscape) {
+    if (g_cursesMayHold) {
         int key = ReadKeyNow();
         if (key != ERR) return key;
     }
