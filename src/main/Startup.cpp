@@ -248,16 +248,22 @@ void OnFatalSignal(int signal) {
 
 void GiveTheTerminalBackOnCrash() {
     std::string reset;
-    for (const char* capability : {"sgr0", "cnorm", "rmcup"}) {
+    for (const char* capability : {"sgr0", "cnorm", "rmkx", "rmcup"}) {
         const char* sequence = tigetstr(capability);
         if (sequence != nullptr && sequence != reinterpret_cast<char*>(-1)) reset += sequence;
     }
     reset += "\033]R";  // the palette, as ResetPalette sends it
     g_crashResetLength = std::min(reset.size(), sizeof g_crashReset);
     std::memcpy(g_crashReset, reset.data(), g_crashResetLength);
+    // A stack of its own, so that a stack overflow still reaches the handler.
+    static char handlerStack[1 << 16];
+    stack_t stack{};
+    stack.ss_sp = handlerStack;
+    stack.ss_size = sizeof handlerStack;
+    sigaltstack(&stack, nullptr);
     struct sigaction action {};
     action.sa_handler = OnFatalSignal;
-    action.sa_flags = SA_RESETHAND | SA_NODEFER;
+    action.sa_flags = SA_RESETHAND | SA_NODEFER | SA_ONSTACK;
     sigemptyset(&action.sa_mask);
     for (int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) sigaction(signal, &action, nullptr);
 }

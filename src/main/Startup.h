@@ -37,7 +37,7 @@ void GuardPidFile(const char* path);
 void SendScreensWhole();
 
 // From here on a crash (a fatal signal) gives the terminal back before the process ends: attributes
-// as found, the screen left, the cursor shown and the palette reset.
+// as found, the screen left, the keypad and cursor as they were and the palette reset.
 void GiveTheTerminalBackOnCrash();
 
 // Redefines the palette and the colour pairs, or sets bwColor when the terminal cannot.

@@ -214,6 +214,17 @@ TEST_F(NmNetworkLab, WithoutItsLeaseTheManagementInterfaceStaysOnTheNic) {
     const std::optional<NmProfile> holder = network_->ForeignHolder();
     ASSERT_TRUE(holder);
     EXPECT_EQ(holder->Id(), "Wired e0");
+
+    // On a NIC that is a bridge's port, the bridge.
+    Output(
+        "nmcli connection add type bridge ifname fbr0 con-name 'Bridge' ipv4.method auto ipv6.method ignore "
+        "bridge.stp no >/dev/null && nmcli connection add type ethernet ifname e0 con-name 'Port e0' "
+        "master fbr0 slave-type bridge >/dev/null && nmcli connection up 'Port e0' >/dev/null");
+    ASSERT_TRUE(WaitFor([] { return ControllerOf("e0") == "fbr0" && !KernelIpv4("fbr0").empty(); }, 30s));
+    Output("ip -4 addr flush dev fbr0");
+    ASSERT_TRUE(WaitFor([] { return KernelIpv4("fbr0").empty(); }, 5s));
+    EXPECT_EQ(network_->ManagementInterface(), "fbr0");
+    EXPECT_EQ(KernelIpv4("fbr0"), "") << "the lease came back: the test no longer tests a host without one";
 }
 
 // A change that takes NICs over stops the other tools' profiles for them from starting by themselves; not

@@ -14,7 +14,7 @@ namespace LinuxHost {
 struct NmDevice {
     // The service's device types and states that matter here.
     static constexpr uint32_t kEthernet = 1, kBond = 10, kVlan = 11, kBridge = 13, kVeth = 20;
-    static constexpr uint32_t kUnmanaged = 10, kUnavailable = 20, kPreparing = 40, kActivated = 100;
+    static constexpr uint32_t kUnmanaged = 10, kUnavailable = 20, kActivated = 100;
 
     std::string path;
     std::string interface;

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <set>
 #include <system_error>
@@ -108,19 +109,19 @@ std::string NmNetwork::ManagementInterface(const std::vector<NmDevice>& devices)
     const std::string chosen =
         ChooseManagementInterface(interfaces, onNics, _kernel->Addresses(), _kernel->DefaultRoutes());
     if (!chosen.empty()) return chosen;
-    // No address at all (its DHCP server down, say): the interface a profile is coming up on, what stands
-    // on a NIC before the NIC itself; else the first NIC with a link. The network can still be changed
-    // there, which is what an operator at the console then needs.
-    const auto onNic = [&onNics](const NmDevice& device) {
-        return std::find(onNics.begin(), onNics.end(), device.interface) != onNics.end();
-    };
-    for (bool nic : {false, true})
+    // No address at all (its DHCP server down, say): the first NIC with a link, or the bridge or bond it
+    // is a port of. The network can still be changed there, which is what an operator then needs. The
+    // NIC ifupdown configures (the service leaves it alone) goes before those the service manages.
+    for (bool ifupdown : {true, false})
         for (const NmDevice& device : devices)
-            if ((device.type == NmDevice::kEthernet) == nic && onNic(device) &&
-                device.state >= NmDevice::kPreparing && device.state < NmDevice::kActivated)
-                return device.interface;
-    for (const NmDevice& device : devices)
-        if (device.wired && device.Managed() && device.carrier) return device.interface;
+            if (device.wired && device.carrier &&
+                (ifupdown ? _ifupdown.Configures(device.interface) : device.Managed())) {
+                std::string top = device.interface;
+                for (std::string above;
+                     !(above = _files.LinkName("/sys/class/net/" + top + "/master")).empty();)
+                    top = above;
+                return top;
+            }
     return {};
 }
 
@@ -130,7 +131,9 @@ std::vector<std::string> NmNetwork::OnNics(const std::vector<NmDevice>& devices)
         if (!name.empty() && std::find(on.begin(), on.end(), name) == on.end()) on.push_back(name);
     };
     for (const NmDevice& device : devices) {
-        if (!device.wired) continue;
+        // The NICs the service manages or ifupdown configures: a container's virtual cable, which the
+        // hypervisor's bridge holds, is wired too, but left alone by both.
+        if (!device.wired || !(device.Managed() || _ifupdown.Configures(device.interface))) continue;
         add(device.interface);
         // Its bridge or bond, and a bridge over that bond.
         const std::string controller = _files.LinkName("/sys/class/net/" + device.interface + "/master");
@@ -448,9 +451,23 @@ void NmNetwork::PutBackIfupdown() {
 }
 
 void NmNetwork::PutBackUncovered() {
-    if (_hostnameBefore && _names.Static() != *_hostnameBefore) _names.Set(*_hostnameBefore);
-    if (_hostsBefore && _names.HostsText() != *_hostsBefore) _names.SetHostsText(*_hostsBefore);
-    if (!_stoppedProfiles.empty()) {
+    // Each on its own: one that fails leaves the others to be done, and the first failure is told.
+    std::exception_ptr failed;
+    const auto step = [&failed](const std::function<void()>& putBack) {
+        try {
+            putBack();
+        } catch (...) {
+            if (!failed) failed = std::current_exception();
+        }
+    };
+    step([this] {
+        if (_hostnameBefore && _names.Static() != *_hostnameBefore) _names.Set(*_hostnameBefore);
+    });
+    step([this] {
+        if (_hostsBefore && _names.HostsText() != *_hostsBefore) _names.SetHostsText(*_hostsBefore);
+    });
+    step([this] {
+        if (_stoppedProfiles.empty()) return;
         for (const NmProfile& profile : _client.Profiles()) {
             if (std::find(_stoppedProfiles.begin(), _stoppedProfiles.end(), profile.path) ==
                 _stoppedProfiles.end())
@@ -462,16 +479,29 @@ void NmNetwork::PutBackUncovered() {
             _client.UpdateProfile(profile.path, settings);
         }
         _stoppedProfiles.clear();
-    }
-    if (_files.Read(kIpv6Switch) == _ipv6SwitchBefore) return;
-    const std::string path = _files.Under(kIpv6Switch).string();
+    });
+    step([this] {
+        if (_files.Read(kIpv6Switch) == _ipv6SwitchBefore) return;
+        const std::string path = _files.Under(kIpv6Switch).string();
+        try {
+            if (_ipv6SwitchBefore)
+                HostCtl::WriteWholeFile(path, *_ipv6SwitchBefore);
+            else if (::unlink(path.c_str()) != 0 && errno != ENOENT)
+                throw std::system_error(errno, std::generic_category(), "Cannot remove " + path);
+        } catch (const std::system_error& e) {
+            throw HostCtl::Lib::HostCtlException(e.what());
+        }
+    });
+    if (failed) std::rethrow_exception(failed);
+}
+
+bool NmNetwork::RolledBackOrWillBe(const std::string& checkpoint) {
+    if (std::chrono::steady_clock::now() >= _rollbackAt) return true;
     try {
-        if (_ipv6SwitchBefore)
-            HostCtl::WriteWholeFile(path, *_ipv6SwitchBefore);
-        else if (::unlink(path.c_str()) != 0 && errno != ENOENT)
-            throw std::system_error(errno, std::generic_category(), "Cannot remove " + path);
-    } catch (const std::system_error& e) {
-        throw HostCtl::Lib::HostCtlException(e.what());
+        const std::vector<std::string> open = _client.Checkpoints();
+        return std::find(open.begin(), open.end(), checkpoint) != open.end();
+    } catch (const std::exception&) {
+        return true;  // the service cannot say: it rolls back when the time is up unless destroyed
     }
 }
 
@@ -599,9 +629,11 @@ void NmNetwork::Keep() {
         _client.DestroyCheckpoint(*_checkpoint);
     } catch (const std::exception& e) {
         // Asked as its time ran out: the service has rolled the change back, ifupdown's NIC with it, and
-        // the rest goes back with it.
+        // the rest goes back with it. So too while the checkpoint is still there: its time will run out.
+        // One that is gone before its time was destroyed after all, and the change is kept.
+        const std::string checkpoint = *_checkpoint;
         _checkpoint.reset();
-        PutBackUncoveredBeside();
+        if (RolledBackOrWillBe(checkpoint)) PutBackUncoveredBeside();
         PutBackAfter(e);
         throw;
     }

@@ -88,7 +88,7 @@ class NmNetwork {
     std::string ManagementInterface(const std::vector<NmDevice>& devices);
     std::optional<NmProfile> ForeignHolder(const std::vector<NmDevice>& devices);
     std::string IfupdownNic(const std::vector<NmDevice>& devices);
-    // The wired NICs among `devices`, and the bridges, bonds and VLANs the kernel has built on them.
+    // The NICs among `devices`, and the bridges, bonds and VLANs the kernel has built on them.
     std::vector<std::string> OnNics(const std::vector<NmDevice>& devices) const;
     // Hands `nic` over from ifupdown and waits until the service runs it (as it found it).
     void TakeFromIfupdown(const std::string& nic);
@@ -97,6 +97,8 @@ class NmNetwork {
     void PutBackUncovered();
     // PutBackUncovered() on a way out that has a failure of its own to tell: this one goes to the log.
     void PutBackUncoveredBeside();
+    // Whether the service has rolled `checkpoint` back, or still will (it is there, its time not up).
+    bool RolledBackOrWillBe(const std::string& checkpoint);
     // Gives ifupdown back what a change that was not kept took from it.
     void PutBackIfupdown();
     // After `failure`, gives ifupdown back a take-over that is pending; one that fails too is added to the
