@@ -230,6 +230,9 @@ void DefineKeys() {
 
 namespace {
 
+// The Linux console's palette back to its own.
+constexpr const char* kPaletteReset = "\033]R";
+
 // What a crash leaves on the terminal: made while the console runs, written from the signal handler,
 // which may call nothing but write and tcsetattr.
 char g_crashReset[256];
@@ -252,7 +255,7 @@ void GiveTheTerminalBackOnCrash() {
         const char* sequence = tigetstr(capability);
         if (sequence != nullptr && sequence != reinterpret_cast<char*>(-1)) reset += sequence;
     }
-    reset += "\033]R";  // the palette, as ResetPalette sends it
+    reset += kPaletteReset;
     g_crashResetLength = std::min(reset.size(), sizeof g_crashReset);
     std::memcpy(g_crashReset, reset.data(), g_crashResetLength);
     // A stack of its own, so that a stack overflow still reaches the handler.
@@ -271,7 +274,7 @@ void GiveTheTerminalBackOnCrash() {
 void ResetPalette() {
     if (g_paletteReset) return;
     g_paletteReset = true;
-    fputs("\033]R", stdout);
+    fputs(kPaletteReset, stdout);
     fflush(stdout);
 }
 

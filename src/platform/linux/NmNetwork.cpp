@@ -115,14 +115,21 @@ std::string NmNetwork::ManagementInterface(const std::vector<NmDevice>& devices)
     for (bool ifupdown : {true, false})
         for (const NmDevice& device : devices)
             if (device.wired && device.carrier &&
-                (ifupdown ? _ifupdown.Configures(device.interface) : device.Managed())) {
-                std::string top = device.interface;
-                for (std::string above;
-                     !(above = _files.LinkName("/sys/class/net/" + top + "/master")).empty();)
-                    top = above;
-                return top;
+                (ifupdown ? !device.Managed() && _ifupdown.Configures(device.interface) : device.Managed())) {
+                const std::vector<std::string> above = Controllers(device.interface);
+                return above.empty() ? device.interface : above.back();
             }
     return {};
+}
+
+std::vector<std::string> NmNetwork::Controllers(const std::string& interface) const {
+    std::vector<std::string> chain;
+    for (std::string at = interface;;) {
+        at = _files.LinkName("/sys/class/net/" + at + "/master");
+        // A loop in the links would be a broken host, not a reason to hang.
+        if (at.empty() || chain.size() > 4) return chain;
+        chain.push_back(at);
+    }
 }
 
 std::vector<std::string> NmNetwork::OnNics(const std::vector<NmDevice>& devices) const {
@@ -135,10 +142,7 @@ std::vector<std::string> NmNetwork::OnNics(const std::vector<NmDevice>& devices)
         // hypervisor's bridge holds, is wired too, but left alone by both.
         if (!device.wired || !(device.Managed() || _ifupdown.Configures(device.interface))) continue;
         add(device.interface);
-        // Its bridge or bond, and a bridge over that bond.
-        const std::string controller = _files.LinkName("/sys/class/net/" + device.interface + "/master");
-        add(controller);
-        if (!controller.empty()) add(_files.LinkName("/sys/class/net/" + controller + "/master"));
+        for (const std::string& controller : Controllers(device.interface)) add(controller);
     }
     // VLANs on any of those.
     for (const NmDevice& device : devices)

@@ -88,6 +88,8 @@ class NmNetwork {
     std::string ManagementInterface(const std::vector<NmDevice>& devices);
     std::optional<NmProfile> ForeignHolder(const std::vector<NmDevice>& devices);
     std::string IfupdownNic(const std::vector<NmDevice>& devices);
+    // The bridge or bond `interface` is a port of, the one that is a port of, and so on up.
+    std::vector<std::string> Controllers(const std::string& interface) const;
     // The NICs among `devices`, and the bridges, bonds and VLANs the kernel has built on them.
     std::vector<std::string> OnNics(const std::vector<NmDevice>& devices) const;
     // Hands `nic` over from ifupdown and waits until the service runs it (as it found it).
